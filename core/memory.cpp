@@ -1,0 +1,55 @@
+// Aligned memory with a live-block count and a switch that makes a chosen allocation fail.
+#include "platform/export.h"
+
+#include <orv/services.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+std::atomic<int32_t> allocations_to_failure{0};
+std::atomic<int32_t> live_blocks{0};
+
+// The word before a block tells where the system's own block starts.
+void*& origin_of(void* block) { return static_cast<void**>(block)[-1]; }
+
+bool chosen_to_fail() {
+    if (allocations_to_failure.load(std::memory_order_relaxed) == 0) return false;
+    return allocations_to_failure.fetch_sub(1) == 1;
+}
+
+}  // namespace
+
+ORV_API void* orv_serv_allocate(size_t size, int32_t alignment) {
+    if (chosen_to_fail()) return nullptr;
+    const size_t step = static_cast<size_t>(alignment) < sizeof(void*) ? sizeof(void*) : static_cast<size_t>(alignment);
+    const size_t total = size + step + sizeof(void*);
+    if (total < size) return nullptr;
+    void* origin = std::malloc(total);
+    if (!origin) return nullptr;
+    const uintptr_t first = reinterpret_cast<uintptr_t>(origin) + sizeof(void*);
+    void* block = reinterpret_cast<void*>((first + step - 1) & ~(step - 1));
+    origin_of(block) = origin;
+    live_blocks.fetch_add(1, std::memory_order_relaxed);
+    return block;
+}
+
+ORV_API void orv_serv_deallocate(void* block) {
+    if (!block) return;
+    live_blocks.fetch_sub(1, std::memory_order_relaxed);
+    std::free(origin_of(block));
+}
+
+ORV_API int32_t orv_serv_memcpy_s(void* destination, size_t capacity, const void* source, size_t count) {
+    constexpr int32_t bad_pointer = 22;
+    constexpr int32_t too_large = 34;
+    if (!destination || !source) return bad_pointer;
+    if (count > capacity) return too_large;
+    std::memcpy(destination, source, count);
+    return 0;
+}
+
+ORV_API void orv_serv_fail_allocation(int32_t nth) { allocations_to_failure.store(nth > 0 ? nth : 0); }
+ORV_API int32_t orv_serv_live_blocks() { return live_blocks.load(); }
