@@ -4,7 +4,9 @@
 
 #include <cstdio>
 
-int main(int argc, char** argv) {
+namespace {
+
+int run(int argc, char** argv) {
     int status = 0;
     CLI::App app("Numbers through the kernels of the orv library.", "orv");
     app.require_subcommand(1);
@@ -12,14 +14,25 @@ int main(int argc, char** argv) {
     orv::command::add_math(app, status);
     try {
         app.parse(argc, argv);
-    } catch (const CLI::Success& request) {
-        return app.exit(request);
-    } catch (const CLI::ParseError& error) {
-        std::fprintf(stderr, "orv: %s\n", error.what());
-        return 2;
-    } catch (const orv::command::Failure& failure) {
-        std::fprintf(stderr, "orv: %s\n", failure.text.c_str());
-        return 2;
+    } catch (const CLI::Success& help) {
+        return app.exit(help);
     }
     return status;
+}
+
+int refuse(const char* text) {
+    std::fprintf(stderr, "orv: %s\n", text);
+    return 2;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return run(argc, argv);
+    } catch (const orv::command::Failure& failure) {
+        return refuse(failure.text.c_str());
+    } catch (const std::exception& error) {
+        return refuse(error.what());
+    }
 }

@@ -68,10 +68,10 @@ int32_t report(ArqErrorContext* context) {
     std::string values;
     append_value(values, context->arg1);
     if (reports.function->shape == Shape::TWO) append_value(values += ", ", context->arg2);
-    std::fprintf(stderr, "orv: %s:%lld: row %lu: %s(%s): %s, status %d\n", table.source.c_str(),
-                 static_cast<long long>(table.lines[origin.row]), static_cast<unsigned long>(origin.row + 1),
-                 std::string(reports.function->name).c_str(), values.c_str(), meaning(context->code),
-                 static_cast<int>(context->code));
+    const std::string line = "orv: " + table.source + ":" + std::to_string(table.lines[origin.row]) + ": row " +
+                             std::to_string(origin.row + 1) + ": " + std::string(reports.function->name) + "(" + values +
+                             "): " + meaning(context->code) + ", status " + std::to_string(context->code) + "\n";
+    std::fwrite(line.data(), 1, line.size(), stderr);
     ++reports.count;
     return 0;
 }

@@ -108,6 +108,7 @@ size_t find_column(const Table& table, const std::string& name) {
 
 std::vector<size_t> choose_columns(const Table& table, const std::vector<std::string>& wanted, size_t count) {
     std::vector<size_t> columns;
+    columns.reserve(wanted.size());
     for (const std::string& name : wanted) columns.push_back(find_column(table, name));
     if (wanted.empty())
         for (size_t column = 0; column < table.width; ++column) columns.push_back(column);
