@@ -7,7 +7,8 @@
 //   block              elements computed together; their results are stored together
 //   tail               what happens to the elements after the last whole block
 //   lanes(x)           from lanes to lanes, where the vector path serves every value; or
-//   lanes(x, doubt)    the same with a mask of the lanes that it does not serve
+//   lanes(x, frame)    the same where the frame gathers something on the way; or
+//   lanes(x, doubt)    with a mask of the lanes that the vector path does not serve
 //   name, scalar(x, y) with such a mask: the name that reports carry, and one element's result, returning its status
 //
 // and ORV_ONE_INPUT makes the dense and the strided kernel from it.
@@ -58,6 +59,15 @@ inline constexpr float harmless = 0.75f;
 template <class Kernel>
 concept Doubtful = requires { Kernel::name; };
 
+// The lanes of a kernel that serves every value.
+template <class Kernel, class V>
+inline auto sure_lanes(V x, typename Kernel::Frame& frame) {
+    if constexpr (requires { Kernel::lanes(x, frame); })
+        return Kernel::lanes(x, frame);
+    else
+        return Kernel::lanes(x);
+}
+
 // A block with lanes that the vector path does not serve goes through buffers, as does a part of a block. The doubted lanes
 // are settled from lane 0 up. A reported element is in its place in `y` before the reporter runs, which may change it
 // there; the block is stored at the end. Nothing outside the arrays is touched.
@@ -88,12 +98,13 @@ template <class Kernel, class In, class Out>
 
 // `Registers` whole registers from element i on.
 template <class Kernel, int Registers, class In, class Out>
-inline void map_registers(int32_t i, In a, Out y) {
+inline void map_registers(int32_t i, In a, Out y, [[maybe_unused]] typename Kernel::Frame& frame) {
     constexpr int width = simd::Lanes<typename Kernel::Element>::width;
     using V = typename simd::Lanes<typename Kernel::Element>::V;
     V r[Registers];
     if constexpr (Doubtful<Kernel>) {
         V any;
+#pragma GCC unroll 16
         for (int k = 0; k < Registers; ++k) {
             V doubt;
             r[k] = Kernel::lanes(a.load(i + k * width), doubt);
@@ -102,14 +113,16 @@ inline void map_registers(int32_t i, In a, Out y) {
         if (simd::lane_bits(any) != 0) [[unlikely]]
             return map_buffered<Kernel>(i, Registers * width, a, y);
     } else {
-        for (int k = 0; k < Registers; ++k) r[k] = Kernel::lanes(a.load(i + k * width));
+#pragma GCC unroll 16
+        for (int k = 0; k < Registers; ++k) r[k] = sure_lanes<Kernel>(a.load(i + k * width), frame);
     }
+#pragma GCC unroll 16
     for (int k = 0; k < Registers; ++k) y.store(i + k * width, r[k]);
 }
 
 // Fewer elements than a register holds, the absent lanes filled.
 template <class Kernel, class In, class Out>
-inline void map_group(int32_t i, int32_t count, In a, Out y) {
+inline void map_group(int32_t i, int32_t count, In a, Out y, [[maybe_unused]] typename Kernel::Frame& frame) {
     using Scalar = typename simd::Lanes<typename Kernel::Element>::Scalar;
     using V = typename simd::Lanes<typename Kernel::Element>::V;
     const V x = simd::load_part(a.at(i), a.increment, count, Scalar{harmless});
@@ -120,7 +133,7 @@ inline void map_group(int32_t i, int32_t count, In a, Out y) {
             return map_buffered<Kernel>(i, count, a, y);
         simd::store_part(y.at(i), y.increment, count, r);
     } else {
-        simd::store_part(y.at(i), y.increment, count, Kernel::lanes(x));
+        simd::store_part(y.at(i), y.increment, count, sure_lanes<Kernel>(x, frame));
     }
 }
 
@@ -140,18 +153,18 @@ inline void map(int32_t n, In a, Out y) {
     using Element = typename Kernel::Element;
     constexpr int width = simd::Lanes<Element>::width;
     constexpr int registers = Kernel::block / width;
-    const typename Kernel::Frame frame;
+    typename Kernel::Frame frame;
 
     int32_t i = 0;
-    for (; i <= n - Kernel::block; i += Kernel::block) map_registers<Kernel, registers>(i, a, y);
+    for (; i <= n - Kernel::block; i += Kernel::block) map_registers<Kernel, registers>(i, a, y, frame);
 
     if constexpr (Kernel::tail == Tail::by_element) {
-        for (; i < n; ++i) simd::store_one(y.at(i), Kernel::lanes(simd::load_one(a.at(i))));
+        for (; i < n; ++i) simd::store_one(y.at(i), sure_lanes<Kernel>(simd::load_one(a.at(i)), frame));
     } else if constexpr (Kernel::tail == Tail::padded) {
         if (i < n) map_padded<Kernel>(i, n - i, a, y);
     } else {
-        for (; i <= n - width; i += width) map_registers<Kernel, 1>(i, a, y);
-        if (i < n) map_group<Kernel>(i, n - i, a, y);
+        for (; i <= n - width; i += width) map_registers<Kernel, 1>(i, a, y, frame);
+        if (i < n) map_group<Kernel>(i, n - i, a, y, frame);
     }
 }
 

@@ -175,6 +175,9 @@ inline __m128d not_finite(__m128d x) {
     return _mm_castsi128_pd(_mm_cmpeq_epi32(_mm_and_si128(high_words, exponent), exponent));
 }
 
+inline bool any_bit(__m128 x) { return !_mm_testz_si128(_mm_castps_si128(x), _mm_castps_si128(x)); }
+inline bool any_bit(__m128d x) { return !_mm_testz_si128(_mm_castpd_si128(x), _mm_castpd_si128(x)); }
+
 // One bit per lane, lane 0 lowest.
 inline unsigned lane_bits(__m128 mask) { return static_cast<unsigned>(_mm_movemask_ps(mask)); }
 inline unsigned lane_bits(__m128d mask) { return static_cast<unsigned>(_mm_movemask_pd(mask)); }
