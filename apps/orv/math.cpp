@@ -69,8 +69,9 @@ int32_t report(ArqErrorContext* context) {
     append_value(values, context->arg1);
     if (reports.function->shape == Shape::TWO) append_value(values += ", ", context->arg2);
     const std::string line = "orv: " + table.source + ":" + std::to_string(table.lines[origin.row]) + ": row " +
-                             std::to_string(origin.row + 1) + ": " + std::string(reports.function->name) + "(" + values +
-                             "): " + meaning(context->code) + ", status " + std::to_string(context->code) + "\n";
+                             std::to_string(origin.row + 1) + ": " + std::string(reports.function->name) + "(" +
+                             values + "): " + meaning(context->code) + ", status " + std::to_string(context->code) +
+                             "\n";
     std::fwrite(line.data(), 1, line.size(), stderr);
     ++reports.count;
     return 0;
