@@ -17,7 +17,7 @@ namespace {
 struct Request {
     std::string function;
     char type = 'd';
-    int accuracy = -1;  // index into the tables; -1 leaves the choice to the entry or the mode
+    std::string accuracy;  // "la", "ha" or "ep"; empty leaves the choice to the entry or the mode
     bool by_mode = false;
     std::vector<std::string> columns;
     std::string output;
@@ -79,13 +79,14 @@ int32_t report(ArqErrorContext* context) {
 
 // The kernel that the request asks for. The mode is set either way: error reports go to the callback alone.
 orv_arq_kernel choose_kernel(const Request& request, const Function& function) {
-    constexpr uint32_t accuracy_bits[] = {ORV_MODE_LA, ORV_MODE_HA, ORV_MODE_EP};
-    const uint32_t accuracy = request.accuracy < 0 ? 0 : accuracy_bits[request.accuracy];
-    orv_arq_kernel_SetMode(accuracy | ORV_MODE_ERRMODE_CALLBACK);
+    // The tables' order, and one less than the value of the mode word's field.
+    int32_t index = -1;
+    if (!request.accuracy.empty()) index = request.accuracy == "la" ? 0 : request.accuracy == "ha" ? 1 : 2;
+    orv_arq_kernel_SetMode(static_cast<uint32_t>(index + 1) | ORV_MODE_ERRMODE_CALLBACK);
     _arqSetErrorCallBack(report);
     if (request.by_mode) return function.table_row[orv_arq_kernel_GetTTableIndex()];
-    constexpr int ha = 1;
-    return function.entries[request.accuracy < 0 ? ha : request.accuracy];
+    constexpr int32_t ha = 1;
+    return function.entries[index < 0 ? ha : index];
 }
 
 template <class T>
@@ -169,9 +170,8 @@ void add_math(CLI::App& app, int& status) {
         ->check(CLI::IsMember({"s", "d"}))
         ->capture_default_str();
     math->add_option("--accuracy", request->accuracy,
-                     "la, ha or ep; ha, or the mode word's with --by-mode, if not given")
-        ->transform(
-            CLI::CheckedTransformer(std::map<std::string, int>{{"la", 0}, {"ha", 1}, {"ep", 2}}, CLI::ignore_case));
+                     "la, ha or ep; if not given ha, or the mode word's with --by-mode")
+        ->check(CLI::IsMember({"la", "ha", "ep"}, CLI::ignore_case));
     math->add_flag("--by-mode", request->by_mode, "take the kernel from the table by the thread's mode word");
     math->add_option("--column", request->columns,
                      "an input column, by name or by position from 1; once for each input")
