@@ -171,7 +171,7 @@ void add_math(CLI::App& app, int& status) {
         ->capture_default_str();
     math->add_option("--accuracy", request->accuracy,
                      "la, ha or ep; if not given ha, or the mode word's with --by-mode")
-        ->check(CLI::IsMember({"la", "ha", "ep"}, CLI::ignore_case));
+        ->transform(CLI::IsMember({"la", "ha", "ep"}, CLI::ignore_case));
     math->add_flag("--by-mode", request->by_mode, "take the kernel from the table by the thread's mode word");
     math->add_option("--column", request->columns,
                      "an input column, by name or by position from 1; once for each input")

@@ -151,6 +151,21 @@ TEST_F(Command, BadElementsAreListed) {
     }
 }
 
+TEST_F(Command, AccuracyChoosesTheKernel) {
+    if (orv("info").out.find("\nExp ") == std::string::npos) GTEST_SKIP() << "no function with three kernels yet";
+    std::string input;
+    for (int i = 1; i < 100; ++i) input += std::to_string(i) + ".3e-2\n";
+    std::string results[3];
+    const char* const accuracies[] = {"la", "HA", "Ep"};
+    for (size_t i = 0; i < 3; ++i) {
+        results[i] = orv("math Exp --accuracy " + std::string(accuracies[i]), input).out;
+        EXPECT_EQ(results[i], orv("math Exp --by-mode --accuracy " + std::string(accuracies[i]), input).out);
+    }
+    EXPECT_NE(results[0], results[1]);
+    EXPECT_NE(results[1], results[2]);
+    EXPECT_EQ(results[1], orv("math Exp", input).out);
+}
+
 TEST_F(Command, InfoTellsTheMode) {
 #ifdef _WIN32
     const auto set = [](const char* value) { _putenv((std::string("ORV_ARQ_MODE=") + value).c_str()); };
