@@ -1,5 +1,5 @@
-// MCG31M1: x <- a x mod 2^31 - 1. Eight lanes hold eight successive values and advance by a^8 each round, so lane 0 is
-// always the value of the plain recurrence.
+// MCG31M1: x <- a x mod 2^31 - 1. Sixteen lanes hold sixteen successive values and advance by a^16 each round, so lane 0
+// is always the value of the plain recurrence.
 #include "brng/modular.h"
 #include "brng/outputs.h"
 #include "platform/export.h"
@@ -14,7 +14,7 @@ namespace {
 
 constexpr uint32_t multiplier = 1132489760;
 constexpr double unit = 4.656612875245797e-10;  // maps 2^31 - 1 to 1
-constexpr int32_t lanes = 8;
+constexpr int32_t lanes = 16;
 
 struct Mcg31m1 {
     Stream header;
@@ -23,13 +23,17 @@ struct Mcg31m1 {
 };
 static_assert(sizeof(Mcg31m1) == 24 && offsetof(Mcg31m1, x) == 16 && offsetof(Mcg31m1, a) == 20);
 
-// Two lanes of mul_m31; the smaller of s and s - m, unsigned, is s mod m for s below 2 m.
-__m128i multiply(__m128i x, __m128i a) {
-    const __m128i m = _mm_set1_epi64x(m31);
-    const __m128i t = _mm_mul_epu32(x, a);
-    const __m128i sum = _mm_add_epi32(_mm_and_si128(t, m), _mm_srli_epi64(t, 31));
-    return _mm_min_epu32(sum, _mm_sub_epi32(sum, m));
+// Four lanes of x a mod 2^31 - 1 from a doubled multiplier: the upper half of 2 a x is a x >> 31, and the lower half is
+// twice a x mod 2^31. The smaller of s and s - m, unsigned, is s mod m for s below 2 m. Lanes 1 and 2 change places.
+__m128i multiply(__m128i x, __m128i twice_a) {
+    const __m128 even = _mm_castsi128_ps(_mm_mul_epu32(x, twice_a));
+    const __m128 odd = _mm_castsi128_ps(_mm_mul_epu32(_mm_srli_epi64(x, 32), twice_a));
+    const __m128i low = _mm_srli_epi32(_mm_castps_si128(_mm_shuffle_ps(even, odd, 0x88)), 1);
+    const __m128i sum = _mm_add_epi32(low, _mm_castps_si128(_mm_shuffle_ps(even, odd, 0xDD)));
+    return _mm_min_epu32(sum, _mm_sub_epi32(sum, _mm_set1_epi32(m31)));
 }
+
+__m128i swap_middle(__m128i x) { return _mm_shuffle_epi32(x, _MM_SHUFFLE(3, 1, 2, 0)); }
 
 template <class Output>
 int32_t generate(Stream* stream, int32_t n, typename Output::Element* r, Output output) {
@@ -38,25 +42,29 @@ int32_t generate(Stream* stream, int32_t n, typename Output::Element* r, Output 
     uint32_t x = state->x;
     // The first element is written, and the state moved on, before the count is looked at.
     int32_t left = n < 1 ? 1 : n;
-    if (left >= lanes) {
-        alignas(16) uint64_t start[lanes];
-        for (uint64_t& lane : start) {
+    if (left >= 2 * lanes) {
+        alignas(16) uint32_t start[lanes];
+        for (uint32_t& lane : start) {
             lane = x;
             x = mul_m31(x, a);
         }
-        const __m128i* starts = reinterpret_cast<const __m128i*>(start);
-        __m128i x01 = starts[0], x23 = starts[1], x45 = starts[2], x67 = starts[3];
-        const uint32_t a2 = mul_m31(a, a), a4 = mul_m31(a2, a2);
-        const __m128i a8 = _mm_set1_epi64x(mul_m31(a4, a4));
-        for (; left >= lanes; left -= lanes, r += lanes) {
-            output.four(r, x01, x23);
-            x01 = multiply(x01, a8);
-            x23 = multiply(x23, a8);
-            output.four(r + 4, x45, x67);
-            x45 = multiply(x45, a8);
-            x67 = multiply(x67, a8);
+        const uint32_t a2 = mul_m31(a, a), a4 = mul_m31(a2, a2), a8 = mul_m31(a4, a4);
+        const __m128i twice_a16 = _mm_set1_epi64x(2 * mul_m31(a8, a8));
+        __m128i v[lanes / 4];
+        for (int i = 0; i < lanes / 4; ++i) v[i] = _mm_load_si128(reinterpret_cast<const __m128i*>(start) + i);
+        for (; left >= 2 * lanes; left -= 2 * lanes) {
+            for (__m128i& four : v) {
+                output.four_short(r, four);
+                four = multiply(four, twice_a16);
+                r += 4;
+            }
+            for (__m128i& four : v) {
+                output.four_short(r, swap_middle(four));
+                four = multiply(four, twice_a16);
+                r += 4;
+            }
         }
-        x = static_cast<uint32_t>(_mm_cvtsi128_si32(x01));
+        x = static_cast<uint32_t>(_mm_cvtsi128_si32(v[0]));
     }
     for (; left > 0; --left, ++r) {
         output.one(r, x);

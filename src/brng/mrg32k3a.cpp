@@ -24,27 +24,47 @@ struct Mrg32k3a {
 };
 static_assert(sizeof(Mrg32k3a) == 40 && offsetof(Mrg32k3a, state) == 16);
 
-// One step; the products are below 2^53, so the difference brought above zero by a multiple of the modulus is below 2^55.
-uint32_t step(MrgState& s) {
+// One step of both components; returns the new words. The products are below 2^53, so their difference, brought above
+// zero by a multiple of the modulus, is below 2^55, and three folds leave less than 2^32.
+__m128i step(MrgVector& v) {
     constexpr uint64_t lift1 = uint64_t{m1} << 20, lift2 = uint64_t{m2} << 21;
     static_assert(lift1 > uint64_t{mrg_a13} * m1 && lift2 > uint64_t{mrg_b23} * m2);
-    const uint32_t x = reduce<m1>(uint64_t{mrg_a12} * s.x[1] + lift1 - uint64_t{mrg_a13} * s.x[0]);
-    const uint32_t y = reduce<m2>(uint64_t{mrg_b21} * s.y[2] + lift2 - uint64_t{mrg_b23} * s.y[0]);
-    s = {{s.x[1], s.x[2], x}, {s.y[1], s.y[2], y}};
-    return x >= y ? x - y : x - y + m1;
+    const __m128i lift = _mm_set_epi64x(static_cast<int64_t>(lift2), static_cast<int64_t>(lift1));
+    const __m128i plus = _mm_mul_epu32(_mm_blend_epi16(v.at[1], v.at[2], 0xF0), words_in_lanes(mrg_a12, mrg_b21));
+    const __m128i minus = _mm_mul_epu32(v.at[0], words_in_lanes(mrg_a13, mrg_b23));
+    const __m128i folded = fold(fold(fold(_mm_sub_epi64(_mm_add_epi64(plus, lift), minus))));
+    const __m128i next = _mm_min_epu32(folded, _mm_sub_epi32(folded, moduli()));
+    v = {{v.at[1], v.at[2], next}};
+    return next;
+}
+
+uint32_t word(__m128i lanes) { return static_cast<uint32_t>(_mm_cvtsi128_si32(lanes)); }
+uint32_t upper_word(__m128i lanes) { return static_cast<uint32_t>(_mm_extract_epi32(lanes, 2)); }
+
+template <class Output>
+void generate_tail(MrgState& s, int32_t n, typename Output::Element* r, const Output& output) {
+    MrgVector v = vector_of(s);
+    for (int32_t i = 0; i < n; ++i) {
+        const __m128i next = step(v);
+        const uint32_t x = word(next), y = upper_word(next);
+        output.one(r + i, x >= y ? x - y : x - y + m1);
+    }
+    for (int i = 0; i < 3; ++i) {
+        s.x[i] = word(v.at[i]);
+        s.y[i] = upper_word(v.at[i]);
+    }
 }
 
 template <class Output>
 int32_t generate(Stream* stream, int32_t n, typename Output::Element* r, Output output) {
-    MrgState& state = reinterpret_cast<Mrg32k3a*>(stream)->state;
-    MrgState s = state;
+    MrgState& s = reinterpret_cast<Mrg32k3a*>(stream)->state;
     int32_t left = n;
-    for (const int log_rows : mrg_row_lengths) {
-        const int32_t block = mrg_lanes << log_rows;
-        for (; left >= block; left -= block, r += block) s = generate_block(s, log_rows, r, output);
-    }
-    for (; left > 0; --left, ++r) output.one(r, step(s));
-    state = s;
+    if (left >= mrg_shortest_block)
+        for (const int log_rows : mrg_row_lengths) {
+            const int32_t block = mrg_lanes << log_rows;
+            for (; left >= block; left -= block, r += block) generate_block(s, log_rows, r, output);
+        }
+    if (left > 0) generate_tail(s, left, r, output);
     return StatusOk;
 }
 

@@ -10,6 +10,7 @@
 
 #include "brng/modular.h"
 #include "brng/mrg32k3a_jump.h"
+#include "brng/outputs.h"
 
 #include <smmintrin.h>
 #include <stdint.h>
@@ -24,10 +25,17 @@ struct MrgState {
 inline constexpr int32_t mrg_lanes = 8;
 // Binary logarithms of the rows in a block, longest first: the eight starting points of a block cost about 300 cycles.
 inline constexpr int mrg_row_lengths[] = {8, 6, 4};
+inline constexpr int32_t mrg_shortest_block = mrg_lanes << 4;
 
-// The six state words of two lanes as doubles.
-struct MrgPair {
-    __m128d x[3], y[3];
+// The walk of all lanes through a stretch of a block: step i stands in row i + 3, the three rows before it are the state.
+// Lanes 2 p and 2 p + 1 share pair p of a row. The stretch is short enough to stay in the first-level cache, and steps
+// of all lanes alternate, since one lane's steps wait for each other.
+inline constexpr int32_t mrg_pairs = mrg_lanes / 2;
+inline constexpr int32_t stretch = 16;
+
+struct MrgRows {
+    __m128d x[stretch + 3][mrg_pairs];
+    __m128d y[stretch + 3][mrg_pairs];
 };
 
 // The word i of both components in 64-bit lanes: x in the low one, y in the high one.
@@ -37,6 +45,12 @@ struct MrgVector {
 
 inline __m128i words_in_lanes(uint32_t x, uint32_t y) {
     return _mm_unpacklo_epi64(_mm_cvtsi32_si128(static_cast<int>(x)), _mm_cvtsi32_si128(static_cast<int>(y)));
+}
+
+inline MrgVector vector_of(const MrgState& s) {
+    MrgVector v;
+    for (int i = 0; i < 3; ++i) v.at[i] = words_in_lanes(s.x[i], s.y[i]);
+    return v;
 }
 
 inline __m128i moduli() { return words_in_lanes(m1, m2); }
@@ -62,22 +76,16 @@ inline MrgVector jump(const MrgVector& v, const Matrix3& power1, const Matrix3& 
     return result;
 }
 
-inline __m128d exact_doubles(__m128i lanes) {
-    const __m128d bias = _mm_set1_pd(0x1p52);
-    return _mm_sub_pd(_mm_castsi128_pd(_mm_or_si128(lanes, _mm_castpd_si128(bias))), bias);
-}
-
-inline void start_lanes(MrgPair* pairs, const MrgState& s, int log_rows) {
-    MrgVector v;
-    for (int i = 0; i < 3; ++i) v.at[i] = words_in_lanes(s.x[i], s.y[i]);
-    for (int32_t pair = 0; pair < mrg_lanes / 2; ++pair) {
+inline void start_lanes(MrgRows& rows, const MrgState& s, int log_rows) {
+    MrgVector v = vector_of(s);
+    for (int32_t pair = 0; pair < mrg_pairs; ++pair) {
         const MrgVector even = v;
         const MrgVector odd = jump(even, mrg_powers1.power[log_rows], mrg_powers2.power[log_rows]);
         for (int i = 0; i < 3; ++i) {
-            pairs[pair].x[i] = exact_doubles(_mm_unpacklo_epi64(even.at[i], odd.at[i]));
-            pairs[pair].y[i] = exact_doubles(_mm_unpackhi_epi64(even.at[i], odd.at[i]));
+            rows.x[i][pair] = to_double(_mm_unpacklo_epi64(even.at[i], odd.at[i]));
+            rows.y[i][pair] = to_double(_mm_unpackhi_epi64(even.at[i], odd.at[i]));
         }
-        if (pair + 1 < mrg_lanes / 2) v = jump(odd, mrg_powers1.power[log_rows], mrg_powers2.power[log_rows]);
+        if (pair + 1 < mrg_pairs) v = jump(odd, mrg_powers1.power[log_rows], mrg_powers2.power[log_rows]);
     }
 }
 
@@ -109,37 +117,54 @@ inline __m128i combine(__m128i x, __m128i y) {
     return _mm_add_epi32(_mm_sub_epi32(x, y), _mm_andnot_si128(not_below, _mm_set1_epi32(static_cast<int>(m1))));
 }
 
-// Four steps of a pair of lanes: four outputs of each.
-template <class Output>
-void four_steps(MrgPair& s, typename Output::Element* even, typename Output::Element* odd, const Output& output) {
-    const __m128d x3 = next_x(s.x[1], s.x[0]), y3 = next_y(s.y[2], s.y[0]);
-    const __m128d x4 = next_x(s.x[2], s.x[1]), y4 = next_y(y3, s.y[1]);
-    const __m128i z34 = combine(canonical(low_words(x3, x4), m1), canonical(low_words(y3, y4), m2));
-    const __m128d x5 = next_x(x3, s.x[2]), y5 = next_y(y4, s.y[2]);
-    const __m128d x6 = next_x(x4, x3), y6 = next_y(y5, y3);
-    const __m128i z56 = combine(canonical(low_words(x5, x6), m1), canonical(low_words(y5, y6), m2));
-    s = {{x4, x5, x6}, {y4, y5, y6}};
-    const __m128 early = _mm_castsi128_ps(z34), late = _mm_castsi128_ps(z56);
-    output.four(even, _mm_castps_si128(_mm_shuffle_ps(early, late, 0x88)));
-    output.four(odd, _mm_castps_si128(_mm_shuffle_ps(early, late, 0xDD)));
+// (x - y) mod m1 of two pairs.
+inline __m128i outputs_of(const MrgRows& rows, int32_t row, int32_t pair) {
+    const __m128i x = low_words(rows.x[row][pair], rows.x[row + 1][pair]);
+    const __m128i y = low_words(rows.y[row][pair], rows.y[row + 1][pair]);
+    return combine(canonical(x, m1), canonical(y, m2));
 }
 
-// Writes 8 << log_rows outputs (log_rows at least 2) and returns the state behind them.
+inline void walk(MrgRows& rows) {
+    for (int32_t row = 3; row < stretch + 3; ++row)
+        for (int32_t pair = 0; pair < mrg_pairs; ++pair) {
+            rows.x[row][pair] = next_x(rows.x[row - 2][pair], rows.x[row - 3][pair]);
+            rows.y[row][pair] = next_y(rows.y[row - 1][pair], rows.y[row - 3][pair]);
+        }
+}
+
+// The outputs of one pair's two lanes, four at a time.
 template <class Output>
-MrgState generate_block(const MrgState& s, int log_rows, typename Output::Element* r, const Output& output) {
-    MrgPair pairs[mrg_lanes / 2];
-    start_lanes(pairs, s, log_rows);
-    const int32_t rows = 1 << log_rows;
-    for (int32_t i = 0; i < rows; i += 4)
-        for (int32_t pair = 0; pair < mrg_lanes / 2; ++pair)
-            four_steps(pairs[pair], r + 2 * pair * rows + i, r + (2 * pair + 1) * rows + i, output);
-    MrgState end;
-    for (int i = 0; i < 3; ++i) {
-        const MrgPair& last = pairs[mrg_lanes / 2 - 1];
-        end.x[i] = static_cast<uint32_t>(_mm_extract_epi32(canonical(low_words(last.x[i], last.x[i]), m1), 1));
-        end.y[i] = static_cast<uint32_t>(_mm_extract_epi32(canonical(low_words(last.y[i], last.y[i]), m2), 1));
+void put(const MrgRows& rows, int32_t pair, typename Output::Element* even, typename Output::Element* odd, const Output& output) {
+    for (int32_t i = 0; i < stretch; i += 4) {
+        const __m128 early = _mm_castsi128_ps(outputs_of(rows, i + 3, pair));
+        const __m128 late = _mm_castsi128_ps(outputs_of(rows, i + 5, pair));
+        output.four(even + i, _mm_castps_si128(_mm_shuffle_ps(early, late, 0x88)));
+        output.four(odd + i, _mm_castps_si128(_mm_shuffle_ps(early, late, 0xDD)));
     }
-    return end;
+}
+
+// Writes 8 << log_rows outputs (a multiple of the stretch in each lane) and moves the state behind them.
+template <class Output>
+void generate_block(MrgState& s, int log_rows, typename Output::Element* r, const Output& output) {
+    MrgRows rows;
+    start_lanes(rows, s, log_rows);
+    const int32_t length = 1 << log_rows;
+    for (int32_t i = 0; i < length; i += stretch) {
+        if (i != 0)
+            for (int row = 0; row < 3; ++row)
+                for (int32_t pair = 0; pair < mrg_pairs; ++pair) {
+                    rows.x[row][pair] = rows.x[stretch + row][pair];
+                    rows.y[row][pair] = rows.y[stretch + row][pair];
+                }
+        walk(rows);
+        for (int32_t pair = 0; pair < mrg_pairs; ++pair)
+            put(rows, pair, r + 2 * pair * length + i, r + (2 * pair + 1) * length + i, output);
+    }
+    for (int i = 0; i < 3; ++i) {
+        const __m128d x = rows.x[stretch + i][mrg_pairs - 1], y = rows.y[stretch + i][mrg_pairs - 1];
+        s.x[i] = static_cast<uint32_t>(_mm_extract_epi32(canonical(low_words(x, x), m1), 1));
+        s.y[i] = static_cast<uint32_t>(_mm_extract_epi32(canonical(low_words(y, y), m2), 1));
+    }
 }
 
 }  // namespace orv::brng

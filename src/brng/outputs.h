@@ -1,7 +1,4 @@
 // How 32-bit words become outputs: r = x s + a in double precision, in this order, or the words themselves.
-//
-// A word in the low half of a 64-bit lane under the high half of 2^52 is the double 2^52 + x; subtracting 2^52 leaves x
-// exactly, under every rounding mode.
 #pragma once
 
 #include <smmintrin.h>
@@ -12,31 +9,34 @@ namespace orv::brng {
 inline constexpr uint32_t high_of_2p52 = 0x43300000;
 inline constexpr double two_52 = 0x1p52;
 
-// The doubles of two words below 2^32 in 64-bit lanes.
-inline __m128d to_double(__m128i lanes) {
-    const __m128i biased = _mm_or_si128(lanes, _mm_castpd_si128(_mm_set1_pd(two_52)));
-    return _mm_sub_pd(_mm_castsi128_pd(biased), _mm_set1_pd(two_52));
-}
+// A word below the high half of 2^52 is the double 2^52 + x; subtracting 2^52 leaves x exactly.
+inline __m128d without_bias(__m128i biased) { return _mm_sub_pd(_mm_castsi128_pd(biased), _mm_set1_pd(two_52)); }
 
-// The doubles of the lower and the upper two of four words.
+// The doubles of two words in 64-bit lanes, and of the lower and upper two of four words.
+inline __m128d to_double(__m128i lanes) {
+    return without_bias(_mm_or_si128(lanes, _mm_castpd_si128(_mm_set1_pd(two_52))));
+}
 inline __m128d lower_to_double(__m128i words) {
-    const __m128i biased = _mm_unpacklo_epi32(words, _mm_set1_epi32(high_of_2p52));
-    return _mm_sub_pd(_mm_castsi128_pd(biased), _mm_set1_pd(two_52));
+    return without_bias(_mm_unpacklo_epi32(words, _mm_set1_epi32(high_of_2p52)));
 }
 inline __m128d upper_to_double(__m128i words) {
-    const __m128i biased = _mm_unpackhi_epi32(words, _mm_set1_epi32(high_of_2p52));
-    return _mm_sub_pd(_mm_castsi128_pd(biased), _mm_set1_pd(two_52));
+    return without_bias(_mm_unpackhi_epi32(words, _mm_set1_epi32(high_of_2p52)));
 }
 
-// An output writes one word, four words of a vector, or four words in the 64-bit lanes of two vectors.
+// The doubles of two signed words in memory: one instruction, where the words in a register would take a shuffle more.
+inline __m128d to_double(const int32_t* words) {
+    __m128d result;
+    __asm__("cvtdq2pd %1, %0" : "=x"(result) : "m"(*reinterpret_cast<const uint64_t __attribute__((may_alias))*>(words)));
+    return result;
+}
+
+// An output writes one word, four words of a vector, or four words below 2^31.
 struct RawOutput {
     using Element = uint32_t;
 
     void one(Element* r, uint32_t x) const { *r = x; }
     void four(Element* r, __m128i x) const { _mm_storeu_si128(reinterpret_cast<__m128i*>(r), x); }
-    void four(Element* r, __m128i x01, __m128i x23) const {
-        four(r, _mm_castps_si128(_mm_shuffle_ps(_mm_castsi128_ps(x01), _mm_castsi128_ps(x23), 0x88)));
-    }
+    void four_short(Element* r, __m128i x) const { four(r, x); }
 };
 
 struct DoubleOutput {
@@ -45,7 +45,11 @@ struct DoubleOutput {
 
     void one(Element* r, uint32_t x) const { *r = static_cast<double>(x) * scale + shift; }
     void four(Element* r, __m128i x) const { store(r, lower_to_double(x), upper_to_double(x)); }
-    void four(Element* r, __m128i x01, __m128i x23) const { store(r, to_double(x01), to_double(x23)); }
+    void four_short(Element* r, __m128i x) const {
+        alignas(16) int32_t words[4];
+        _mm_store_si128(reinterpret_cast<__m128i*>(words), x);
+        store(r, to_double(words), to_double(words + 2));
+    }
 
     __m128d map(__m128d x) const { return _mm_add_pd(_mm_mul_pd(x, _mm_set1_pd(scale)), _mm_set1_pd(shift)); }
     void store(Element* r, __m128d x01, __m128d x23) const {
@@ -61,7 +65,11 @@ struct FloatOutput {
 
     void one(Element* r, uint32_t x) const { *r = static_cast<float>(static_cast<double>(x) * scale + shift); }
     void four(Element* r, __m128i x) const { store(r, lower_to_double(x), upper_to_double(x)); }
-    void four(Element* r, __m128i x01, __m128i x23) const { store(r, to_double(x01), to_double(x23)); }
+    void four_short(Element* r, __m128i x) const {
+        alignas(16) int32_t words[4];
+        _mm_store_si128(reinterpret_cast<__m128i*>(words), x);
+        store(r, to_double(words), to_double(words + 2));
+    }
 
     __m128 map(__m128d x) const {
         return _mm_cvtpd_ps(_mm_add_pd(_mm_mul_pd(x, _mm_set1_pd(scale)), _mm_set1_pd(shift)));
