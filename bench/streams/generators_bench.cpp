@@ -47,7 +47,7 @@ void words(benchmark::State& state, int32_t id) {
     orv::bench::measure(state, n, repeats(n), [&] { _kuziRngUniformBits(0, stream.handle, n, r.data()); });
 }
 
-#define ORV_GENERATOR(name)                                                   \
+#define ORV_GENERATOR(name)                                                        \
     BENCHMARK_CAPTURE(doubles, name, Brng##name)->Arg(1)->Arg(100)->Arg(long_run); \
     BENCHMARK_CAPTURE(floats, name, Brng##name)->Arg(1)->Arg(100)->Arg(long_run);  \
     BENCHMARK_CAPTURE(words, name, Brng##name)->Arg(1)->Arg(100)->Arg(long_run)

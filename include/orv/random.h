@@ -97,12 +97,14 @@ typedef int32_t (*JumpPreSkip)(Stream* stream, uint64_t* nskip, int32_t* adjust)
  * (the stream is then as pre_skip left it).
  * H. Haramoto, M. Matsumoto, T. Nishimura, F. Panneton, P. L'Ecuyer, "Efficient jump ahead for F2-linear random number
  * generators", INFORMS Journal on Computing 20, 2008. */
-int32_t __kuz_SkipAheadHorner(Stream* stream, JumpZeroState zero, JumpAddState add, JumpCopyState copy, JumpStepState step,
-                              JumpFinishState finish, JumpPreSkip pre_skip, uint64_t nskip, int32_t words, int32_t degree,
-                              int32_t state_bytes, int32_t term_count, const int32_t* terms);
-int32_t __kuz_SkipAheadSWin(Stream* stream, JumpZeroState zero, JumpAddState add, JumpCopyState copy, JumpStepState step,
-                            JumpFinishState finish, JumpPreSkip pre_skip, uint64_t nskip, int32_t words, int32_t degree,
-                            int32_t state_bytes, int32_t term_count, const int32_t* terms);
+int32_t __kuz_SkipAheadHorner(Stream* stream, JumpZeroState zero, JumpAddState add, JumpCopyState copy,
+                              JumpStepState step, JumpFinishState finish, JumpPreSkip pre_skip, uint64_t nskip,
+                              int32_t words, int32_t degree, int32_t state_bytes, int32_t term_count,
+                              const int32_t* terms);
+int32_t __kuz_SkipAheadSWin(Stream* stream, JumpZeroState zero, JumpAddState add, JumpCopyState copy,
+                            JumpStepState step, JumpFinishState finish, JumpPreSkip pre_skip, uint64_t nskip,
+                            int32_t words, int32_t degree, int32_t state_bytes, int32_t term_count,
+                            const int32_t* terms);
 
 /* ---- Distributions ---------------------------------------------------------------------------------------------- */
 

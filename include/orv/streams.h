@@ -14,6 +14,15 @@
 #include <stddef.h>
 #include <stdint.h>
 
+/* Data of a DLL is reached by address; ORV_STATIC says that it is in the same image. */
+#ifndef ORV_DATA
+#if defined(_WIN32) && !defined(ORV_STATIC)
+#define ORV_DATA __declspec(dllimport) extern
+#else
+#define ORV_DATA extern
+#endif
+#endif
+
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -33,21 +42,21 @@ enum RandomStatus {
     BrngStatusBadId = -1000,      /* no generator of this id, or none that can be created this way */
     BrngStatusNoLeapfrog = -1002, /* the generator has no leapfrog */
     BrngStatusNoSkipAhead = -1003,
-    BrngStatusNoSkipAheadEx = -1004, /* the generator takes no skip count of several words */
-    BrngStatusBadStateBytes = -1008, /* registration: stateBytes is negative */
-    BrngStatusBadWordBytes = -1009,  /* registration: wordBytes is not 4, 8 or 16 */
-    BrngStatusBadSeedCount = -1010,  /* registration: seedCount is below 1 */
-    BrngStatusBadBitCount = -1011,   /* registration: bitCount is below 1 */
-    BrngStatusQrngExhausted = -1012, /* a quasi-random request would pass the end of its 32-bit index */
+    BrngStatusNoSkipAheadEx = -1004,  /* the generator takes no skip count of several words */
+    BrngStatusBadStateBytes = -1008,  /* registration: stateBytes is negative */
+    BrngStatusBadWordBytes = -1009,   /* registration: wordBytes is not 4, 8 or 16 */
+    BrngStatusBadSeedCount = -1010,   /* registration: seedCount is below 1 */
+    BrngStatusBadBitCount = -1011,    /* registration: bitCount is below 1 */
+    BrngStatusQrngExhausted = -1012,  /* a quasi-random request would pass the end of its 32-bit index */
     BrngStatusBadStreamCount = -1013, /* leapfrog: negative number of streams */
     BrngStatusNoFullWidth = -1014,    /* the generator's words do not have all the bits that were asked for */
     StreamStatusCloseFailed = -1100,
     StreamStatusOpenFailed = -1101,
     StreamStatusWriteFailed = -1102,
-    StreamStatusReadFailed = -1103, /* the file is too short, or a size in it is impossible, or its version is unknown */
-    StreamStatusBadFile = -1110,    /* the file is not a stream of a known generator */
-    AbstractStatusBadUpdate = -1120, /* abstract stream: the callback returned an impossible count */
-    AbstractStatusNoNumbers = -1121, /* abstract stream: the callback returned no numbers */
+    StreamStatusReadFailed = -1103,    /* the file is too short, holds an impossible size, or has an unknown version */
+    StreamStatusBadFile = -1110,       /* the file is not a stream of a known generator */
+    AbstractStatusBadUpdate = -1120,   /* abstract stream: the callback returned an impossible count */
+    AbstractStatusNoNumbers = -1121,   /* abstract stream: the callback returned no numbers */
     AbstractStatusWrongKernel = -1122, /* abstract stream: numbers of another type were asked for */
     TrngStatusNotSupported = -1130,    /* the processor has no RDRAND instruction */
     TrngStatusRetriesExhausted = -1131,
@@ -153,10 +162,10 @@ enum BrngId {
 
 /* The rows of the small ids: 0 MCG31M1, 1 R250, 2 MRG32K3A, 3 MCG59, 4 to 276 WH, 277 Sobol, 278 Niederr; the others are
  * all zero. A small id of a WH member, 4 to 276, resolves to row 4 and the member. */
-extern const BrngProperties __RegBrngs[512];
+ORV_DATA const BrngProperties __RegBrngs[512];
 /* The rows of the main ids, 0x100000 times (row + 1): the 16 built-in generators, then the registered ones. A built-in
  * row whose functions are null names a generator that this build does not have; creation refuses its id. */
-extern BrngProperties __RegBrngsNew[512];
+ORV_DATA BrngProperties __RegBrngsNew[512];
 
 /* Resolves an id to its table (the result), row and family member. It tests nothing: a negative id gives a negative row,
  * which is not to be read. */
@@ -191,13 +200,15 @@ int32_t __kuzNewStreamEx(Stream** stream, int32_t id, int32_t n, const uint32_t*
 
 /* Refills a ring of numbers: writes at most *nmax numbers (and would best write *nmin) to `buffer`, a ring of *size
  * elements, from index *index on, and returns how many it wrote. */
-typedef int32_t (*AbstractCallback)(Stream* stream, int32_t* size, void* buffer, int32_t* nmin, int32_t* nmax, int32_t* index);
+typedef int32_t (*AbstractCallback)(Stream* stream, int32_t* size, void* buffer, int32_t* nmin, int32_t* nmax,
+                                    int32_t* index);
 
 /* Create a stream over a caller's ring of n numbers that `callback` fills: 32-bit words, or floating-point numbers that
  * are uniform on the interval from a to b. Return StatusBadAbstractArgs if n is 0, buffer or callback is null, or a is
  * not below b; else as __kuzNewStreamEx. The ring must outlive the stream. */
 int32_t __kuziNewAbstractStream(Stream** stream, int32_t n, uint32_t* buffer, AbstractCallback callback);
-int32_t __kuzdNewAbstractStream(Stream** stream, int32_t n, double* buffer, double a, double b, AbstractCallback callback);
+int32_t __kuzdNewAbstractStream(Stream** stream, int32_t n, double* buffer, double a, double b,
+                                AbstractCallback callback);
 int32_t __kuzsNewAbstractStream(Stream** stream, int32_t n, float* buffer, float a, float b, AbstractCallback callback);
 
 /* Allocates the record of a stream of `row` and `member` in `table`, with header and without a seed. */

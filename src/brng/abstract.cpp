@@ -10,9 +10,10 @@
 #define ORV_EXPORT(name) ".type " name ", @function\n"
 #endif
 
-#define ORV_WRONG_KERNEL(name)                              \
-    __asm__(ORV_EXPORT(name) ".globl " ORV_SYMBOL(name) "\n" \
-            ".set " ORV_SYMBOL(name) ", " ORV_SYMBOL("orv_wrong_kernel"))
+#define ORV_WRONG_KERNEL(name)                     \
+    __asm__(ORV_EXPORT(name) ".globl " ORV_SYMBOL( \
+        name) "\n"                                 \
+              ".set " ORV_SYMBOL(name) ", " ORV_SYMBOL("orv_wrong_kernel"))
 
 extern "C" __attribute__((used)) int32_t orv_wrong_kernel() { return AbstractStatusWrongKernel; }
 

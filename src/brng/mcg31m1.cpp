@@ -92,13 +92,19 @@ void skip_ahead(Mcg31m1* state, uint64_t count) { state->x = mul_m31(state->x, _
 ORV_API int32_t __kuzBRngMCG31M1InitStream(int32_t method, Stream* stream, int32_t n, const void* params) {
     Mcg31m1* state = reinterpret_cast<Mcg31m1*>(stream);
     switch (method) {
-        case InitMethodSeed: seed(state, n, static_cast<const uint32_t*>(params)); return StatusOk;
+        case InitMethodSeed:
+            seed(state, n, static_cast<const uint32_t*>(params));
+            return StatusOk;
         case InitMethodLeapfrog:
             leapfrog(state, static_cast<uint32_t>(n), *static_cast<const uint32_t*>(params));
             return StatusOk;
-        case InitMethodSkipAhead: skip_ahead(state, *static_cast<const uint64_t*>(params)); return StatusOk;
-        case InitMethodSkipAheadEx: return BrngStatusNoSkipAheadEx;
-        default: return StatusBadMethod;
+        case InitMethodSkipAhead:
+            skip_ahead(state, *static_cast<const uint64_t*>(params));
+            return StatusOk;
+        case InitMethodSkipAheadEx:
+            return BrngStatusNoSkipAheadEx;
+        default:
+            return StatusBadMethod;
     }
 }
 

@@ -101,7 +101,8 @@ int32_t generate(Stream* stream, int32_t n, typename Output::Element* r, Output 
         const __m128i* starts = reinterpret_cast<const __m128i*>(start);
         __m128i x01 = starts[0], x23 = starts[1];
         const uint64_t a2 = a * a & mask59, a4 = a2 * a2 & mask59;
-        const Multiplier step = {_mm_set1_epi64x(static_cast<uint32_t>(a4)), _mm_set1_epi64x(static_cast<int64_t>(a4 >> 32))};
+        const Multiplier step = {_mm_set1_epi64x(static_cast<uint32_t>(a4)),
+                                 _mm_set1_epi64x(static_cast<int64_t>(a4 >> 32))};
         for (; left >= lanes; left -= lanes, r += lanes) {
             output.four(r, x01, x23);
             x01 = multiply(x01, step);
@@ -138,13 +139,19 @@ void skip_ahead(Mcg59* state, uint64_t count) { state->x = state->x * __kuziPowM
 ORV_API int32_t __kuzBRngMCG59InitStream(int32_t method, Stream* stream, int32_t n, const void* params) {
     Mcg59* state = reinterpret_cast<Mcg59*>(stream);
     switch (method) {
-        case InitMethodSeed: seed(state, n, static_cast<const uint32_t*>(params)); return StatusOk;
+        case InitMethodSeed:
+            seed(state, n, static_cast<const uint32_t*>(params));
+            return StatusOk;
         case InitMethodLeapfrog:
             leapfrog(state, static_cast<uint32_t>(n), *static_cast<const uint32_t*>(params));
             return StatusOk;
-        case InitMethodSkipAhead: skip_ahead(state, *static_cast<const uint64_t*>(params)); return StatusOk;
-        case InitMethodSkipAheadEx: return BrngStatusNoSkipAheadEx;
-        default: return StatusBadMethod;
+        case InitMethodSkipAhead:
+            skip_ahead(state, *static_cast<const uint64_t*>(params));
+            return StatusOk;
+        case InitMethodSkipAheadEx:
+            return BrngStatusNoSkipAheadEx;
+        default:
+            return StatusBadMethod;
     }
 }
 

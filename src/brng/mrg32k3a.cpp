@@ -98,11 +98,19 @@ void skip_ahead(MrgState& s, int32_t n, const uint64_t* count) {
 ORV_API int32_t __kuzBRngMRG32K3AInitStream(int32_t method, Stream* stream, int32_t n, const void* params) {
     MrgState& state = reinterpret_cast<Mrg32k3a*>(stream)->state;
     switch (method) {
-        case InitMethodSeed: seed(state, n, static_cast<const uint32_t*>(params)); return StatusOk;
-        case InitMethodLeapfrog: return BrngStatusNoLeapfrog;
-        case InitMethodSkipAhead: skip_ahead(state, 1, static_cast<const uint64_t*>(params)); return StatusOk;
-        case InitMethodSkipAheadEx: skip_ahead(state, n, static_cast<const uint64_t*>(params)); return StatusOk;
-        default: return StatusBadMethod;
+        case InitMethodSeed:
+            seed(state, n, static_cast<const uint32_t*>(params));
+            return StatusOk;
+        case InitMethodLeapfrog:
+            return BrngStatusNoLeapfrog;
+        case InitMethodSkipAhead:
+            skip_ahead(state, 1, static_cast<const uint64_t*>(params));
+            return StatusOk;
+        case InitMethodSkipAheadEx:
+            skip_ahead(state, n, static_cast<const uint64_t*>(params));
+            return StatusOk;
+        default:
+            return StatusBadMethod;
     }
 }
 

@@ -134,7 +134,8 @@ inline void walk(MrgRows& rows) {
 
 // The outputs of one pair's two lanes, four at a time.
 template <class Output>
-void put(const MrgRows& rows, int32_t pair, typename Output::Element* even, typename Output::Element* odd, const Output& output) {
+void put(const MrgRows& rows, int32_t pair, typename Output::Element* even, typename Output::Element* odd,
+         const Output& output) {
     for (int32_t i = 0; i < stretch; i += 4) {
         const __m128 early = _mm_castsi128_ps(outputs_of(rows, i + 3, pair));
         const __m128 late = _mm_castsi128_ps(outputs_of(rows, i + 5, pair));

@@ -26,7 +26,9 @@ inline __m128d upper_to_double(__m128i words) {
 // The doubles of two signed words in memory: one instruction, where the words in a register would take a shuffle more.
 inline __m128d to_double(const int32_t* words) {
     __m128d result;
-    __asm__("cvtdq2pd %1, %0" : "=x"(result) : "m"(*reinterpret_cast<const uint64_t __attribute__((may_alias))*>(words)));
+    __asm__("cvtdq2pd %1, %0"
+            : "=x"(result)
+            : "m"(*reinterpret_cast<const uint64_t __attribute__((may_alias))*>(words)));
     return result;
 }
 

@@ -82,7 +82,8 @@ void reduce(uint32_t* r, const Modulus& p, uint32_t* high) {
 
 }  // namespace
 
-ORV_API int32_t __kuzPolyRem(int64_t n, int64_t degree, int32_t term_count, const int32_t* terms, int32_t words, uint32_t* out) {
+ORV_API int32_t __kuzPolyRem(int64_t n, int64_t degree, int32_t term_count, const int32_t* terms, int32_t words,
+                             uint32_t* out) {
     const uint64_t exponent = static_cast<uint64_t>(n);
     if (exponent < static_cast<uint64_t>(degree)) {
         memset(out, 0, static_cast<size_t>(words) * sizeof *out);

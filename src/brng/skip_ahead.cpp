@@ -22,7 +22,8 @@ int32_t top_bit(const uint32_t* g, int32_t degree) {
 }
 
 Stream* state_at(void* states, int32_t state_bytes, int32_t index) {
-    return reinterpret_cast<Stream*>(static_cast<uint8_t*>(states) + static_cast<size_t>(state_bytes) * static_cast<size_t>(index));
+    return reinterpret_cast<Stream*>(static_cast<uint8_t*>(states) +
+                                     static_cast<size_t>(state_bytes) * static_cast<size_t>(index));
 }
 
 // Entry j is A^7 plus the sum of A^k over the bits k of j, times the stream's state. Along the reflected Gray code two

@@ -49,7 +49,8 @@ void by_table(uint32_t* vector, int32_t n, const uint64_t* count, const uint32_t
 
 }  // namespace
 
-ORV_API void __kuziVect3PowArrayMod(uint32_t* vector, const uint32_t* row, uint32_t m, int32_t n, const uint64_t* count) {
+ORV_API void __kuziVect3PowArrayMod(uint32_t* vector, const uint32_t* row, uint32_t m, int32_t n,
+                                    const uint64_t* count) {
     while (n > 0 && count[n - 1] == 0) --n;
     Jump jump = {companion(row), load(vector)};
     for (int32_t word = 0; word < n; ++word)

@@ -15,7 +15,9 @@ constexpr int unused_bits = 27;  // a 59-bit word keeps its upper 32
 
 int32_t refuse(int32_t, Stream*, int32_t, uint32_t*) { return BrngStatusNoFullWidth; }
 
-int32_t words(int32_t method, Stream* stream, int32_t n, uint32_t* r) { return _kuziRngUniformBits(method, stream, n, r); }
+int32_t words(int32_t method, Stream* stream, int32_t n, uint32_t* r) {
+    return _kuziRngUniformBits(method, stream, n, r);
+}
 
 int32_t upper_halves(int32_t method, Stream* stream, int32_t n, uint32_t* r) {
     uint64_t buffer[block];

@@ -29,7 +29,8 @@ ORV_API int32_t __kuzNewStreamEx(Stream** stream, int32_t id, int32_t n, const u
     return table[row].initStream(InitMethodSeed, *stream, n, params);
 }
 
-ORV_API int32_t __kuzAllocateStream(Stream** stream, const BrngProperties* table, int32_t id, int32_t row, int32_t member) {
+ORV_API int32_t __kuzAllocateStream(Stream** stream, const BrngProperties* table, int32_t id, int32_t row,
+                                    int32_t member) {
     const int32_t status = check_creatable(table, row, member);
     return status < 0 ? status : allocate_record(stream, &table[row], id);
 }
@@ -72,7 +73,8 @@ ORV_API int32_t __kuzCopyStreamState(Stream* destination, const Stream* source) 
     const BrngProperties* row = row_of(source);
     // What is copied is the part of the state that a seed sets, as far as there is a state.
     const size_t capacity = record_bytes(row) - header_bytes;
-    const uint64_t seeded = static_cast<uint64_t>(static_cast<uint32_t>(row->seedCount)) * static_cast<uint32_t>(row->wordBytes);
+    const uint64_t seeded =
+        static_cast<uint64_t>(static_cast<uint32_t>(row->seedCount)) * static_cast<uint32_t>(row->wordBytes);
     const size_t count = seeded < capacity ? static_cast<size_t>(seeded) : capacity;
     orv_serv_memcpy_s(state_of(destination), capacity, state_of(source), count);
     __kuzDeleteChunks(destination);

@@ -15,9 +15,12 @@ static_assert(sizeof(Stream) == header_bytes && alignof(Stream) == 8);
 static_assert(offsetof(Stream, headerFlag) == 4 && offsetof(Stream, headerPad8) == 5);
 static_assert(offsetof(Stream, headerPad16) == 6 && offsetof(Stream, chunks) == 8);
 static_assert(sizeof(BrngProperties) == 36);
-static_assert(sizeof(Chunk) == 32 && offsetof(Chunk, data) == 8 && offsetof(Chunk, next) == 12 && offsetof(Chunk, key) == 16);
+static_assert(sizeof(Chunk) == 32 && offsetof(Chunk, data) == 8 && offsetof(Chunk, next) == 12 &&
+              offsetof(Chunk, key) == 16);
 
-inline Chunk* first_chunk(const Stream* stream) { return reinterpret_cast<Chunk*>(static_cast<intptr_t>(stream->chunks)); }
+inline Chunk* first_chunk(const Stream* stream) {
+    return reinterpret_cast<Chunk*>(static_cast<intptr_t>(stream->chunks));
+}
 inline void set_first_chunk(Stream* stream, Chunk* chunk) { stream->chunks = reinterpret_cast<intptr_t>(chunk); }
 
 inline void write_header(Stream* stream, int32_t id) {

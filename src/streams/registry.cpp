@@ -60,34 +60,12 @@ ORV_API const BrngProperties __RegBrngs[table_rows];
 ORV_API BrngProperties __RegBrngsNew[table_rows];
 
 const BrngProperties __RegBrngs[table_rows] = {
-    mcg31m1,
-    r250,
-    mrg32k3a,
-    mcg59,
-    ORV_ROWS_256(wh),
-    ORV_ROWS_16(wh),
-    wh,
-    sobol,
-    niederr,
+    mcg31m1, r250, mrg32k3a, mcg59, ORV_ROWS_256(wh), ORV_ROWS_16(wh), wh, sobol, niederr,
 };
 
 BrngProperties __RegBrngsNew[table_rows] = {
-    mcg31m1,
-    r250,
-    mrg32k3a,
-    mcg59,
-    wh,
-    sobol,
-    niederr,
-    mt19937,
-    mt2203,
-    i_abstract,
-    d_abstract,
-    s_abstract,
-    sfmt19937,
-    trng,
-    ars5,
-    philox4x32x10,
+    mcg31m1, r250,       mrg32k3a,   mcg59,      wh,        sobol, niederr, mt19937,
+    mt2203,  i_abstract, d_abstract, s_abstract, sfmt19937, trng,  ars5,    philox4x32x10,
 };
 
 ORV_API const BrngProperties* __kuzGetBrngBaseOffset(int32_t id, int32_t* row, int32_t* member) {

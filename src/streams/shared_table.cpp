@@ -32,7 +32,8 @@ SharedTable table;
 // Called under the lock; the index, or `count` for an unknown key.
 uint32_t find(const uint64_t* key) {
     uint32_t index = 0;
-    while (index < table.count && (table.entries[index].key[0] != key[0] || table.entries[index].key[1] != key[1])) ++index;
+    while (index < table.count && (table.entries[index].key[0] != key[0] || table.entries[index].key[1] != key[1]))
+        ++index;
     return index;
 }
 

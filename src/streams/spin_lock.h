@@ -16,7 +16,8 @@ struct SpinLock {
 
 struct [[nodiscard]] SpinHold {
     explicit SpinHold(SpinLock& held) : lock(held) {
-        for (uint32_t free = 0; !__atomic_compare_exchange_n(&lock.word, &free, 1u, false, __ATOMIC_ACQUIRE, __ATOMIC_RELAXED);)
+        for (uint32_t free = 0;
+             !__atomic_compare_exchange_n(&lock.word, &free, 1u, false, __ATOMIC_ACQUIRE, __ATOMIC_RELAXED);)
             free = 0;
 #ifdef ORV_RACE_NOTES
         ANNOTATE_RWLOCK_ACQUIRED(&lock, 1);

@@ -94,7 +94,7 @@ int32_t save(Sink& sink, const Stream* stream) {
     const size_t state_bytes = record_bytes(row) - header_bytes;
     const ImageStart start = {current_version, {}, signature};
     const CurrentRest rest = {
-        image_header_bytes,   0, static_cast<uint32_t>(state_bytes), static_cast<uint16_t>(__kuzGetNumChunks(stream)), 0,
+        image_header_bytes, 0, static_cast<uint32_t>(state_bytes), static_cast<uint16_t>(__kuzGetNumChunks(stream)), 0,
         stream->brngId,
     };
     if (!put(sink, &start, sizeof start) || !put(sink, &rest, sizeof rest) || !put(sink, state_of(stream), state_bytes))
@@ -163,7 +163,8 @@ int32_t load(Source& source, int32_t bad_image, Stream** stream) {
     status = __kuzAllocateStream(stream, table, header.id, row, member);
     if (status < 0) return status;
     status = get(source, state_of(*stream), state_bytes) ? processor_can(header.id) : StreamStatusReadFailed;
-    for (uint32_t left = header.chunkCount; status >= 0 && left > 0; --left) status = load_chunk(source, start.version, *stream);
+    for (uint32_t left = header.chunkCount; status >= 0 && left > 0; --left)
+        status = load_chunk(source, start.version, *stream);
     return status;
 }
 
@@ -226,6 +227,7 @@ ORV_API int32_t __kuzLoadStreamM(Stream** stream, const void* memory) {
 
 ORV_API int32_t __kuzGetStreamSize(const Stream* stream) {
     int32_t size = static_cast<int32_t>(record_bytes(row_of(stream))) - header_bytes + image_header_bytes;
-    for (const Chunk* chunk = first_chunk(stream); chunk; chunk = chunk->next) size += chunk_header_bytes + chunk->dataBytes;
+    for (const Chunk* chunk = first_chunk(stream); chunk; chunk = chunk->next)
+        size += chunk_header_bytes + chunk->dataBytes;
     return size;
 }

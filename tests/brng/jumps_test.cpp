@@ -77,7 +77,8 @@ void compare_route(Route route, uint32_t m, const uint32_t* row) {
             for (size_t i = 0; i < 3; ++i) table[9 * k + 3 * i + j] = column[i];
         }
     }
-    const uint64_t counts[][4] = {{0, 0, 0, 0}, {1, 0, 0, 0}, {~0ull, 0, 0, 1}, {0x123456789ABCDEF, ~0ull, 0x8000000000000000, 1}};
+    const uint64_t counts[][4] = {
+        {0, 0, 0, 0}, {1, 0, 0, 0}, {~0ull, 0, 0, 1}, {0x123456789ABCDEF, ~0ull, 0x8000000000000000, 1}};
     for (const auto& count : counts) {
         uint32_t by_table[] = {m - 1, 0, m - 2}, general[] = {m - 1, 0, m - 2};
         route(by_table, 4, count, table.data());
@@ -208,7 +209,8 @@ TEST(Gf2, PolynomialRemainders) {
         std::vector<int32_t> terms;
         int32_t words;
     } polynomials[] = {
-        {{0, 1}, 1}, {{0, 1, 2}, 1}, {{0, 1, 3}, 1}, {{0, 3, 31}, 1}, {{0, 5, 31, 32}, 1}, {{0, 1, 2, 22, 32}, 2}, {{0, 40, 62, 63, 64}, 2},
+        {{0, 1}, 1},         {{0, 1, 2}, 1},         {{0, 1, 3}, 1},           {{0, 3, 31}, 1},
+        {{0, 5, 31, 32}, 1}, {{0, 1, 2, 22, 32}, 2}, {{0, 40, 62, 63, 64}, 2},
     };
     for (const auto& polynomial : polynomials) {
         const int32_t degree = polynomial.terms.back();
@@ -216,16 +218,19 @@ TEST(Gf2, PolynomialRemainders) {
         std::vector<bool> expected(static_cast<size_t>(degree) + 1);
         expected[0] = true;
         for (int64_t n = 0; n < 300; ++n) {
-            ASSERT_EQ(__kuzPolyRem(n, degree, static_cast<int32_t>(polynomial.terms.size()), polynomial.terms.data(), polynomial.words,
-                                   out.data()), StatusOk);
+            ASSERT_EQ(__kuzPolyRem(n, degree, static_cast<int32_t>(polynomial.terms.size()), polynomial.terms.data(),
+                                   polynomial.words, out.data()),
+                      StatusOk);
             for (int32_t i = 0; i < 32 * polynomial.words; ++i)
-                ASSERT_EQ((out[static_cast<size_t>(i / 32)] >> i % 32 & 1) != 0, i < degree && expected[static_cast<size_t>(i)])
+                ASSERT_EQ((out[static_cast<size_t>(i / 32)] >> i % 32 & 1) != 0,
+                          i < degree && expected[static_cast<size_t>(i)])
                     << "degree " << degree << ", x^" << n << ", bit " << i;
             ASSERT_EQ(out.back(), 0xAAAAAAAA) << "written past the end";
             expected.insert(expected.begin(), false);
             const bool over = expected[static_cast<size_t>(degree)];
             if (over)
-                for (const int32_t term : polynomial.terms) expected[static_cast<size_t>(term)] = !expected[static_cast<size_t>(term)];
+                for (const int32_t term : polynomial.terms)
+                    expected[static_cast<size_t>(term)] = !expected[static_cast<size_t>(term)];
             expected.resize(static_cast<size_t>(degree) + 1);
         }
     }

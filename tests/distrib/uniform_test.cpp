@@ -13,7 +13,8 @@ int32_t own_status = StatusOk;
 int32_t own_init(int32_t, Stream*, int32_t, const void*) { return StatusOk; }
 template <class Real>
 int32_t own_real(Stream*, int32_t n, Real* r, Real a, Real b) {
-    for (int32_t i = 0; i < n; ++i) r[i] = i % 3 == 0 ? std::nextafter(a, a - 1) : i % 3 == 1 ? std::nextafter(b, b + 1) : (a + b) / 2;
+    for (int32_t i = 0; i < n; ++i)
+        r[i] = i % 3 == 0 ? std::nextafter(a, a - 1) : i % 3 == 1 ? std::nextafter(b, b + 1) : (a + b) / 2;
     return own_status;
 }
 int32_t own_words(Stream*, int32_t n, void* r) {
@@ -34,14 +35,17 @@ void check_clamping(int32_t (*uniform)(int32_t, Stream*, int32_t, Real*, Real, R
     ASSERT_EQ(uniform(0x3FFFFFFF, stream, 10, raw.data(), a, b), StatusOk);
     ASSERT_EQ(uniform(UniformAccurate, stream, 10, clamped.data(), a, b), StatusOk);
     for (size_t i = 0; i < 10; ++i) {
-        EXPECT_EQ(raw[i], i % 3 == 0 ? std::nextafter(a, Real(0)) : i % 3 == 1 ? std::nextafter(b, Real(9)) : Real(3.5));
+        EXPECT_EQ(raw[i], i % 3 == 0   ? std::nextafter(a, Real(0))
+                          : i % 3 == 1 ? std::nextafter(b, Real(9))
+                                       : Real(3.5));
         EXPECT_EQ(clamped[i], i % 3 == 0 ? a : i % 3 == 1 ? b : Real(3.5));
     }
     own_status = AbstractStatusNoNumbers;
     EXPECT_EQ(uniform(UniformAccurate, stream, 10, clamped.data(), a, b), AbstractStatusNoNumbers);
     EXPECT_EQ(clamped, raw) << "no clamping after a failure";
     own_status = 3;
-    EXPECT_EQ(uniform(UniformAccurate, stream, 10, clamped.data(), a, b), 3) << "a positive status is success and passed up";
+    EXPECT_EQ(uniform(UniformAccurate, stream, 10, clamped.data(), a, b), 3)
+        << "a positive status is success and passed up";
     EXPECT_EQ(clamped[0], a);
     own_status = StatusOk;
 }
@@ -52,9 +56,7 @@ TEST(Uniform, AccurateClamps) {
 }
 
 TEST(Uniform, IntegersAreDoublesRoundedDown) {
-    const struct {
-        int32_t a, b;
-    } cases[] = {{-3, 3}, {0, 1}, {-2147483647 - 1, 2147483647}, {7, 8}};
+    const struct { int32_t a, b; } cases[] = {{-3, 3}, {0, 1}, {-2147483647 - 1, 2147483647}, {7, 8}};
     for (const int32_t id : present)
         for (const auto& c : cases)
             for (const int32_t n : {0, 1, 3, 5, 1023, 1024, 1025, 5000}) {

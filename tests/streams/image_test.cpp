@@ -53,10 +53,11 @@ TEST_F(Images, TheFormatByteByByte) {
     const uint64_t key[] = {0x1122334455667788, 0x99};
     __kuzAddChunk(stream, 5, key, copy_of("abc"), 3);
     const unsigned char expected[] = {
-        2,    0,    0,    0,    0x52, 0x4E, 0x47, 0,  24, 0, 0, 0, 8, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0x10, 0,  // header
-        4,    3,    2,    1,    0x20, 0x6C, 0x80, 0x43,                                                       // x and a
-        5,    0,    0,    0,    0x88, 0x77, 0x66, 0x55, 0x44, 0x33, 0x22, 0x11,                              // id, key
-        0x99, 0,    0,    0,    0,    0,    0,    0,  3,  0, 0, 0, 'a', 'b', 'c',                              // size, data
+        2,    0, 0, 0, 0x52, 0x4E, 0x47, 0,    24,   0,    0,    0,    8,   0,   0,
+        0,    1, 0, 0, 0,    0,    0,    0x10, 0,                                      // header
+        4,    3, 2, 1, 0x20, 0x6C, 0x80, 0x43,                                         // x and a
+        5,    0, 0, 0, 0x88, 0x77, 0x66, 0x55, 0x44, 0x33, 0x22, 0x11,                 // id, key
+        0x99, 0, 0, 0, 0,    0,    0,    0,    3,    0,    0,    0,    'a', 'b', 'c',  // size, data
     };
     const std::string image = image_of(stream);
     EXPECT_EQ(image, std::string(reinterpret_cast<const char*>(expected), sizeof expected));
@@ -104,7 +105,8 @@ TEST_F(Images, OlderForms) {
         uint64_t key;
     } cases[] = {
         {"version 0 without keys", std::string("\0xyzRNGx", 8) + one_chunk + state + keyless, StatusOk, 1, 0},
-        {"version 1 with keys", std::string("\1xyzRNGx", 8) + one_chunk + state + keyed, StatusOk, 1, 0x0303030303030303},
+        {"version 1 with keys", std::string("\1xyzRNGx", 8) + one_chunk + state + keyed, StatusOk, 1,
+         0x0303030303030303},
         {"signature first, no chunks", "RNGxabcd" + tail + state, StatusOk, 0, 0},
         {"signature first, a chunk", "RNGxabcd" + one_chunk + state + keyed, StreamStatusReadFailed, 0, 0},
         {"version 3, no chunks", std::string("\3xyzRNGx", 8) + tail + state, StatusOk, 0, 0},

@@ -31,7 +31,8 @@ inline bool stream_works(Stream* stream) {
     Stream *copy, *loaded = nullptr;
     if (__kuzCopyStream(&copy, stream) != StatusOk) return false;
     std::vector<char> image(static_cast<size_t>(__kuzGetStreamSize(copy)));
-    bool works = __kuzSaveStreamM(copy, image.data()) == StatusOk && __kuzLoadStreamM(&loaded, image.data()) == StatusOk;
+    bool works =
+        __kuzSaveStreamM(copy, image.data()) == StatusOk && __kuzLoadStreamM(&loaded, image.data()) == StatusOk;
     if (works) {
         uint64_t other[150];
         std::memset(words, 0, sizeof words);

@@ -14,8 +14,8 @@ namespace {
 TEST(Creation, RefusesWhatHasNoGenerator) {
     const int32_t blocks = orv_serv_live_blocks();
     const uint32_t seed = 1;
-    for (const int32_t id : {BrngIAbstract + 0, BrngDAbstract + 0, BrngSAbstract + 0, BrngIAbstract + 1, BrngWH + 273, BrngMCG59 + 1,
-                             0x1100000, 279, 280, 281, -1, -0x7FFFFFFF}) {
+    for (const int32_t id : {BrngIAbstract + 0, BrngDAbstract + 0, BrngSAbstract + 0, BrngIAbstract + 1, BrngWH + 273,
+                             BrngMCG59 + 1, 0x1100000, 279, 280, 281, -1, -0x7FFFFFFF}) {
         Stream untouched;
         Stream* stream = &untouched;
         EXPECT_EQ(__kuzNewStreamEx(&stream, id, 1, &seed), BrngStatusBadId) << id;
@@ -106,7 +106,7 @@ TEST(Jumps, LongSkipsAdd) {
         {{5, 1}, {~uint64_t{0}}, {6}},
         {{0, 0, 1}, {~uint64_t{0}, ~uint64_t{0}}, {1}},
         {{3, 4, 5, 1}, {3, 4, 5}, {0, 0, 0, 1}},
-        {{3, 4, 5, 2}, {3, 4, 5, 1}, {0, 0, 0, 1}},        // beyond 2^193, by general powers
+        {{3, 4, 5, 2}, {3, 4, 5, 1}, {0, 0, 0, 1}},  // beyond 2^193, by general powers
         {{9, 0, 0, 0, 1}, {9, 0, 0, ~uint64_t{0}}, {0, 0, 0, 1}},
     };
     for (const auto& c : cases) {
@@ -127,7 +127,8 @@ TEST(Jumps, LeapfrogDealsOutTheSequence) {
                 OwnedStream one(id, {4711});
                 ASSERT_EQ(__kuzLeapfrogStream(one, k, streams), StatusOk);
                 const std::vector<uint64_t> own = draw(one, 100);
-                for (int32_t i = 0; i < 100; ++i) ASSERT_EQ(own[i], all[i * streams + k]) << id << " " << k << " of " << streams;
+                for (int32_t i = 0; i < 100; ++i)
+                    ASSERT_EQ(own[i], all[i * streams + k]) << id << " " << k << " of " << streams;
             }
         }
 }

@@ -51,7 +51,8 @@ TEST(Registry, BuiltInRowsHoldTheirFigures) {
     for (const Row& row : builtin) {
         BrngProperties p;
         ASSERT_EQ(__kuzGetBrngProperties(row.id, &p), StatusOk) << row.name;
-        EXPECT_EQ(&__RegBrngsNew[(row.id >> 20) - 1].stateBytes - &__RegBrngsNew[0].stateBytes, 9 * ((row.id >> 20) - 1));
+        EXPECT_EQ(&__RegBrngsNew[(row.id >> 20) - 1].stateBytes - &__RegBrngsNew[0].stateBytes,
+                  9 * ((row.id >> 20) - 1));
         const int32_t figures[] = {p.stateBytes, p.seedCount, p.includesZero, p.wordBytes, p.bitCount};
         const int32_t expected[] = {row.stateBytes, row.seedCount, row.includesZero, row.wordBytes, row.bitCount};
         EXPECT_EQ(std::memcmp(figures, expected, sizeof figures), 0) << row.name;
@@ -64,7 +65,8 @@ TEST(Registry, BuiltInRowsHoldTheirFigures) {
     }
     EXPECT_EQ(std::memcmp(&__RegBrngs[276], &__RegBrngs[4], sizeof(BrngProperties)), 0);
     for (int32_t row = 279; row < 512; ++row)
-        for (const char* byte = reinterpret_cast<const char*>(&__RegBrngs[row]); byte < reinterpret_cast<const char*>(&__RegBrngs[row + 1]); ++byte)
+        for (const char* byte = reinterpret_cast<const char*>(&__RegBrngs[row]);
+             byte < reinterpret_cast<const char*>(&__RegBrngs[row + 1]); ++byte)
             ASSERT_EQ(*byte, 0) << row;
 }
 
@@ -73,12 +75,18 @@ TEST(Registry, IdsResolve) {
         int32_t id, row, member, valid;
         bool main;
     } cases[] = {
-        {0x900011, 8, 17, StatusOk, true},       {0x500003, 4, 3, StatusOk, true},
-        {3, 3, 0, StatusOk, false},              {4, 4, 0, StatusOk, false},
-        {276, 4, 272, StatusOk, false},          {277, 277, 0, StatusOk, false},
-        {280, 280, 0, StatusOk, false},          {281, 281, 0, BrngStatusBadId, false},
-        {-1, -1, 0, StatusOk, false},            {0xFFFFF, 0xFFFFF, 0, BrngStatusBadId, false},
-        {0x1100000, 16, 0, BrngStatusBadId, true}, {0x7FFFFFFF, 2046, 0xFFFFF, BrngStatusBadId, true},
+        {0x900011, 8, 17, StatusOk, true},
+        {0x500003, 4, 3, StatusOk, true},
+        {3, 3, 0, StatusOk, false},
+        {4, 4, 0, StatusOk, false},
+        {276, 4, 272, StatusOk, false},
+        {277, 277, 0, StatusOk, false},
+        {280, 280, 0, StatusOk, false},
+        {281, 281, 0, BrngStatusBadId, false},
+        {-1, -1, 0, StatusOk, false},
+        {0xFFFFF, 0xFFFFF, 0, BrngStatusBadId, false},
+        {0x1100000, 16, 0, BrngStatusBadId, true},
+        {0x7FFFFFFF, 2046, 0xFFFFF, BrngStatusBadId, true},
     };
     for (const auto& c : cases) {
         int32_t row, member;
@@ -97,8 +105,8 @@ TEST(Registry, IdsResolve) {
 // The generators of the registry that this build does not have. The list may only become shorter.
 TEST(Registry, MissingGeneratorsAreRefused) {
     const std::vector<std::string> missing = {
-        "R250",      "WH",        "Sobol",     "Niederr",   "MT19937", "MT2203", "iAbstract",
-        "dAbstract", "sAbstract", "SFMT19937", "TRNG",      "ARS5",    "PHILOX4X32X10",
+        "R250",      "WH",        "Sobol",     "Niederr", "MT19937", "MT2203",        "iAbstract",
+        "dAbstract", "sAbstract", "SFMT19937", "TRNG",    "ARS5",    "PHILOX4X32X10",
     };
     std::vector<std::string> found;
     for (const Row& row : builtin)
@@ -122,11 +130,14 @@ TEST(Registration, FirstFailingTestDecides) {
     const struct {
         int32_t stateBytes, seedCount, wordBytes, bitCount, status;
     } cases[] = {
-        {-1, 0, 12, 0, BrngStatusBadStateBytes}, {0, 0, 12, 0, BrngStatusBadWordBytes}, {0, 0, 16, 0, BrngStatusBadSeedCount},
+        {-1, 0, 12, 0, BrngStatusBadStateBytes},
+        {0, 0, 12, 0, BrngStatusBadWordBytes},
+        {0, 0, 16, 0, BrngStatusBadSeedCount},
         {0, 1, 8, 0, BrngStatusBadBitCount},
     };
     for (const auto& c : cases) {
-        const BrngProperties row = {c.stateBytes, c.seedCount, 0, c.wordBytes, c.bitCount, nullptr, nullptr, nullptr, nullptr};
+        const BrngProperties row = {c.stateBytes, c.seedCount, 0,       c.wordBytes, c.bitCount,
+                                    nullptr,      nullptr,     nullptr, nullptr};
         EXPECT_EQ(__kuzRegisterBrng(&row), c.status);
     }
     for (int slot = 0; slot < 4; ++slot) {

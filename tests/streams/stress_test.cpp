@@ -5,8 +5,8 @@
 
 #include <orv/services.h>
 
-#include <cstring>
 #include <cstdlib>
+#include <cstring>
 #include <thread>
 
 using namespace orv::test;
@@ -52,7 +52,8 @@ void work(Stream* own, int thread, int* failures) {
         const uint64_t contested = 100 + static_cast<uint64_t>((round + thread) % 3);
         add(second, contested, 50);
         __kuzCopyStreamState(copy, second);
-        for (int k = 0; k < shared_keys; ++k) *failures += !intact(__kuzSearchChunk(copy, k), static_cast<uint64_t>(k + 1));
+        for (int k = 0; k < shared_keys; ++k)
+            *failures += !intact(__kuzSearchChunk(copy, k), static_cast<uint64_t>(k + 1));
         __kuzDeleteStream(&second);
         *failures += !intact(__kuzSearchChunk(copy, 50), contested);
         __kuzDeleteStream(&copy);
