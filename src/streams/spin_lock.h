@@ -20,6 +20,7 @@ struct [[nodiscard]] SpinHold {
              !__atomic_compare_exchange_n(&lock.word, &free, 1u, false, __ATOMIC_ACQUIRE, __ATOMIC_RELAXED);)
             free = 0;
 #ifdef ORV_RACE_NOTES
+        VALGRIND_HG_DISABLE_CHECKING(&lock.word, sizeof lock.word);
         ANNOTATE_RWLOCK_ACQUIRED(&lock, 1);
 #endif
     }

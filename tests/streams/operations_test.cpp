@@ -54,10 +54,15 @@ TEST(Creation, AbstractArguments) {
     EXPECT_EQ(__kuzdNewAbstractStream(&stream, 4, doubles, 1.0, 1.0, never_called), StatusBadAbstractArgs);
     EXPECT_EQ(__kuzsNewAbstractStream(&stream, 4, floats, 1.0f, 0.5f, never_called), StatusBadAbstractArgs);
     // Numbers of another type than the ring's.
-    EXPECT_EQ(__RegBrngsNew[9].dBRng(nullptr, 1, doubles, 0.0, 1.0), AbstractStatusWrongKernel);
-    EXPECT_EQ(__RegBrngsNew[9].sBRng, __kuzsBRngiAbstract);
-    EXPECT_EQ(__RegBrngsNew[10].iBRng(nullptr, 1, words), AbstractStatusWrongKernel);
-    EXPECT_EQ(__RegBrngsNew[11].dBRng, __kuzdBRngsAbstract);
+    const BrngProperties* rows = &__RegBrngsNew[9];
+    for (const int32_t status :
+         {rows[0].sBRng(nullptr, 1, floats, 0, 1), rows[0].dBRng(nullptr, 1, doubles, 0, 1),
+          rows[1].iBRng(nullptr, 1, words), rows[1].sBRng(nullptr, 1, floats, 0, 1), rows[2].iBRng(nullptr, 1, words),
+          rows[2].dBRng(nullptr, 1, doubles, 0, 1), __kuzsBRngiAbstract(nullptr, 1, floats, 0, 1),
+          __kuzdBRngiAbstract(nullptr, 1, doubles, 0, 1), __kuziBRngdAbstract(nullptr, 1, words),
+          __kuzsBRngdAbstract(nullptr, 1, floats, 0, 1), __kuziBRngsAbstract(nullptr, 1, words),
+          __kuzdBRngsAbstract(nullptr, 1, doubles, 0, 1)})
+        EXPECT_EQ(status, AbstractStatusWrongKernel);
 }
 
 TEST(Jumps, WhatAGeneratorCannotDo) {
