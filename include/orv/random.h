@@ -77,7 +77,7 @@ void __kuziVect3PowArrayMod_M2(uint32_t* vector, int32_t n, const uint64_t* coun
 
 /* x^n modulo a polynomial over GF(2) of the given degree. `terms` are the exponents of its nonzero terms, increasing, the
  * last one being the degree. The result stands in the first `words` 32-bit words of `out` as bits, bit i the coefficient
- * of x^i; `out` has room for twice as many and 32 * words is at least the degree. Returns StatusOk or StatusNoMemory. */
+ * of x^i; n is read as unsigned; `out` has room for twice as many and 32 * words is at least the degree. Returns StatusOk or StatusNoMemory. */
 int32_t __kuzPolyRem(int64_t n, int64_t degree, int32_t term_count, const int32_t* terms, int32_t words, uint32_t* out);
 
 /* The operations of a generator whose step A is linear over GF(2), on whole stream records. */

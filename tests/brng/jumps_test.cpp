@@ -209,8 +209,8 @@ TEST(Gf2, PolynomialRemainders) {
         std::vector<int32_t> terms;
         int32_t words;
     } polynomials[] = {
-        {{0, 1}, 1},         {{0, 1, 2}, 1},         {{0, 1, 3}, 1},           {{0, 3, 31}, 1},
-        {{0, 5, 31, 32}, 1}, {{0, 1, 2, 22, 32}, 2}, {{0, 40, 62, 63, 64}, 2},
+        {{0, 1}, 1},     {{0, 1, 2}, 1},   {{0, 1, 3}, 1},         {{0, 3, 31}, 1},          {{0, 5, 31, 32}, 1},
+        {{0, 1, 3}, 40}, {{0, 7, 128}, 4}, {{0, 1, 2, 22, 32}, 2}, {{0, 40, 62, 63, 64}, 2},
     };
     for (const auto& polynomial : polynomials) {
         const int32_t degree = polynomial.terms.back();
