@@ -75,9 +75,10 @@ void __kuziVect3PowArrayMod(uint32_t* vector, const uint32_t* row, uint32_t m, i
 void __kuziVect3PowArrayMod_M1(uint32_t* vector, int32_t n, const uint64_t* count, const uint32_t* table);
 void __kuziVect3PowArrayMod_M2(uint32_t* vector, int32_t n, const uint64_t* count, const uint32_t* table);
 
-/* x^n modulo a polynomial over GF(2) of the given degree. `terms` are the exponents of its nonzero terms, increasing, the
- * last one being the degree. The result stands in the first `words` 32-bit words of `out` as bits, bit i the coefficient
- * of x^i; n is read as unsigned; `out` has room for twice as many and 32 * words is at least the degree. Returns StatusOk or StatusNoMemory. */
+/* x^n modulo a polynomial over GF(2) of the given degree; n is read as unsigned. `terms` are the exponents of its nonzero
+ * terms, increasing, the last one being the degree. The result stands in the first `words` 32-bit words of `out` as bits,
+ * bit i the coefficient of x^i. 32 * words is at least the degree, and `out` has room for twice as many words.
+ * Returns StatusOk or StatusNoMemory. */
 int32_t __kuzPolyRem(int64_t n, int64_t degree, int32_t term_count, const int32_t* terms, int32_t words, uint32_t* out);
 
 /* The operations of a generator whose step A is linear over GF(2), on whole stream records. */
