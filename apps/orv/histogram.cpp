@@ -4,6 +4,7 @@
 #include "numbers.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <filesystem>
 
@@ -52,7 +53,7 @@ std::string as_text(const Histogram& histogram) {
         std::snprintf(line, sizeof line, "%12.6g %12lld ", edge(histogram, bin),
                       static_cast<long long>(histogram.counts[bin]));
         const double share = static_cast<double>(histogram.counts[bin]) / static_cast<double>(most);
-        text += line + std::string(static_cast<size_t>(share * widest + 0.5), '#') + "\n";
+        text += line + std::string(static_cast<size_t>(std::lround(share * widest)), '#') + "\n";
     }
     if (histogram.outside > 0) text += "outside " + std::to_string(histogram.outside) + "\n";
     return text;

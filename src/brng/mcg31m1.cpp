@@ -1,6 +1,7 @@
 // MCG31M1: x <- a x mod 2^31 - 1. Sixteen lanes hold sixteen successive values and advance by a^16 each round, so lane 0
 // is always the value of the plain recurrence.
 #include "brng/modular.h"
+#include "brng/multiplicative.h"
 #include "brng/outputs.h"
 #include "platform/export.h"
 
@@ -20,6 +21,14 @@ struct Mcg31m1 {
     Stream header;
     uint32_t x;  // the next output, in 1 to 2^31 - 2
     uint32_t a;  // the multiplier in force
+
+    void seed(int32_t n, const uint32_t* words) {
+        x = n < 1 ? 1 : words[0] % m31;
+        if (x == 0) x = 1;
+        a = multiplier;
+    }
+    static uint32_t multiply(uint32_t x, uint32_t y) { return mul_m31(x, y); }
+    static uint32_t power(uint32_t a, uint64_t n) { return __kuziPowMod2P31M1(a, n); }
 };
 static_assert(sizeof(Mcg31m1) == 24 && offsetof(Mcg31m1, x) == 16 && offsetof(Mcg31m1, a) == 20);
 
@@ -74,38 +83,10 @@ int32_t generate(Stream* stream, int32_t n, typename Output::Element* r, Output 
     return StatusOk;
 }
 
-void seed(Mcg31m1* state, int32_t n, const uint32_t* words) {
-    const uint32_t x = n < 1 ? 1 : words[0] % m31;
-    state->x = x == 0 ? 1 : x;
-    state->a = multiplier;
-}
-
-void leapfrog(Mcg31m1* state, uint32_t streams, uint32_t index) {
-    state->x = mul_m31(state->x, __kuziPowMod2P31M1(state->a, index));
-    state->a = __kuziPowMod2P31M1(state->a, streams);
-}
-
-void skip_ahead(Mcg31m1* state, uint64_t count) { state->x = mul_m31(state->x, __kuziPowMod2P31M1(state->a, count)); }
-
 }  // namespace
 
 ORV_API int32_t __kuzBRngMCG31M1InitStream(int32_t method, Stream* stream, int32_t n, const void* params) {
-    Mcg31m1* state = reinterpret_cast<Mcg31m1*>(stream);
-    switch (method) {
-        case InitMethodSeed:
-            seed(state, n, static_cast<const uint32_t*>(params));
-            return StatusOk;
-        case InitMethodLeapfrog:
-            leapfrog(state, static_cast<uint32_t>(n), *static_cast<const uint32_t*>(params));
-            return StatusOk;
-        case InitMethodSkipAhead:
-            skip_ahead(state, *static_cast<const uint64_t*>(params));
-            return StatusOk;
-        case InitMethodSkipAheadEx:
-            return BrngStatusNoSkipAheadEx;
-        default:
-            return StatusBadMethod;
-    }
+    return init_multiplicative<Mcg31m1>(method, stream, n, params);
 }
 
 ORV_API int32_t __kuzsBRngMCG31M1(Stream* stream, int32_t n, float* r, float a, float b) {

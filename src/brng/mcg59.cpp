@@ -2,6 +2,7 @@
 // value of the plain recurrence. A floating output is formed from the low 32 bits and the upper 27 bits times 2^32, both
 // of which are exact doubles.
 #include "brng/modular.h"
+#include "brng/multiplicative.h"
 #include "brng/outputs.h"
 #include "platform/export.h"
 
@@ -21,6 +22,17 @@ struct Mcg59 {
     Stream header;
     uint64_t x;  // the next output, below 2^59
     uint64_t a;  // the multiplier in force
+
+    void seed(int32_t n, const uint32_t* words) {
+        constexpr uint32_t high_mask = static_cast<uint32_t>(mask59 >> 32);
+        x = 0;
+        if (n >= 1) x = words[0];
+        if (n >= 2) x |= uint64_t{words[1] & high_mask} << 32;
+        if (x == 0) x = 1;
+        a = multiplier;
+    }
+    static uint64_t multiply(uint64_t x, uint64_t y) { return x * y & mask59; }
+    static uint64_t power(uint64_t a, uint64_t n) { return __kuziPowMod2P59(a, n); }
 };
 static_assert(sizeof(Mcg59) == 32 && offsetof(Mcg59, x) == 16 && offsetof(Mcg59, a) == 24);
 
@@ -118,41 +130,10 @@ int32_t generate(Stream* stream, int32_t n, typename Output::Element* r, Output 
     return StatusOk;
 }
 
-void seed(Mcg59* state, int32_t n, const uint32_t* words) {
-    constexpr uint32_t high_mask = static_cast<uint32_t>(mask59 >> 32);
-    uint64_t x = 0;
-    if (n >= 1) x = words[0];
-    if (n >= 2) x |= uint64_t{words[1] & high_mask} << 32;
-    state->x = x == 0 ? 1 : x;
-    state->a = multiplier;
-}
-
-void leapfrog(Mcg59* state, uint32_t streams, uint32_t index) {
-    state->x = state->x * __kuziPowMod2P59(state->a, index) & mask59;
-    state->a = __kuziPowMod2P59(state->a, streams);
-}
-
-void skip_ahead(Mcg59* state, uint64_t count) { state->x = state->x * __kuziPowMod2P59(state->a, count) & mask59; }
-
 }  // namespace
 
 ORV_API int32_t __kuzBRngMCG59InitStream(int32_t method, Stream* stream, int32_t n, const void* params) {
-    Mcg59* state = reinterpret_cast<Mcg59*>(stream);
-    switch (method) {
-        case InitMethodSeed:
-            seed(state, n, static_cast<const uint32_t*>(params));
-            return StatusOk;
-        case InitMethodLeapfrog:
-            leapfrog(state, static_cast<uint32_t>(n), *static_cast<const uint32_t*>(params));
-            return StatusOk;
-        case InitMethodSkipAhead:
-            skip_ahead(state, *static_cast<const uint64_t*>(params));
-            return StatusOk;
-        case InitMethodSkipAheadEx:
-            return BrngStatusNoSkipAheadEx;
-        default:
-            return StatusBadMethod;
-    }
+    return init_multiplicative<Mcg59>(method, stream, n, params);
 }
 
 ORV_API int32_t __kuzsBRngMCG59(Stream* stream, int32_t n, float* r, float a, float b) {

@@ -6,21 +6,11 @@ using namespace orv::streams;
 
 namespace {
 
-int32_t create(Stream** stream, int32_t id, int32_t count, const void* const* block) {
-    int32_t row, member;
-    const BrngProperties* table = __kuzGetBrngBaseOffset(id, &row, &member);
-    int32_t status = check_creatable(table, row, member);
-    if (status < 0) return status;
-    status = allocate_record(stream, &table[row], id);
-    if (status < 0) return status;
-    return table[row].initStream(InitMethodSeed, *stream, count, block);
-}
-
 template <class Real>
 int32_t create_real(Stream** stream, int32_t id, int32_t n, Real* buffer, Real a, Real b, AbstractCallback callback) {
     if (n == 0 || !buffer || !callback || a >= b) return StatusBadAbstractArgs;
     const void* const block[] = {&n, buffer, &a, &b, reinterpret_cast<const void*>(callback)};
-    return create(stream, id, 10, block);
+    return create_seeded(stream, id, 10, block);
 }
 
 }  // namespace
@@ -28,7 +18,7 @@ int32_t create_real(Stream** stream, int32_t id, int32_t n, Real* buffer, Real a
 ORV_API int32_t __kuziNewAbstractStream(Stream** stream, int32_t n, uint32_t* buffer, AbstractCallback callback) {
     if (n == 0 || !buffer || !callback) return StatusBadAbstractArgs;
     const void* const block[] = {&n, buffer, reinterpret_cast<const void*>(callback)};
-    return create(stream, BrngIAbstract, 6, block);
+    return create_seeded(stream, BrngIAbstract, 6, block);
 }
 
 ORV_API int32_t __kuzdNewAbstractStream(Stream** stream, int32_t n, double* buffer, double a, double b,

@@ -12,6 +12,16 @@ int32_t allocate_record(Stream** stream, const BrngProperties* row, int32_t id) 
     return StatusOk;
 }
 
+int32_t create_seeded(Stream** stream, int32_t id, int32_t n, const void* params) {
+    int32_t row, member;
+    const BrngProperties* table = __kuzGetBrngBaseOffset(id, &row, &member);
+    int32_t status = check_creatable(table, row, member);
+    if (status < 0) return status;
+    status = allocate_record(stream, &table[row], id);
+    if (status < 0) return status;
+    return table[row].initStream(InitMethodSeed, *stream, n, params);
+}
+
 }  // namespace orv::streams
 
 using namespace orv::streams;
@@ -20,13 +30,7 @@ ORV_API int32_t __kuzNewStreamEx(Stream** stream, int32_t id, int32_t n, const u
     // Streams of the abstract generators come from creators of their own.
     constexpr int32_t between_i_and_d = BrngIAbstract ^ BrngDAbstract;
     if ((id & ~between_i_and_d) == BrngIAbstract || id == BrngSAbstract) return BrngStatusBadId;
-    int32_t row, member;
-    const BrngProperties* table = __kuzGetBrngBaseOffset(id, &row, &member);
-    int32_t status = check_creatable(table, row, member);
-    if (status < 0) return status;
-    status = allocate_record(stream, &table[row], id);
-    if (status < 0) return status;
-    return table[row].initStream(InitMethodSeed, *stream, n, params);
+    return create_seeded(stream, id, n, params);
 }
 
 ORV_API int32_t __kuzAllocateStream(Stream** stream, const BrngProperties* table, int32_t id, int32_t row,

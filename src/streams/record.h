@@ -53,6 +53,9 @@ int32_t check_creatable(const BrngProperties* table, int32_t row, int32_t member
 // Allocates a record for a tested row and writes its header. Stores null on failure.
 int32_t allocate_record(Stream** stream, const BrngProperties* row, int32_t id);
 
+// A record for any id that check_creatable lets pass, seeded with what its generator's initStream takes.
+int32_t create_seeded(Stream** stream, int32_t id, int32_t n, const void* params);
+
 // Adds a chunk as __kuzAddChunk does, except that data under a known key of another size is kept private; *shared tells
 // whether the table's data took the place of `data`, which is then the caller's to free.
 int32_t add_loaded_chunk(Stream* stream, int32_t id, const uint64_t* key, void* data, int32_t size, bool* shared);

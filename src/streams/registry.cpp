@@ -56,8 +56,11 @@ static_assert(wh_row == 4 && mt2203_row == 8);
 
 }  // namespace
 
+// An initialised definition cannot carry the marks of an export.
+// NOLINTBEGIN(readability-redundant-declaration)
 ORV_API const BrngProperties __RegBrngs[table_rows];
 ORV_API BrngProperties __RegBrngsNew[table_rows];
+// NOLINTEND(readability-redundant-declaration)
 
 const BrngProperties __RegBrngs[table_rows] = {
     mcg31m1, r250, mrg32k3a, mcg59, ORV_ROWS_256(wh), ORV_ROWS_16(wh), wh, sobol, niederr,

@@ -168,44 +168,37 @@ int32_t load(Source& source, int32_t bad_image, Stream** stream) {
     return status;
 }
 
-// A file name with its final zero: the caller's own, or a copy in *copy that is to be given back.
-int32_t terminate_name(const char* name, int32_t length, char** copy, const char** terminated) {
-    *copy = nullptr;
-    *terminated = name;
-    if (length < 0) return StatusOk;
-    const size_t count = static_cast<size_t>(length);
-    *copy = static_cast<char*>(orv_serv_allocate(count + 1, block_alignment));
-    if (!*copy) return StatusNoMemory;
-    memcpy(*copy, name, count);
-    (*copy)[count] = '\0';
-    *terminated = *copy;
-    return StatusOk;
+// Opens a file by a name of `length` bytes without a final zero, or with one where the length is negative.
+int32_t open_named(platform::File* (*open)(const char* name), const char* name, int32_t length, platform::File** file) {
+    char* copy = nullptr;
+    if (length >= 0) {
+        const size_t count = static_cast<size_t>(length);
+        copy = static_cast<char*>(orv_serv_allocate(count + 1, block_alignment));
+        if (!copy) return StatusNoMemory;
+        memcpy(copy, name, count);
+        copy[count] = '\0';
+    }
+    *file = open(copy ? copy : name);
+    orv_serv_deallocate(copy);
+    return *file ? StatusOk : StreamStatusOpenFailed;
 }
 
 }  // namespace
 
 ORV_API int32_t __kuzSaveStreamF(const Stream* stream, const char* name, int32_t name_length) {
-    char* copy;
-    const char* terminated;
-    int32_t status = terminate_name(name, name_length, &copy, &terminated);
+    Sink sink = {nullptr, nullptr};
+    int32_t status = open_named(platform::file_create, name, name_length, &sink.file);
     if (status < 0) return status;
-    Sink sink = {platform::file_create(terminated), nullptr};
-    orv_serv_deallocate(copy);
-    if (!sink.file) return StreamStatusOpenFailed;
     status = save(sink, stream);
     if (!platform::file_close(sink.file)) status = StreamStatusCloseFailed;
     return status;
 }
 
 ORV_API int32_t __kuzLoadStreamF(Stream** stream, const char* name, int32_t name_length) {
-    char* copy;
-    const char* terminated;
-    int32_t status = terminate_name(name, name_length, &copy, &terminated);
+    Source source = {nullptr, nullptr};
+    int32_t status = open_named(platform::file_open, name, name_length, &source.file);
+    if (status == StreamStatusOpenFailed) *stream = nullptr;
     if (status < 0) return status;
-    Source source = {platform::file_open(terminated), nullptr};
-    orv_serv_deallocate(copy);
-    *stream = nullptr;
-    if (!source.file) return StreamStatusOpenFailed;
     status = load(source, StreamStatusBadFile, stream);
     if (!platform::file_close(source.file)) status = StreamStatusCloseFailed;
     if (status < 0 && *stream) __kuzDeleteStream(stream);
