@@ -170,8 +170,11 @@ void load_prior(const Call<T>& call) {
         return;
     }
     const bool diagonal = keeps_diagonal(request) && task->ownedBuffer && call.continues_owned();
+    const bool users = request.method == BasicUserMean;
+    const double root = __builtin_sqrt(before.w);
+    for (int32_t j = 0; users && j < request.p; ++j) call.spare[j] = call.prior.sums[0][j] / root;
     prior_cross<T>(request, call.source, before.w > 0 ? before.w - before.w2 / before.w : 1,
-                   diagonal ? owned_row<T>(task, owned_diagonal) : nullptr, call.home);
+                   diagonal ? owned_row<T>(task, owned_diagonal) : nullptr, users ? call.spare : nullptr, call.home);
 }
 
 // The distance of two results' means, component by component.

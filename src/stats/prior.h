@@ -72,7 +72,9 @@ Powers prior_about(const Request& request, int32_t j, Powers raw, double w, doub
     } rows[] = {{array_central_sum2, array_central2, array_raw2, array_raw_sum2, w - w2 / w, scale2, &sums.a2},
                 {array_central_sum3, array_central3, array_raw3, array_raw_sum3, w, scale3, &sums.a3},
                 {array_central_sum4, array_central4, array_raw4, array_raw_sum4, w, scale4, &sums.a4}};
+    bool raw_is_known = true;  // up to this row's order
     for (const auto& row : rows) {
+        raw_is_known = raw_is_known && (request.writes(row.raw_moment) || request.writes(row.raw_sum));
         double kept;
         if (request.writes(row.sum))
             kept = value_of<T>(request, row.sum, j);
@@ -80,22 +82,24 @@ Powers prior_about(const Request& request, int32_t j, Powers raw, double w, doub
             kept = value_of<T>(request, row.moment, j) * row.to_sum;
         else
             continue;
-        const bool raw_is_known = request.writes(row.raw_moment) || request.writes(row.raw_sum);
         if (!raw_is_known || __builtin_fabs(kept - *row.into) <= rounding * row.scale) *row.into = kept;
     }
     return sums;
 }
 
-// The cross-product so far, from the first of cp, cov and cor that the call keeps. `factor` is 1 / f of the covariance.
+// The cross-product so far, from the first of cp, cov and cor that the call keeps. `factor` is 1 / f of the covariance; it is
+// 0 after one observation, whose covariance says nothing (0 / 0 or 1 / 0), and then `single`, its deviations times the root
+// of its weight, gives the product. With the observation for its own mean those are 0, and `single` is null.
 template <class T>
-void prior_cross(const Request& request, int32_t source, double factor, const double* diagonal, double* c) {
+void prior_cross(const Request& request, int32_t source, double factor, const double* diagonal, const double* single,
+                 double* c) {
     const Matrix<T> from = matrix_of<T>(request, source);
     const ptrdiff_t p = request.p;
     for (int32_t j = 0; j < request.p; ++j)
         for (int32_t i = 0; i <= j; ++i) {
             double value = static_cast<double>(from.data[element_at(from.form, i, j, p)]);
-            // One observation has no covariance (0 / 0), a constant no correlation; their cross-products are 0.
-            if (source == array_cov) value = factor == 0 ? 0 : value * factor;
+            if (source == array_cov) value = factor != 0 ? value * factor : single ? single[i] * single[j] : 0;
+            // A constant has no correlation (0 / 0), its cross-products are 0.
             if (source == array_cor && diagonal) {
                 const double product = diagonal[i] * diagonal[j];
                 value = product == 0 ? 0 : value * __builtin_sqrt(product);
