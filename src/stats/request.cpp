@@ -6,7 +6,7 @@
 namespace orv::stats {
 namespace {
 
-constexpr uint64_t methods_with_data = BasicFast | BasicOnePass | BasicUserMean;
+constexpr uint64_t methods_with_data[] = {BasicFast, BasicOnePass, BasicUserMean};
 constexpr uint64_t methods_without_data = BasicFromCrossProduct | BasicFromSums;
 
 uint32_t existing_arrays(const SSTask* task) {
@@ -19,7 +19,7 @@ uint32_t existing_arrays(const SSTask* task) {
 uint32_t needs(int32_t array, uint64_t method) {
     const Needs& row = needs_table[array];
     if (method & BasicFast) return row.fast;
-    return method & methods_with_data ? row.centred : row.from_sums;
+    return method ? row.centred : row.from_sums;
 }
 
 // Only the two low bits of a matrix form are looked at.
@@ -51,9 +51,10 @@ int32_t check_request(SSTask* task, uint64_t estimates, uint64_t method, Request
     request = {};
     request.task = task;
 
-    const int methods = __builtin_popcountll(method & methods_with_data);
+    int32_t methods = 0;
+    for (const uint64_t one : methods_with_data) methods += (method & one) != 0;
     if (methods > 1 || (methods == 0 && !(method & methods_without_data))) return SSStatusMethod;
-    request.method = method & methods_with_data;
+    request.method = methods == 1 ? method & (BasicFast | BasicOnePass | BasicUserMean) : 0;
 
     request.order = 1;
     for (int32_t array = 0; array < array_count; ++array) {
