@@ -76,12 +76,13 @@ void panel(int32_t index, int32_t, int32_t count, void* args) {
     const bool upper = u.uplo == 'u' || u.uplo == 'U';
     const auto row_of_op = [&](int32_t row) { return transposed ? u.a + ptrdiff_t{row} * u.lda : u.a + row; };
     T* columns = u.c + ptrdiff_t{first} * u.ldc;
-    Blas<T>::syrk(&u.uplo, &u.trans, &width, &u.k, &u.alpha, row_of_op(first), &u.lda, &u.beta, columns + first, &u.ldc);
+    Blas<T>::syrk(&u.uplo, &u.trans, &width, &u.k, &u.alpha, row_of_op(first), &u.lda, &u.beta, columns + first,
+                  &u.ldc);
     const int32_t from = upper ? 0 : last;
     const int32_t rows = upper ? first : u.n - last;
     if (rows == 0) return;
-    Blas<T>::gemm(transposed ? "t" : "n", transposed ? "n" : "t", &rows, &width, &u.k, &u.alpha, row_of_op(from), &u.lda,
-                  row_of_op(first), &u.lda, &u.beta, columns + from, &u.ldc);
+    Blas<T>::gemm(transposed ? "t" : "n", transposed ? "n" : "t", &rows, &width, &u.k, &u.alpha, row_of_op(from),
+                  &u.lda, row_of_op(first), &u.lda, &u.beta, columns + from, &u.ldc);
 }
 
 template <class T>
@@ -98,8 +99,8 @@ void rank_k(RankUpdate<T> u) {
 
 }  // namespace
 
-ORV_API void orv_blas_dsyr(const char* uplo, const int32_t* n, const double* alpha, const double* x, const int32_t* incx,
-                           double* a, const int32_t* lda) {
+ORV_API void orv_blas_dsyr(const char* uplo, const int32_t* n, const double* alpha, const double* x,
+                           const int32_t* incx, double* a, const int32_t* lda) {
     keep_to_one_thread();
     dsyr_(uplo, n, alpha, x, incx, a, lda);
 }
@@ -110,8 +111,8 @@ ORV_API void orv_blas_ssyr(const char* uplo, const int32_t* n, const float* alph
     ssyr_(uplo, n, alpha, x, incx, a, lda);
 }
 
-ORV_API void orv_blas_xdsyr(const char* uplo, const int32_t* n, const double* alpha, const double* x, const int32_t* incx,
-                            double* a, const int32_t* lda) {
+ORV_API void orv_blas_xdsyr(const char* uplo, const int32_t* n, const double* alpha, const double* x,
+                            const int32_t* incx, double* a, const int32_t* lda) {
     orv_blas_dsyr(uplo, n, alpha, x, incx, a, lda);
 }
 
@@ -120,8 +121,9 @@ ORV_API void orv_blas_xssyr(const char* uplo, const int32_t* n, const float* alp
     orv_blas_ssyr(uplo, n, alpha, x, incx, a, lda);
 }
 
-ORV_API void orv_blas_dsyrk(const char* uplo, const char* trans, const int32_t* n, const int32_t* k, const double* alpha,
-                            const double* a, const int32_t* lda, const double* beta, double* c, const int32_t* ldc) {
+ORV_API void orv_blas_dsyrk(const char* uplo, const char* trans, const int32_t* n, const int32_t* k,
+                            const double* alpha, const double* a, const int32_t* lda, const double* beta, double* c,
+                            const int32_t* ldc) {
     rank_k<double>({*uplo, *trans, *n, *k, *alpha, a, *lda, *beta, c, *ldc});
 }
 
@@ -130,14 +132,16 @@ ORV_API void orv_blas_ssyrk(const char* uplo, const char* trans, const int32_t* 
     rank_k<float>({*uplo, *trans, *n, *k, *alpha, a, *lda, *beta, c, *ldc});
 }
 
-ORV_API void orv_blas_xdsyrk(const char* uplo, const char* trans, const int32_t* n, const int32_t* k, const double* alpha,
-                             const double* a, const int32_t* lda, const double* beta, double* c, const int32_t* ldc) {
+ORV_API void orv_blas_xdsyrk(const char* uplo, const char* trans, const int32_t* n, const int32_t* k,
+                             const double* alpha, const double* a, const int32_t* lda, const double* beta, double* c,
+                             const int32_t* ldc) {
     keep_to_one_thread();
     dsyrk_(uplo, trans, n, k, alpha, a, lda, beta, c, ldc);
 }
 
-ORV_API void orv_blas_xssyrk(const char* uplo, const char* trans, const int32_t* n, const int32_t* k, const float* alpha,
-                             const float* a, const int32_t* lda, const float* beta, float* c, const int32_t* ldc) {
+ORV_API void orv_blas_xssyrk(const char* uplo, const char* trans, const int32_t* n, const int32_t* k,
+                             const float* alpha, const float* a, const int32_t* lda, const float* beta, float* c,
+                             const int32_t* ldc) {
     keep_to_one_thread();
     ssyrk_(uplo, trans, n, k, alpha, a, lda, beta, c, ldc);
 }

@@ -16,8 +16,8 @@ namespace {
 
 int32_t thread_limit = 1;
 const orv_services* limited_services() {
-    static const orv_services table = {orv_serv_services()->parallel_for, nullptr, orv_serv_services()->fan_out, nullptr,
-                                       [] { return thread_limit; }};
+    static const orv_services table = {orv_serv_services()->parallel_for, nullptr, orv_serv_services()->fan_out,
+                                       nullptr, [] { return thread_limit; }};
     return &table;
 }
 
@@ -28,14 +28,20 @@ struct Data {
     SSTask* task = nullptr;
 
     Data(int32_t components, int32_t observations, int32_t storage)
-        : p(components), n(observations), form(storage), x(size_t(p) * n), moments(size_t(10) * p), matrix(size_t(p) * p) {
+        : p(components),
+          n(observations),
+          form(storage),
+          x(size_t(p) * n),
+          moments(size_t(10) * p),
+          matrix(size_t(p) * p) {
         uint32_t state = 1;
         for (double& value : x) {
             state = state * 1664525 + 1013904223;
             value = state * 0x1p-32 + 1;
         }
         __kuzdSSNewTask(&task, &p, &n, &form, x.data(), nullptr, nullptr, 0);
-        for (int id = SSIdMean; id <= SSIdSkewness; ++id) __kuzdSSEditTask(task, id, &moments[size_t(id - SSIdMean) * p]);
+        for (int id = SSIdMean; id <= SSIdSkewness; ++id)
+            __kuzdSSEditTask(task, id, &moments[size_t(id - SSIdMean) * p]);
         __kuzdSSEditCovCor(task, nullptr, matrix.data(), &full, nullptr, nullptr);
         __kuzdSSEditTask(task, SSIdAccumWeight, weights.data());
     }
@@ -46,7 +52,7 @@ struct Data {
     }
 };
 
-constexpr uint64_t four_moments = SS_MEAN | SS_CENTRAL_MOMENT2 | SS_SKEWNESS | SS_KURTOSIS;
+constexpr uint64_t four_moments = ORV_SS_MEAN | ORV_SS_CENTRAL_MOMENT2 | ORV_SS_SKEWNESS | ORV_SS_KURTOSIS;
 
 void SummingLoop(benchmark::State& state) {
     Data data(1, 10000000, StorageRows);
@@ -68,7 +74,7 @@ BENCHMARK(SummingLoop)->Unit(benchmark::kMillisecond);
 void MeanAndVariance(benchmark::State& state, uint64_t method) {
     Data data(1, 10000000, StorageRows);
     thread_limit = 1;
-    orv::bench::measure(state, data.n, 1, [&] { data.run(SS_MEAN | SS_CENTRAL_MOMENT2, method); });
+    orv::bench::measure(state, data.n, 1, [&] { data.run(ORV_SS_MEAN | ORV_SS_CENTRAL_MOMENT2, method); });
 }
 BENCHMARK_CAPTURE(MeanAndVariance, fast, BasicFast)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(MeanAndVariance, one_pass, BasicOnePass)->Unit(benchmark::kMillisecond);
@@ -78,10 +84,24 @@ void FourMoments(benchmark::State& state, uint64_t method, int32_t form) {
     thread_limit = static_cast<int32_t>(state.range(0));
     orv::bench::measure(state, int64_t{data.p} * data.n, 1, [&] { data.run(four_moments, method); });
 }
-BENCHMARK_CAPTURE(FourMoments, fast_rows, BasicFast, StorageRows)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_CAPTURE(FourMoments, fast_columns, BasicFast, StorageColumns)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_CAPTURE(FourMoments, one_pass_rows, BasicOnePass, StorageRows)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_CAPTURE(FourMoments, one_pass_columns, BasicOnePass, StorageColumns)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK_CAPTURE(FourMoments, fast_rows, BasicFast, StorageRows)
+    ->Arg(1)
+    ->Arg(2)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(FourMoments, fast_columns, BasicFast, StorageColumns)
+    ->Arg(1)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(FourMoments, one_pass_rows, BasicOnePass, StorageRows)
+    ->Arg(1)
+    ->Arg(2)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(FourMoments, one_pass_columns, BasicOnePass, StorageColumns)
+    ->Arg(1)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 
 #ifdef ORV_HAVE_GSL
 void FourMomentsGsl(benchmark::State& state) {
@@ -105,14 +125,37 @@ BENCHMARK(FourMomentsGsl)->Unit(benchmark::kMillisecond)->UseRealTime();
 void Covariance(benchmark::State& state, uint64_t method, int32_t form, int32_t p, int32_t n) {
     Data data(p, n, form);
     thread_limit = static_cast<int32_t>(state.range(0));
-    orv::bench::measure(state, int64_t{p} * (p + 1) / 2 * n, 1, [&] { data.run(SS_COV, method); });
+    orv::bench::measure(state, int64_t{p} * (p + 1) / 2 * n, 1, [&] { data.run(ORV_SS_COV, method); });
 }
-BENCHMARK_CAPTURE(Covariance, fast_rows, BasicFast, StorageRows, 100, 100000)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_CAPTURE(Covariance, fast_columns, BasicFast, StorageColumns, 100, 100000)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_CAPTURE(Covariance, one_pass_rows, BasicOnePass, StorageRows, 100, 100000)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_CAPTURE(Covariance, one_pass_rows_10, BasicOnePass, StorageRows, 10, 100000)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_CAPTURE(Covariance, one_pass_columns_10, BasicOnePass, StorageColumns, 10, 100000)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_CAPTURE(Covariance, fast_rows_10, BasicFast, StorageRows, 10, 100000)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK_CAPTURE(Covariance, fast_rows, BasicFast, StorageRows, 100, 100000)
+    ->Arg(1)
+    ->Arg(2)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(Covariance, fast_columns, BasicFast, StorageColumns, 100, 100000)
+    ->Arg(1)
+    ->Arg(2)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(Covariance, one_pass_rows, BasicOnePass, StorageRows, 100, 100000)
+    ->Arg(1)
+    ->Arg(2)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(Covariance, one_pass_rows_10, BasicOnePass, StorageRows, 10, 100000)
+    ->Arg(1)
+    ->Arg(2)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(Covariance, one_pass_columns_10, BasicOnePass, StorageColumns, 10, 100000)
+    ->Arg(1)
+    ->Arg(2)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(Covariance, fast_rows_10, BasicFast, StorageRows, 10, 100000)
+    ->Arg(1)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 
 // One update of the same shape, on one thread and on those of the thread service.
 void RankUpdate(benchmark::State& state, const char* trans) {
@@ -135,7 +178,7 @@ void SmallTask(benchmark::State& state, uint64_t method, uint64_t estimates) {
     orv::bench::measure(state, 1, 100, [&] { data.run(estimates, method); });
 }
 BENCHMARK_CAPTURE(SmallTask, moments_one_pass, BasicOnePass, four_moments);
-BENCHMARK_CAPTURE(SmallTask, cov_one_pass, BasicOnePass, four_moments | SS_COV);
-BENCHMARK_CAPTURE(SmallTask, cov_fast, BasicFast, four_moments | SS_COV);
+BENCHMARK_CAPTURE(SmallTask, cov_one_pass, BasicOnePass, four_moments | ORV_SS_COV);
+BENCHMARK_CAPTURE(SmallTask, cov_fast, BasicFast, four_moments | ORV_SS_COV);
 
 }  // namespace

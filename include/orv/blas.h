@@ -19,14 +19,14 @@ extern "C" {
 
 /* a = alpha x x' + a on one triangle of the n by n matrix a; x has n elements with stride incx. The x forms may be called
  * from several threads at once and stay on the thread that calls them; these matrices are too small for others to help. */
-void orv_blas_dsyr(const char* uplo, const int32_t* n, const double* alpha, const double* x, const int32_t* incx, double* a,
-                   const int32_t* lda);
-void orv_blas_ssyr(const char* uplo, const int32_t* n, const float* alpha, const float* x, const int32_t* incx, float* a,
-                   const int32_t* lda);
-void orv_blas_xdsyr(const char* uplo, const int32_t* n, const double* alpha, const double* x, const int32_t* incx, double* a,
-                    const int32_t* lda);
-void orv_blas_xssyr(const char* uplo, const int32_t* n, const float* alpha, const float* x, const int32_t* incx, float* a,
-                    const int32_t* lda);
+void orv_blas_dsyr(const char* uplo, const int32_t* n, const double* alpha, const double* x, const int32_t* incx,
+                   double* a, const int32_t* lda);
+void orv_blas_ssyr(const char* uplo, const int32_t* n, const float* alpha, const float* x, const int32_t* incx,
+                   float* a, const int32_t* lda);
+void orv_blas_xdsyr(const char* uplo, const int32_t* n, const double* alpha, const double* x, const int32_t* incx,
+                    double* a, const int32_t* lda);
+void orv_blas_xssyr(const char* uplo, const int32_t* n, const float* alpha, const float* x, const int32_t* incx,
+                    float* a, const int32_t* lda);
 
 /* c = alpha op(a) op(a)' + beta c on one triangle of the n by n matrix c, with op(a) = a, n by k, for trans 'n', and a', from
  * a of k by n, for trans 't'. The plain forms use the threads of the thread service for large products; the x forms stay

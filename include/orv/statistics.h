@@ -9,7 +9,7 @@
  *     SSTask* task;
  *     __kuzdSSNewTask(&task, &p, &n, &form, x, 0, 0, 0);
  *     __kuzdSSEditTask(task, SSIdMean, mean);
- *     _kuzdSSBasic(task, SS_MEAN, BasicOnePass, orv_serv_services());
+ *     _kuzdSSBasic(task, ORV_SS_MEAN, BasicOnePass, orv_serv_services());
  *     __kuzSSDeleteTask(&task);
  *
  * Entries come in a `d` form for tasks of doubles and an `s` form for tasks of floats. A task's integers (dimensions,
@@ -35,44 +35,44 @@ typedef struct SSTask SSTask;
  * components, n the number of observations. The number before each comment is the id under which an editor stores the
  * field. */
 struct SSTask {
-    int32_t wideInts;     /*     nonzero: every integer reached through a pointer is 64-bit */
-    uint8_t recordTag;    /*     2 */
+    int32_t wideInts;  /*     nonzero: every integer reached through a pointer is 64-bit */
+    uint8_t recordTag; /*     2 */
     uint8_t reserved[3];
-    int32_t isDouble;     /*     1 for doubles, 0 for floats */
-    const void* p;        /*  1  integer */
-    const void* n;        /*  2  integer */
-    const void* indices;  /*  5  p integers: a component with the value 0 does not take part */
-    const void* x;        /*  3  p * n data: the observations */
-    const void* w;        /*  6  n data: the weights, not negative; null: each is 1 */
-    void* accumWeight;    /* 23  2 data: the sum of the weights so far, and of their squares */
-    const void* xStorage; /*  4  integer: StorageRows or StorageColumns */
-    void* corParamResult;        /* 60  data */
-    const void* corParamStorage; /* 61  integer */
-    void* mean;           /*  7  p data, and so are the arrays up to maximum */
-    void* rawMoment2;     /*  8 */
-    void* rawMoment3;     /*  9 */
-    void* rawMoment4;     /* 10 */
-    void* centralMoment2; /* 11 */
-    void* centralMoment3; /* 12 */
-    void* centralMoment4; /* 13 */
-    void* sum;            /* 67 */
-    void* rawSum2;        /* 68 */
-    void* rawSum3;        /* 69 */
-    void* rawSum4;        /* 70 */
-    void* centralSum2;    /* 71 */
-    void* centralSum3;    /* 72 */
-    void* centralSum4;    /* 73 */
-    void* kurtosis;       /* 14 */
-    void* skewness;       /* 15 */
-    void* variation;      /* 18 */
-    void* minimum;        /* 16 */
-    void* maximum;        /* 17 */
-    const void* covStorage; /* 20  integer: a matrix form, see below */
-    void* cov;              /* 19  covariance matrix */
-    const void* corStorage; /* 22  integer */
-    void* cor;              /* 21  correlation matrix */
-    const void* cpStorage;  /* 75  integer */
-    void* cp;               /* 74  cross-product matrix of the centred observations */
+    int32_t isDouble;               /*     1 for doubles, 0 for floats */
+    const void* p;                  /*  1  integer */
+    const void* n;                  /*  2  integer */
+    const void* indices;            /*  5  p integers: a component with the value 0 does not take part */
+    const void* x;                  /*  3  p * n data: the observations */
+    const void* w;                  /*  6  n data: the weights, not negative; null: each is 1 */
+    void* accumWeight;              /* 23  2 data: the sum of the weights so far, and of their squares */
+    const void* xStorage;           /*  4  integer: StorageRows or StorageColumns */
+    void* corParamResult;           /* 60  data */
+    const void* corParamStorage;    /* 61  integer */
+    void* mean;                     /*  7  p data, and so are the arrays up to maximum */
+    void* rawMoment2;               /*  8 */
+    void* rawMoment3;               /*  9 */
+    void* rawMoment4;               /* 10 */
+    void* centralMoment2;           /* 11 */
+    void* centralMoment3;           /* 12 */
+    void* centralMoment4;           /* 13 */
+    void* sum;                      /* 67 */
+    void* rawSum2;                  /* 68 */
+    void* rawSum3;                  /* 69 */
+    void* rawSum4;                  /* 70 */
+    void* centralSum2;              /* 71 */
+    void* centralSum3;              /* 72 */
+    void* centralSum4;              /* 73 */
+    void* kurtosis;                 /* 14 */
+    void* skewness;                 /* 15 */
+    void* variation;                /* 18 */
+    void* minimum;                  /* 16 */
+    void* maximum;                  /* 17 */
+    const void* covStorage;         /* 20  integer: a matrix form, see below */
+    void* cov;                      /* 19  covariance matrix */
+    const void* corStorage;         /* 22  integer */
+    void* cor;                      /* 21  correlation matrix */
+    const void* cpStorage;          /* 75  integer */
+    void* cp;                       /* 74  cross-product matrix of the centred observations */
     const void* pooledGroupCount;   /* 28  integer */
     const void* pooledGroupIndices; /* 32  integer */
     void* pooledMean;               /* 33  data */
@@ -118,10 +118,10 @@ struct SSTask {
     void* missStorage;              /* 57  data */
     int32_t cleanupCount;           /*     how often `cleanup` is called when the task is deleted */
     void (*cleanup)(SSTask* task);
-    void* extraData;                /* 78  data */
-    const void* extraInt;           /* 79  integer */
-    void* ownedBuffer;              /*     the one block that the task owns */
-    int32_t ownedCount;             /*     the number of components it was made for */
+    void* extraData;      /* 78  data */
+    const void* extraInt; /* 79  integer */
+    void* ownedBuffer;    /*     the one block that the task owns */
+    int32_t ownedCount;   /*     the number of components it was made for */
     int32_t unused[8];
 };
 
@@ -256,10 +256,10 @@ enum {
  * Returns 0, or, in this order of checks: SSStatusP (p null or not above 0), SSStatusStorage (xStorage null),
  * SSStatusStorageValue (neither StorageRows nor StorageColumns), SSStatusN (n null or not above 0), and *task is untouched;
  * SSStatusAllocation, and *task is null. A null `task` returns SSStatusNullTask. */
-int32_t __kuzdSSNewTask(SSTask** task, const void* p, const void* n, const void* xStorage, const double* x, const double* w,
-                        const void* indices, int32_t wideInts);
-int32_t __kuzsSSNewTask(SSTask** task, const void* p, const void* n, const void* xStorage, const float* x, const float* w,
-                        const void* indices, int32_t wideInts);
+int32_t __kuzdSSNewTask(SSTask** task, const void* p, const void* n, const void* xStorage, const double* x,
+                        const double* w, const void* indices, int32_t wideInts);
+int32_t __kuzsSSNewTask(SSTask** task, const void* p, const void* n, const void* xStorage, const float* x,
+                        const float* w, const void* indices, int32_t wideInts);
 
 /* Gives back what the task owns, calls its clean-up function `cleanupCount` times, gives back the record and stores null in
  * *task. A null address, or a null task at it, is left alone. Returns 0. */
@@ -276,78 +276,85 @@ int32_t __kuziSSEditTask(SSTask* task, int64_t id, const void* value);
 
 /* The grouped editors store several pointers at once. A null argument leaves its field as it stands. Data pointers and
  * integer pointers are those of the fields of the same names. Return 0, or SSStatusNullTask for a null task. */
-#define SS_GROUPED_EDITOR(Name, parameters)         \
-    int32_t __kuzdSSEdit##Name parameters;          \
+#define ORV_SS_GROUPED_EDITOR(Name, parameters) \
+    int32_t __kuzdSSEdit##Name parameters;      \
     int32_t __kuzsSSEdit##Name parameters
 
-SS_GROUPED_EDITOR(Moments,
-                  (SSTask * task, const void* mean, const void* rawMoment2, const void* rawMoment3, const void* rawMoment4,
-                   const void* centralMoment2, const void* centralMoment3, const void* centralMoment4));
-SS_GROUPED_EDITOR(Sums, (SSTask * task, const void* sum, const void* rawSum2, const void* rawSum3, const void* rawSum4,
-                         const void* centralSum2, const void* centralSum3, const void* centralSum4));
-SS_GROUPED_EDITOR(CovCor, (SSTask * task, const void* mean, const void* cov, const void* covStorage, const void* cor,
-                           const void* corStorage));
-SS_GROUPED_EDITOR(CP, (SSTask * task, const void* mean, const void* sum, const void* cp, const void* cpStorage));
-SS_GROUPED_EDITOR(MtxParametrz, (SSTask * task, const void* cor, const void* corStorage, const void* corParamResult,
-                                 const void* corParamStorage));
-SS_GROUPED_EDITOR(OutDetect,
-                  (SSTask * task, const void* outlierParamCount, const void* outlierParams, const void* outlierWeights));
-SS_GROUPED_EDITOR(PooledCovariance,
-                  (SSTask * task, const void* pooledGroupCount, const void* pooledResultMean, const void* pooledResultCov,
-                   const void* pooledGroupIndices, const void* pooledMean, const void* pooledCov));
-SS_GROUPED_EDITOR(PartialCovCor,
-                  (SSTask * task, const void* partialCountA, const void* cov, const void* covStorage, const void* cor,
-                   const void* corStorage, const void* partialCov, const void* partialCovStorage, const void* partialCor,
-                   const void* partialCorStorage));
-SS_GROUPED_EDITOR(Quantiles, (SSTask * task, const void* quantOrderCount, const void* quantOrders, const void* quantiles,
-                              const void* orderStats, const void* orderStatsStorage));
-SS_GROUPED_EDITOR(StreamQuantiles,
-                  (SSTask * task, const void* streamOrderCount, const void* streamOrders, const void* streamQuantiles,
-                   const void* streamParamCount, const void* streamParams));
-SS_GROUPED_EDITOR(RCov, (SSTask * task, const void* robustMethod, const void* robustParamCount, const void* robustParams,
-                         const void* robustMean, const void* robustCov));
-SS_GROUPED_EDITOR(MissingVals,
-                  (SSTask * task, const void* missMethod, const void* missMatrix, const void* missCountA,
-                   const void* missMean, const void* missCountB, const void* missCov, const void* missCountC,
-                   const void* missCor, const void* missCountD, const void* missStorage));
-#undef SS_GROUPED_EDITOR
+ORV_SS_GROUPED_EDITOR(Moments, (SSTask * task, const void* mean, const void* rawMoment2, const void* rawMoment3,
+                                const void* rawMoment4, const void* centralMoment2, const void* centralMoment3,
+                                const void* centralMoment4));
+ORV_SS_GROUPED_EDITOR(Sums,
+                      (SSTask * task, const void* sum, const void* rawSum2, const void* rawSum3, const void* rawSum4,
+                       const void* centralSum2, const void* centralSum3, const void* centralSum4));
+ORV_SS_GROUPED_EDITOR(CovCor, (SSTask * task, const void* mean, const void* cov, const void* covStorage,
+                               const void* cor, const void* corStorage));
+ORV_SS_GROUPED_EDITOR(CP, (SSTask * task, const void* mean, const void* sum, const void* cp, const void* cpStorage));
+ORV_SS_GROUPED_EDITOR(MtxParametrz, (SSTask * task, const void* cor, const void* corStorage, const void* corParamResult,
+                                     const void* corParamStorage));
+ORV_SS_GROUPED_EDITOR(OutDetect, (SSTask * task, const void* outlierParamCount, const void* outlierParams,
+                                  const void* outlierWeights));
+ORV_SS_GROUPED_EDITOR(PooledCovariance, (SSTask * task, const void* pooledGroupCount, const void* pooledResultMean,
+                                         const void* pooledResultCov, const void* pooledGroupIndices,
+                                         const void* pooledMean, const void* pooledCov));
+ORV_SS_GROUPED_EDITOR(PartialCovCor,
+                      (SSTask * task, const void* partialCountA, const void* cov, const void* covStorage,
+                       const void* cor, const void* corStorage, const void* partialCov, const void* partialCovStorage,
+                       const void* partialCor, const void* partialCorStorage));
+ORV_SS_GROUPED_EDITOR(Quantiles, (SSTask * task, const void* quantOrderCount, const void* quantOrders,
+                                  const void* quantiles, const void* orderStats, const void* orderStatsStorage));
+ORV_SS_GROUPED_EDITOR(StreamQuantiles,
+                      (SSTask * task, const void* streamOrderCount, const void* streamOrders,
+                       const void* streamQuantiles, const void* streamParamCount, const void* streamParams));
+ORV_SS_GROUPED_EDITOR(RCov, (SSTask * task, const void* robustMethod, const void* robustParamCount,
+                             const void* robustParams, const void* robustMean, const void* robustCov));
+ORV_SS_GROUPED_EDITOR(MissingVals,
+                      (SSTask * task, const void* missMethod, const void* missMatrix, const void* missCountA,
+                       const void* missMean, const void* missCountB, const void* missCov, const void* missCountC,
+                       const void* missCor, const void* missCountD, const void* missStorage));
+#undef ORV_SS_GROUPED_EDITOR
 
 /* ---- Moments, sums and matrices --------------------------------------------------------------------------------- */
 
 /* Estimates, to be joined by "or". Each needs its field of the task, and the fields in brackets, which are then written too:
  * they hold what the next call on the next block continues from. With W the sum of the weights and W2 the sum of their
  * squares (n and n without weights), m the mean, f = 1 / (W - W2 / W), and sums over the observations: */
-#define SS_MEAN ((uint64_t)0x1)              /* m = sum w x / W */
-#define SS_RAW_MOMENT2 ((uint64_t)0x2)       /* sum w x^k / W */
-#define SS_RAW_MOMENT3 ((uint64_t)0x4)
-#define SS_RAW_MOMENT4 ((uint64_t)0x8)
-#define SS_CENTRAL_MOMENT2 ((uint64_t)0x10)  /* f sum w (x - m)^2, the unbiased variance    (mean, rawMoment2) */
-#define SS_CENTRAL_MOMENT3 ((uint64_t)0x20)  /* sum w (x - m)^3 / W                         (mean, rawMoment2 to 3) */
-#define SS_CENTRAL_MOMENT4 ((uint64_t)0x40)  /* sum w (x - m)^4 / W                         (mean, rawMoment2 to 4) */
-#define SS_KURTOSIS ((uint64_t)0x80)         /* centralMoment4 / centralMoment2^2 - 3       (mean, rawMoment2 to 4,
+#define ORV_SS_MEAN ((uint64_t)0x1)        /* m = sum w x / W */
+#define ORV_SS_RAW_MOMENT2 ((uint64_t)0x2) /* sum w x^k / W */
+#define ORV_SS_RAW_MOMENT3 ((uint64_t)0x4)
+#define ORV_SS_RAW_MOMENT4 ((uint64_t)0x8)
+#define ORV_SS_CENTRAL_MOMENT2 ((uint64_t)0x10) /* f sum w (x - m)^2, the unbiased variance    (mean, rawMoment2) */
+#define ORV_SS_CENTRAL_MOMENT3 \
+    ((uint64_t)0x20) /* sum w (x - m)^3 / W                         (mean, rawMoment2 to 3) */
+#define ORV_SS_CENTRAL_MOMENT4 \
+    ((uint64_t)0x40) /* sum w (x - m)^4 / W                         (mean, rawMoment2 to 4) */
+#define ORV_SS_KURTOSIS \
+    ((uint64_t)0x80) /* centralMoment4 / centralMoment2^2 - 3       (mean, rawMoment2 to 4,
                                                                                               centralMoment2 and 4) */
-#define SS_SKEWNESS ((uint64_t)0x100)        /* centralMoment3 / centralMoment2^(3/2)       (mean, rawMoment2 and 3,
+#define ORV_SS_SKEWNESS \
+    ((uint64_t)0x100) /* centralMoment3 / centralMoment2^(3/2)       (mean, rawMoment2 and 3,
                                                                                               centralMoment2 and 3) */
-#define SS_VARIATION ((uint64_t)0x200)       /* sqrt(centralMoment2) / m                    (mean, rawMoment2,
+#define ORV_SS_VARIATION \
+    ((uint64_t)0x200)                         /* sqrt(centralMoment2) / m                    (mean, rawMoment2,
                                                                                               centralMoment2) */
-#define SS_COV ((uint64_t)0x1000)            /* cp f                                        (mean) */
-#define SS_COR ((uint64_t)0x2000)            /* cp scaled to a unit diagonal                (mean) */
-#define SS_SUM ((uint64_t)0x2000000)         /* sum w x */
-#define SS_RAW_SUM2 ((uint64_t)0x4000000)    /* sum w x^k */
-#define SS_RAW_SUM3 ((uint64_t)0x8000000)
-#define SS_RAW_SUM4 ((uint64_t)0x10000000)
-#define SS_CENTRAL_SUM2 ((uint64_t)0x20000000) /* sum w (x - m)^k    (mean; with BasicFast rawMoment2 to k besides) */
-#define SS_CENTRAL_SUM3 ((uint64_t)0x40000000)
-#define SS_CENTRAL_SUM4 ((uint64_t)0x80000000)
-#define SS_CP ((uint64_t)0x100000000)        /* sum w (x - m)(x - m)'                       (mean) */
+#define ORV_SS_COV ((uint64_t)0x1000)         /* cp f                                        (mean) */
+#define ORV_SS_COR ((uint64_t)0x2000)         /* cp scaled to a unit diagonal                (mean) */
+#define ORV_SS_SUM ((uint64_t)0x2000000)      /* sum w x */
+#define ORV_SS_RAW_SUM2 ((uint64_t)0x4000000) /* sum w x^k */
+#define ORV_SS_RAW_SUM3 ((uint64_t)0x8000000)
+#define ORV_SS_RAW_SUM4 ((uint64_t)0x10000000)
+#define ORV_SS_CENTRAL_SUM2 \
+    ((uint64_t)0x20000000) /* sum w (x - m)^k    (mean; with BasicFast rawMoment2 to k besides) */
+#define ORV_SS_CENTRAL_SUM3 ((uint64_t)0x40000000)
+#define ORV_SS_CENTRAL_SUM4 ((uint64_t)0x80000000)
+#define ORV_SS_CP ((uint64_t)0x100000000) /* sum w (x - m)(x - m)'                       (mean) */
 
 /* Methods. Exactly one of the first three, or none of them and one or both of the last two. */
 enum {
-    BasicFast = 0x1,              /* plain sums of powers; the matrix by rank updates. Quickest. Central moments come from
+    BasicFast = 0x1,       /* plain sums of powers; the matrix by rank updates. Quickest. Central moments come from
                                      raw ones, so a mean that is large against the spread costs digits there (not in the
                                      matrices) */
-    BasicOnePass = 0x2,           /* moments and matrices about the running mean. Keeps its digits whatever the offset */
-    BasicUserMean = 0x100,        /* moments and matrices about the caller's mean, which is read and kept */
+    BasicOnePass = 0x2,    /* moments and matrices about the running mean. Keeps its digits whatever the offset */
+    BasicUserMean = 0x100, /* moments and matrices about the caller's mean, which is read and kept */
     BasicFromCrossProduct = 0x200, /* no pass over x: results from `sum`, `cp` and the other sums */
     BasicFromSums = 0x400          /* the same */
 };

@@ -100,7 +100,7 @@ struct Call {
     int32_t source;  // the matrix that carries the cross-product from call to call: cp, else cov, else cor
     double* home;    // where the cross-product accumulates
     PowerRows prior;
-    double* spare;   // two rows of p
+    double* spare;  // two rows of p
     Part<T>* parts;
     int32_t threads;
 

@@ -156,12 +156,12 @@ ORV_API int32_t __kuziSSEditTask(SSTask* task, int64_t id, const void* value) { 
 #define VALUES_10 VALUES_9, j
 
 // The number of arguments, and the ids of the fields that they go to, in order.
-#define GROUPED_EDITOR(Name, count, ...)                                          \
-    ORV_API int32_t __kuzdSSEdit##Name(SSTask* task, PARAMETERS_##count) {        \
-        return edit_group(task, {__VA_ARGS__}, {VALUES_##count});                 \
-    }                                                                             \
-    ORV_API int32_t __kuzsSSEdit##Name(SSTask* task, PARAMETERS_##count) {        \
-        return edit_group(task, {__VA_ARGS__}, {VALUES_##count});                 \
+#define GROUPED_EDITOR(Name, count, ...)                                   \
+    ORV_API int32_t __kuzdSSEdit##Name(SSTask* task, PARAMETERS_##count) { \
+        return edit_group(task, {__VA_ARGS__}, {VALUES_##count});          \
+    }                                                                      \
+    ORV_API int32_t __kuzsSSEdit##Name(SSTask* task, PARAMETERS_##count) { \
+        return edit_group(task, {__VA_ARGS__}, {VALUES_##count});          \
     }
 
 // clang-format off

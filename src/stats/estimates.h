@@ -13,6 +13,7 @@ struct Estimate {
     int32_t missing;  // status if the field is null
 };
 
+// clang-format off
 enum Array : int32_t {
     array_mean, array_raw2, array_raw3, array_raw4,
     array_central2, array_central3, array_central4,
@@ -24,9 +25,9 @@ enum Array : int32_t {
     array_count
 };
 
-#define ORV_ROW(name, field, order, status) {SS_##name, offsetof(SSTask, field), order, SSStatus##status}
+#define ORV_ROW(name, field, order, status) \
+    { ORV_SS_##name, offsetof(SSTask, field), order, SSStatus##status }
 
-// clang-format off
 inline constexpr Estimate estimates_table[array_count] = {
     ORV_ROW(MEAN,            mean,           1, Mean),
     ORV_ROW(RAW_MOMENT2,     rawMoment2,     2, RawMoment2),

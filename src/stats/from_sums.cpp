@@ -37,7 +37,8 @@ template <class T>
 int32_t matrices_from_cross_product(const Request& request, Weights weights) {
     const ptrdiff_t p = request.p;
     const size_t count = static_cast<size_t>(p) * p + p;
-    double* c = count < size_t{1} << 28 ? static_cast<double*>(orv_serv_allocate(count * sizeof(double), 128)) : nullptr;
+    double* c =
+        count < size_t{1} << 28 ? static_cast<double*>(orv_serv_allocate(count * sizeof(double), 128)) : nullptr;
     if (!c) return SSStatusAllocation;
     const Matrix<T> from = matrix_of<T>(request, array_cp);
     for (int32_t j = 0; j < request.p; ++j)

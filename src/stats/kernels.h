@@ -110,8 +110,8 @@ struct Steps {
 // Writes the block's deviations component by component, `stride` apart, to `out`: (x - shift) times `scale` (one factor for
 // each observation) if there is one. `shift` null means 0. An odd count is padded with a zero, so stride is even.
 template <class T, class U>
-void pack_rows(const T* x, Steps steps, int32_t components, int32_t count, const double* shift, const double* scale, U* out,
-               int32_t stride) {
+void pack_rows(const T* x, Steps steps, int32_t components, int32_t count, const double* shift, const double* scale,
+               U* out, int32_t stride) {
     for (int32_t j = 0; j < components; ++j) {
         const T* from = x + j * steps.by_component;
         U* to = out + ptrdiff_t{j} * stride;
@@ -223,7 +223,8 @@ template <bool weighted>
     int32_t j = 0;
     for (; j + 2 <= components; j += 2)
         for (int32_t i = 0; i <= j; i += 2)
-            cross_tile<2, 2, weighted>(component(i), component(j), stride, w, count, c + j * c_stride + i, c_stride, i == j);
+            cross_tile<2, 2, weighted>(component(i), component(j), stride, w, count, c + j * c_stride + i, c_stride,
+                                       i == j);
     if (j == components) return;
     int32_t i = 0;
     for (; i < j; i += 2)

@@ -8,9 +8,12 @@ namespace orv::stats {
 // Where element (i, j), i <= j, lies.
 inline ptrdiff_t element_at(Form form, ptrdiff_t i, ptrdiff_t j, ptrdiff_t p) {
     switch (form) {
-        case Form::packed_lower: return j * (j + 1) / 2 + i;
-        case Form::packed_upper: return i * (2 * p - i - 1) / 2 + j;
-        case Form::full: break;
+        case Form::packed_lower:
+            return j * (j + 1) / 2 + i;
+        case Form::packed_upper:
+            return i * (2 * p - i - 1) / 2 + j;
+        case Form::full:
+            break;
     }
     return j * p + i;
 }

@@ -14,9 +14,9 @@ struct Request {
     uint64_t method;  // BasicFast, BasicOnePass, BasicUserMean, or 0 for the methods without data
     int32_t order;    // highest moment needed, 1 to 4
     bool by_rows;
-    bool has_gaps;    // some component does not take part
+    bool has_gaps;  // some component does not take part
     int32_t p, n;
-    double count;     // n as a weight
+    double count;  // n as a weight
     Form cov_form, cor_form, cp_form;
 
     bool writes(int32_t array) const { return (arrays & bit(array)) != 0; }

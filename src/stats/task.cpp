@@ -1,7 +1,7 @@
 // Making and deleting a statistics task.
+#include "stats/task.h"
 #include "platform/export.h"
 #include "services/services.h"
-#include "stats/task.h"
 
 #include <string.h>
 

@@ -20,9 +20,9 @@
 namespace orv::stats {
 namespace {
 
-constexpr int32_t moment_block = 1024;       // observations; 8 KB of a column
-constexpr int32_t tile_components = 8;       // a cache line of each observation
-constexpr int32_t tile_observations = 256;   // 16 KB packed, half of the first-level cache
+constexpr int32_t moment_block = 1024;      // observations; 8 KB of a column
+constexpr int32_t tile_components = 8;      // a cache line of each observation
+constexpr int32_t tile_observations = 256;  // 16 KB packed, half of the first-level cache
 constexpr int32_t one_pass_bytes = 24 << 10;
 
 constexpr int32_t even(int32_t count) { return (count + 1) & ~1; }
@@ -100,8 +100,8 @@ void block_moments(const Part<T>& part, int32_t first, int32_t count) {
         double tile[tile_components * tile_observations];
         for (int32_t j = part.component_first; j < part.component_last; j += tile_components) {
             const int32_t width = least(tile_components, part.component_last - j);
-            pack_columns(element(part, steps, j, first), steps, width, count, shifted ? part.shift + j : nullptr, nullptr,
-                         tile, tile_observations);
+            pack_columns(element(part, steps, j, first), steps, width, count, shifted ? part.shift + j : nullptr,
+                         nullptr, tile, tile_observations);
             for (int32_t k = 0; k < width; ++k)
                 take(j + k, power_sums<order, weighted, false>(tile + k * tile_observations, w, count, 0));
         }
@@ -139,8 +139,7 @@ void move_cross(double* c, ptrdiff_t p, int32_t first, int32_t last, const doubl
         const __m128d ej = _mm_set1_pd(e[j]), gj = _mm_set1_pd(g[j]);
         int32_t i = first;
         for (; i + 2 <= j + 1; i += 2) {
-            const __m128d change =
-                _mm_add_pd(_mm_mul_pd(_mm_loadu_pd(e + i), gj), _mm_mul_pd(_mm_loadu_pd(g + i), ej));
+            const __m128d change = _mm_add_pd(_mm_mul_pd(_mm_loadu_pd(e + i), gj), _mm_mul_pd(_mm_loadu_pd(g + i), ej));
             _mm_storeu_pd(column + i, _mm_sub_pd(_mm_loadu_pd(column + i), change));
         }
         if (i <= j) column[i] -= e[i] * g[j] + g[i] * e[j];
@@ -174,8 +173,8 @@ void one_pass_with_cross(const Part<T>& part) {
             g[j] = a1 - 0.5 * part.weights[0] * e[j];
             store_powers(part, j, sums);
         }
-        cross_products<weighted>(packed, block, weights, even(count), to - from, part.cross + from * (ptrdiff_t{part.p} + 1),
-                                 part.p);
+        cross_products<weighted>(packed, block, weights, even(count), to - from,
+                                 part.cross + from * (ptrdiff_t{part.p} + 1), part.p);
         move_cross(part.cross, part.p, from, to, e, g);
     }
 }
@@ -280,8 +279,8 @@ constexpr Worker<T> worker_at() {
     if constexpr (index < fast_workers)
         return worker<T, BasicOnePass, (index >> 1 & 3) + 1, (index & 1) != 0, (index & 8) != 0, (index & 16) != 0>;
     else
-        return worker<T, index < user_mean_workers ? BasicFast : BasicUserMean, (index & 3) + 1, true, (index & 4) != 0,
-                      (index & 8) != 0>;
+        return worker < T, index < user_mean_workers ? BasicFast : BasicUserMean, (index & 3) + 1, true,
+               (index & 4) != 0, (index & 8) != 0 > ;
 }
 
 }  // namespace

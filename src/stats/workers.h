@@ -28,16 +28,16 @@ struct BlasNames<float> {
 // with BasicFast (null: 0) and BasicUserMean and follows the running mean with BasicOnePass.
 template <class T>
 struct Part {
-    int32_t first, last, n;                          // observations [first, last) of n
-    int32_t component_first, component_last, p;      // components [first, last) of p
+    int32_t first, last, n;                      // observations [first, last) of n
+    int32_t component_first, component_last, p;  // components [first, last) of p
     const T* x;
     const T* w;
     uint32_t reserved;
-    double* weights;                                 // W and W2
-    double* sums[4];                                 // sums of powers 1 to 4, p each
-    double* cross;                                   // p by p, upper triangle by columns; null: not wanted
+    double* weights;  // W and W2
+    double* sums[4];  // sums of powers 1 to 4, p each
+    double* cross;    // p by p, upper triangle by columns; null: not wanted
     double* shift;
-    void* scratch;                                   // cross_scratch_bytes
+    void* scratch;  // cross_scratch_bytes
     typename BlasNames<T>::Syr rank_1;
     typename BlasNames<T>::Syrk rank_k;
 };

@@ -28,8 +28,9 @@ void expect_by_definition(Problem<T>& problem, Tolerance tolerance, const std::s
             const Value& expected = reference.vectors[row][j];
             const bool central = (row >= 4 && row <= 9) || row >= 14;
             const double bound = (central ? tolerance.central : tolerance.vectors) * expected.scale;
-            ASSERT_LE(magnitude(Quad(got) - expected.value), bound) << what << ", id " << vector_ids[row] << ", component " << j
-                                                                  << ": " << got << " " << static_cast<double>(expected.value);
+            ASSERT_LE(magnitude(Quad(got) - expected.value), bound)
+                << what << ", id " << vector_ids[row] << ", component " << j << ": " << got << " "
+                << static_cast<double>(expected.value);
         }
     for (int32_t a = 0; a < problem.p; ++a)
         for (int32_t b = 0; b < problem.p; ++b) {
@@ -45,7 +46,8 @@ void expect_by_definition(Problem<T>& problem, Tolerance tolerance, const std::s
                                            magnitude(reference.cross[size_t(b) * (problem.p + 1)]));
             const double bound = tolerance.matrices;
             ASSERT_LE(magnitude(Quad(cp) - sum), bound * scale) << what << ", cp " << a << " " << b;
-            ASSERT_LE(magnitude(Quad(cov) - sum * reference.factor), bound * scale * factor) << what << ", cov " << a << " " << b;
+            ASSERT_LE(magnitude(Quad(cov) - sum * reference.factor), bound * scale * factor)
+                << what << ", cov " << a << " " << b;
             ASSERT_LE(magnitude(Quad(cor) - sum / Quad(scale)), bound) << what << ", cor " << a << " " << b;
         }
 }
@@ -53,7 +55,8 @@ void expect_by_definition(Problem<T>& problem, Tolerance tolerance, const std::s
 struct Size {
     int32_t p, n;
 };
-constexpr Size sizes[] = {{1, 2}, {1, 7}, {1, 10000}, {2, 3}, {3, 16}, {5, 100}, {5, 2049}, {8, 257}, {9, 1025}, {40, 65}};
+constexpr Size sizes[] = {{1, 2},   {1, 7},    {1, 10000}, {2, 3},    {3, 16},
+                          {5, 100}, {5, 2049}, {8, 257},   {9, 1025}, {40, 65}};
 
 template <class T>
 Tolerance tolerance_of(uint64_t method) {
@@ -93,8 +96,9 @@ TEST(Basic, FloatsByDefinition) { sweep<float>(); }
 
 // Every worker on its own: orders one by one, with and without a matrix, against the result of asking for everything.
 TEST(Basic, PartOfTheRequestGivesTheSame) {
-    const uint64_t requests[] = {SS_MEAN, SS_SUM, SS_RAW_MOMENT2, SS_CENTRAL_MOMENT2, SS_VARIATION, SS_SKEWNESS, SS_KURTOSIS,
-                                 SS_CENTRAL_SUM2, SS_CENTRAL_SUM3, SS_CENTRAL_SUM4, SS_RAW_SUM3, SS_CP};
+    const uint64_t requests[] = {ORV_SS_MEAN,         ORV_SS_SUM,          ORV_SS_RAW_MOMENT2, ORV_SS_CENTRAL_MOMENT2,
+                                 ORV_SS_VARIATION,    ORV_SS_SKEWNESS,     ORV_SS_KURTOSIS,    ORV_SS_CENTRAL_SUM2,
+                                 ORV_SS_CENTRAL_SUM3, ORV_SS_CENTRAL_SUM4, ORV_SS_RAW_SUM3,    ORV_SS_CP};
     for (const uint64_t method : {BasicFast, BasicOnePass, BasicUserMean})
         for (int variant = 0; variant < 4; ++variant) {
             Problem<double> whole(7, 300, variant & 1);
@@ -103,7 +107,7 @@ TEST(Basic, PartOfTheRequestGivesTheSame) {
             if (method == BasicUserMean) whole.mean_given.assign(7, 1.25);
             ASSERT_EQ(whole.run(everything, method), 0);
             for (const uint64_t request : requests)
-                for (const uint64_t matrix : {uint64_t{0}, uint64_t{SS_COR}, uint64_t{SS_COV}}) {
+                for (const uint64_t matrix : {uint64_t{0}, uint64_t{ORV_SS_COR}, uint64_t{ORV_SS_COV}}) {
                     Problem<double> part(7, 300, variant & 1);
                     part.x = whole.x, part.w = whole.w, part.mean_given = whole.mean_given;
                     ASSERT_EQ(part.run(request | matrix, method), 0);
@@ -112,13 +116,15 @@ TEST(Basic, PartOfTheRequestGivesTheSame) {
                         for (int32_t j = 0; j < 7; ++j) {
                             if (part.vectors[row][j] == part.untouched) continue;
                             ++touched;
-                            EXPECT_NEAR(part.vectors[row][j], whole.vectors[row][j], 1e-12 * std::fabs(whole.vectors[row][j]) + 1e-13)
+                            EXPECT_NEAR(part.vectors[row][j], whole.vectors[row][j],
+                                        1e-12 * std::fabs(whole.vectors[row][j]) + 1e-13)
                                 << method << " request " << request << " id " << vector_ids[row];
                         }
-                    EXPECT_GE(touched, request == SS_CP && method != BasicUserMean ? 7 : 0);
-                    const auto& matrix_got = matrix == SS_COR ? part.cor : part.cov;
-                    const auto& matrix_whole = matrix == SS_COR ? whole.cor : whole.cov;
-                    for (size_t k = 0; matrix && k < matrix_got.size(); ++k) EXPECT_NEAR(matrix_got[k], matrix_whole[k], 1e-12);
+                    EXPECT_GE(touched, request == ORV_SS_CP && method != BasicUserMean ? 7 : 0);
+                    const auto& matrix_got = matrix == ORV_SS_COR ? part.cor : part.cov;
+                    const auto& matrix_whole = matrix == ORV_SS_COR ? whole.cor : whole.cov;
+                    for (size_t k = 0; matrix && k < matrix_got.size(); ++k)
+                        EXPECT_NEAR(matrix_got[k], matrix_whole[k], 1e-12);
                 }
         }
 }
@@ -126,8 +132,13 @@ TEST(Basic, PartOfTheRequestGivesTheSame) {
 // Blocks of very different lengths, the first a single observation, continue one computation.
 TEST(Basic, SuccessiveCallsContinue) {
     constexpr int32_t p = 5, n = 1000;
-    const uint64_t requests[] = {everything, SS_COV | SS_COR | SS_KURTOSIS | SS_SKEWNESS | SS_VARIATION, SS_COR, SS_MEAN | SS_COV,
-                                 SS_CENTRAL_SUM2 | SS_CENTRAL_SUM3 | SS_CENTRAL_SUM4 | SS_SUM | SS_RAW_SUM3, SS_RAW_SUM2};
+    const uint64_t requests[] = {
+        everything,
+        ORV_SS_COV | ORV_SS_COR | ORV_SS_KURTOSIS | ORV_SS_SKEWNESS | ORV_SS_VARIATION,
+        ORV_SS_COR,
+        ORV_SS_MEAN | ORV_SS_COV,
+        ORV_SS_CENTRAL_SUM2 | ORV_SS_CENTRAL_SUM3 | ORV_SS_CENTRAL_SUM4 | ORV_SS_SUM | ORV_SS_RAW_SUM3,
+        ORV_SS_RAW_SUM2};
     for (const uint64_t method : {BasicFast, BasicOnePass, BasicUserMean})
         for (const uint64_t request : requests)
             for (int variant = 0; variant < 6; ++variant) {
@@ -155,7 +166,8 @@ TEST(Basic, SuccessiveCallsContinue) {
                 const double bound = method == BasicFast ? 1e-9 : 1e-11;
                 for (int row = 0; row < vector_count; ++row)
                     for (int32_t j = 0; j < p; ++j)
-                        EXPECT_NEAR(blocks.vectors[row][j], whole.vectors[row][j], bound * (1 + std::fabs(whole.vectors[row][j])))
+                        EXPECT_NEAR(blocks.vectors[row][j], whole.vectors[row][j],
+                                    bound * (1 + std::fabs(whole.vectors[row][j])))
                             << "method " << method << " request " << request << " id " << vector_ids[row];
                 for (size_t k = 0; k < whole.cov.size(); ++k) {
                     EXPECT_NEAR(blocks.cov[k], whole.cov[k], 1e-11) << method << " request " << request;
@@ -178,7 +190,8 @@ TEST(Basic, ThreadsAgreeUpToRounding) {
         for (int row = 0; row < 5; ++row)
             for (int32_t j = 0; j < 12; ++j)
                 EXPECT_NEAR(four.vectors[row][j], one.vectors[row][j], bound * std::fabs(one.vectors[row][j]));
-        for (size_t k = 0; k < one.cov.size(); ++k) EXPECT_NEAR(four.cov[k], one.cov[k], 1e-12 * (1 + std::fabs(one.cov[k])));
+        for (size_t k = 0; k < one.cov.size(); ++k)
+            EXPECT_NEAR(four.cov[k], one.cov[k], 1e-12 * (1 + std::fabs(one.cov[k])));
     }
 }
 
@@ -196,13 +209,15 @@ TEST(Basic, WithoutData) {
             std::copy(full.cp.begin(), full.cp.end(), sums.cp.begin());
             sums.weights = full.weights;
             if (!weighted) sums.task->accumWeight = nullptr;
-            const uint64_t request = all_moments | all_shapes | SS_COV | SS_COR;
+            const uint64_t request = all_moments | all_shapes | ORV_SS_COV | ORV_SS_COR;
             for (int row = 10; row < vector_count; ++row)
                 __kuzdSSEditTask(sums.task, vector_ids[row], sums.vectors[row].data());
             ASSERT_EQ(sums.run(request, method), 0);
             for (int row = 0; row < 10; ++row)
                 for (int32_t j = 0; j < 6; ++j)
-                    EXPECT_NEAR(sums.vectors[row][j], full.vectors[row][j], 1e-13 * (1 + std::fabs(full.vectors[row][j]))) << row;
+                    EXPECT_NEAR(sums.vectors[row][j], full.vectors[row][j],
+                                1e-13 * (1 + std::fabs(full.vectors[row][j])))
+                        << row;
             for (size_t k = 0; k < full.cov.size(); ++k) {
                 EXPECT_NEAR(sums.cov[k], full.cov[k], 1e-13);
                 EXPECT_NEAR(sums.cor[k], full.cor[k], 1e-13);

@@ -17,18 +17,31 @@ using Quad = __float128;
 
 inline double magnitude(Quad value) { return std::fabs(static_cast<double>(value)); }
 
-constexpr uint64_t all_moments = SS_MEAN | SS_RAW_MOMENT2 | SS_RAW_MOMENT3 | SS_RAW_MOMENT4 | SS_CENTRAL_MOMENT2 |
-                                 SS_CENTRAL_MOMENT3 | SS_CENTRAL_MOMENT4;
-constexpr uint64_t all_shapes = SS_KURTOSIS | SS_SKEWNESS | SS_VARIATION;
-constexpr uint64_t all_sums = SS_SUM | SS_RAW_SUM2 | SS_RAW_SUM3 | SS_RAW_SUM4 | SS_CENTRAL_SUM2 | SS_CENTRAL_SUM3 |
-                              SS_CENTRAL_SUM4;
-constexpr uint64_t all_matrices = SS_COV | SS_COR | SS_CP;
+constexpr uint64_t all_moments = ORV_SS_MEAN | ORV_SS_RAW_MOMENT2 | ORV_SS_RAW_MOMENT3 | ORV_SS_RAW_MOMENT4 |
+                                 ORV_SS_CENTRAL_MOMENT2 | ORV_SS_CENTRAL_MOMENT3 | ORV_SS_CENTRAL_MOMENT4;
+constexpr uint64_t all_shapes = ORV_SS_KURTOSIS | ORV_SS_SKEWNESS | ORV_SS_VARIATION;
+constexpr uint64_t all_sums = ORV_SS_SUM | ORV_SS_RAW_SUM2 | ORV_SS_RAW_SUM3 | ORV_SS_RAW_SUM4 | ORV_SS_CENTRAL_SUM2 |
+                              ORV_SS_CENTRAL_SUM3 | ORV_SS_CENTRAL_SUM4;
+constexpr uint64_t all_matrices = ORV_SS_COV | ORV_SS_COR | ORV_SS_CP;
 constexpr uint64_t everything = all_moments | all_shapes | all_sums | all_matrices;
 
 // The ids of the vector results in the order of Reference::vectors.
-constexpr int vector_ids[] = {SSIdMean,    SSIdRawMoment2,  SSIdRawMoment3,  SSIdRawMoment4,  SSIdCentralMoment2,
-                              SSIdCentralMoment3, SSIdCentralMoment4, SSIdKurtosis, SSIdSkewness, SSIdVariation, SSIdSum,
-                              SSIdRawSum2, SSIdRawSum3,     SSIdRawSum4,     SSIdCentralSum2, SSIdCentralSum3,
+constexpr int vector_ids[] = {SSIdMean,
+                              SSIdRawMoment2,
+                              SSIdRawMoment3,
+                              SSIdRawMoment4,
+                              SSIdCentralMoment2,
+                              SSIdCentralMoment3,
+                              SSIdCentralMoment4,
+                              SSIdKurtosis,
+                              SSIdSkewness,
+                              SSIdVariation,
+                              SSIdSum,
+                              SSIdRawSum2,
+                              SSIdRawSum3,
+                              SSIdRawSum4,
+                              SSIdCentralSum2,
+                              SSIdCentralSum3,
                               SSIdCentralSum4};
 constexpr int vector_count = 17;
 
@@ -58,8 +71,8 @@ struct Word {
 // The ready threads with a limit of the test's own.
 inline int32_t thread_limit = 1;
 inline const orv_services* limited_services() {
-    static const orv_services table = {orv_serv_services()->parallel_for, nullptr, orv_serv_services()->fan_out, nullptr,
-                                       [] { return thread_limit; }};
+    static const orv_services table = {orv_serv_services()->parallel_for, nullptr, orv_serv_services()->fan_out,
+                                       nullptr, [] { return thread_limit; }};
     return &table;
 }
 
@@ -78,7 +91,8 @@ struct Problem {
 
     static constexpr T untouched = -12345;
 
-    Problem(int32_t components, int32_t observations, bool rows = true, int form = SSMatrixFull, bool wide_integers = false)
+    Problem(int32_t components, int32_t observations, bool rows = true, int form = SSMatrixFull,
+            bool wide_integers = false)
         : p(components), n(observations), by_rows(rows), wide(wide_integers), matrix_form(form), x(size_t(p) * n) {}
     Problem(const Problem&) = delete;
     ~Problem() { __kuzSSDeleteTask(&task); }
@@ -98,7 +112,8 @@ struct Problem {
         for (int32_t i = 0; i < n; ++i) {
             const double shared = normal(generator);
             for (int32_t j = 0; j < p; ++j)
-                at(i, j) = static_cast<T>(offset + 0.25 * j + (1 + 0.1 * j) * (normal(generator) + 0.5 * shared * (j % 3)));
+                at(i, j) =
+                    static_cast<T>(offset + 0.25 * j + (1 + 0.1 * j) * (normal(generator) + 0.5 * shared * (j % 3)));
         }
     }
     void weigh(unsigned seed) {
@@ -125,7 +140,8 @@ struct Problem {
             matrix->assign(matrix_form == SSMatrixFull ? size_t(p) * p : size_t(p) * (p + 1) / 2, untouched);
             Entries<T>::edit(task, id, matrix->data());
         }
-        for (const int id : {SSIdCovStorage, SSIdCorStorage, SSIdCPStorage}) __kuziSSEditTask(task, id, matrix_word.at(wide));
+        for (const int id : {SSIdCovStorage, SSIdCorStorage, SSIdCPStorage})
+            __kuziSSEditTask(task, id, matrix_word.at(wide));
         return Entries<T>::edit(task, SSIdAccumWeight, weights.data());
     }
     int32_t run(uint64_t estimates, uint64_t method, int32_t threads = 1) {

@@ -32,7 +32,7 @@ TEST(HardData, SpeedOfLight) {
     for (const uint64_t method : {BasicFast, BasicOnePass}) {
         Problem<double> problem(1, 100);
         problem.x = speeds;
-        ASSERT_EQ(problem.run(SS_MEAN | SS_COV, method), 0);
+        ASSERT_EQ(problem.run(ORV_SS_MEAN | ORV_SS_COV, method), 0);
         EXPECT_GE(digits(problem.vectors[0][0], static_cast<Quad>(299.8524L)), 14.5) << method;
         EXPECT_GE(digits(std::sqrt(problem.cov[0]), static_cast<Quad>(0.0790105478190518L)), 13) << method;
     }
@@ -49,7 +49,7 @@ TEST(HardData, LargeOffsetSmallSpread) {
                 if (weighted) problem.weigh(3);
                 problem.weights = {0, 0};
                 __kuzSSDeleteTask(&problem.task);
-                ASSERT_EQ(problem.run(all_moments | SS_COV, BasicOnePass, 2), 0);
+                ASSERT_EQ(problem.run(all_moments | ORV_SS_COV, BasicOnePass, 2), 0);
                 Reference<double> reference(problem);
                 for (int32_t j = 0; j < 3; ++j) {
                     EXPECT_GE(digits(problem.vectors[0][j], reference.vectors[0][j].value), 15) << offset;
@@ -88,30 +88,30 @@ TEST(Status, MethodsAndMissingArrays) {
         std::vector<int> cleared;
         int32_t status;
     } cases[] = {
-        {SS_MEAN, 0, {}, SSStatusMethod},
-        {SS_MEAN, 3, {}, SSStatusMethod},
-        {SS_MEAN, 0x101, {}, SSStatusMethod},
-        {SS_MEAN, 0x103, {}, SSStatusMethod},
-        {SS_MEAN, 0x10, {}, SSStatusMethod},
-        {SS_SUM, BasicFromSums, {}, SSStatusMethod},
-        {SS_CP, BasicFromCrossProduct, {}, SSStatusMethod},
-        {SS_MEAN | SS_SUM, BasicFromSums, {SSIdSum}, SSStatusSum},
-        {SS_CENTRAL_MOMENT2, BasicFast, {SSIdMean}, SSStatusMean},
-        {SS_CENTRAL_MOMENT2, BasicFast, {SSIdMean, SSIdRawMoment2}, SSStatusMean},
-        {SS_CENTRAL_MOMENT2, BasicOnePass, {SSIdRawMoment2, SSIdCentralMoment2}, SSStatusRawMoment2},
-        {SS_KURTOSIS, BasicOnePass, {SSIdCentralMoment4}, SSStatusCentralMoment4},
-        {SS_KURTOSIS, BasicOnePass, {SSIdCentralMoment3, SSIdSkewness}, SSStatusOk},
-        {SS_CENTRAL_SUM3, BasicFast, {SSIdRawMoment3}, SSStatusRawMoment3},
-        {SS_CENTRAL_SUM3, BasicOnePass, {SSIdRawMoment3, SSIdRawMoment2}, SSStatusOk},
-        {SS_COR, BasicFast, {SSIdCor}, SSStatusCor},
-        {SS_COV, BasicFromSums, {SSIdCP}, SSStatusCP},
-        {SS_COV | SS_KURTOSIS, BasicUserMean, {SSIdKurtosis, SSIdCov}, SSStatusCov},
-        {SS_MEAN, BasicFast, {SSIdX}, SSStatusX},
-        {SS_MEAN, BasicFast, {SSIdN, SSIdX}, SSStatusN},
-        {SS_MEAN, BasicFast, {SSIdXStorage}, SSStatusStorage},
-        {SS_COV, BasicFast, {SSIdCovStorage}, SSStatusStorage},
-        {SS_MEAN, BasicFromSums, {SSIdN, SSIdAccumWeight}, SSStatusAccumWeight},
-        {SS_MEAN, BasicFromSums, {SSIdX, SSIdXStorage}, SSStatusOk},
+        {ORV_SS_MEAN, 0, {}, SSStatusMethod},
+        {ORV_SS_MEAN, 3, {}, SSStatusMethod},
+        {ORV_SS_MEAN, 0x101, {}, SSStatusMethod},
+        {ORV_SS_MEAN, 0x103, {}, SSStatusMethod},
+        {ORV_SS_MEAN, 0x10, {}, SSStatusMethod},
+        {ORV_SS_SUM, BasicFromSums, {}, SSStatusMethod},
+        {ORV_SS_CP, BasicFromCrossProduct, {}, SSStatusMethod},
+        {ORV_SS_MEAN | ORV_SS_SUM, BasicFromSums, {SSIdSum}, SSStatusSum},
+        {ORV_SS_CENTRAL_MOMENT2, BasicFast, {SSIdMean}, SSStatusMean},
+        {ORV_SS_CENTRAL_MOMENT2, BasicFast, {SSIdMean, SSIdRawMoment2}, SSStatusMean},
+        {ORV_SS_CENTRAL_MOMENT2, BasicOnePass, {SSIdRawMoment2, SSIdCentralMoment2}, SSStatusRawMoment2},
+        {ORV_SS_KURTOSIS, BasicOnePass, {SSIdCentralMoment4}, SSStatusCentralMoment4},
+        {ORV_SS_KURTOSIS, BasicOnePass, {SSIdCentralMoment3, SSIdSkewness}, SSStatusOk},
+        {ORV_SS_CENTRAL_SUM3, BasicFast, {SSIdRawMoment3}, SSStatusRawMoment3},
+        {ORV_SS_CENTRAL_SUM3, BasicOnePass, {SSIdRawMoment3, SSIdRawMoment2}, SSStatusOk},
+        {ORV_SS_COR, BasicFast, {SSIdCor}, SSStatusCor},
+        {ORV_SS_COV, BasicFromSums, {SSIdCP}, SSStatusCP},
+        {ORV_SS_COV | ORV_SS_KURTOSIS, BasicUserMean, {SSIdKurtosis, SSIdCov}, SSStatusCov},
+        {ORV_SS_MEAN, BasicFast, {SSIdX}, SSStatusX},
+        {ORV_SS_MEAN, BasicFast, {SSIdN, SSIdX}, SSStatusN},
+        {ORV_SS_MEAN, BasicFast, {SSIdXStorage}, SSStatusStorage},
+        {ORV_SS_COV, BasicFast, {SSIdCovStorage}, SSStatusStorage},
+        {ORV_SS_MEAN, BasicFromSums, {SSIdN, SSIdAccumWeight}, SSStatusAccumWeight},
+        {ORV_SS_MEAN, BasicFromSums, {SSIdX, SSIdXStorage}, SSStatusOk},
         {0, BasicFast, {}, SSStatusOk},
     };
     int index = 0;
@@ -126,16 +126,24 @@ TEST(Status, MethodsAndMissingArrays) {
                                                          {SSIdXStorage, &problem.task->xStorage},
                                                          {SSIdX, &problem.task->x},
                                                          {SSIdCovStorage, &problem.task->covStorage}};
-        const std::pair<int, void**> arrays[] = {
-            {SSIdMean, &problem.task->mean}, {SSIdRawMoment2, &problem.task->rawMoment2},
-            {SSIdRawMoment3, &problem.task->rawMoment3}, {SSIdCentralMoment2, &problem.task->centralMoment2},
-            {SSIdCentralMoment3, &problem.task->centralMoment3}, {SSIdCentralMoment4, &problem.task->centralMoment4},
-            {SSIdKurtosis, &problem.task->kurtosis}, {SSIdSkewness, &problem.task->skewness}, {SSIdCov, &problem.task->cov},
-            {SSIdCor, &problem.task->cor}, {SSIdCP, &problem.task->cp}, {SSIdSum, &problem.task->sum},
-            {SSIdAccumWeight, &problem.task->accumWeight}};
+        const std::pair<int, void**> arrays[] = {{SSIdMean, &problem.task->mean},
+                                                 {SSIdRawMoment2, &problem.task->rawMoment2},
+                                                 {SSIdRawMoment3, &problem.task->rawMoment3},
+                                                 {SSIdCentralMoment2, &problem.task->centralMoment2},
+                                                 {SSIdCentralMoment3, &problem.task->centralMoment3},
+                                                 {SSIdCentralMoment4, &problem.task->centralMoment4},
+                                                 {SSIdKurtosis, &problem.task->kurtosis},
+                                                 {SSIdSkewness, &problem.task->skewness},
+                                                 {SSIdCov, &problem.task->cov},
+                                                 {SSIdCor, &problem.task->cor},
+                                                 {SSIdCP, &problem.task->cp},
+                                                 {SSIdSum, &problem.task->sum},
+                                                 {SSIdAccumWeight, &problem.task->accumWeight}};
         for (const int id : c.cleared) {
-            for (const auto& [known, field] : integers) if (known == id) *field = nullptr;
-            for (const auto& [known, field] : arrays) if (known == id) *field = nullptr;
+            for (const auto& [known, field] : integers)
+                if (known == id) *field = nullptr;
+            for (const auto& [known, field] : arrays)
+                if (known == id) *field = nullptr;
         }
         EXPECT_EQ(problem.run(c.estimates, c.method), c.status) << "case " << index;
         EXPECT_TRUE(c.status == 0 || problem.vectors[0] == before) << "case " << index;
@@ -144,8 +152,8 @@ TEST(Status, MethodsAndMissingArrays) {
     Problem<double> problem(2, 40);
     ASSERT_EQ(problem.make(), 0);
     problem.form_word = 0x40000;
-    EXPECT_EQ(problem.run(SS_MEAN, BasicFast), SSStatusStorageValue);
-    EXPECT_EQ(_kuzdSSBasic(nullptr, SS_MEAN, BasicFast, nullptr), SSStatusNullTask);
+    EXPECT_EQ(problem.run(ORV_SS_MEAN, BasicFast), SSStatusStorageValue);
+    EXPECT_EQ(_kuzdSSBasic(nullptr, ORV_SS_MEAN, BasicFast, nullptr), SSStatusNullTask);
 }
 
 TEST(Status, EachAllocationMayFail) {
@@ -155,8 +163,8 @@ TEST(Status, EachAllocationMayFail) {
     } cases[] = {{everything, BasicFast, 2, 1},
                  {everything, BasicOnePass, 1, 1},
                  {everything, BasicUserMean, 2, 2},
-                 {SS_COR, BasicOnePass, 1, 2},
-                 {SS_COV, BasicFromSums, 1, 1}};
+                 {ORV_SS_COR, BasicOnePass, 1, 2},
+                 {ORV_SS_COV, BasicFromSums, 1, 1}};
     for (const auto& c : cases) {
         Problem<double> problem(20, 500, true, SSMatrixPackedLower);
         problem.fill(2);
@@ -238,12 +246,13 @@ TEST(OddData, NegativeWeightsSubtract) {
             problem.weigh(6);
             problem.w[at] = -0.5;
             if (method == BasicUserMean) problem.mean_given = {1, 2, 2, 2};
-            ASSERT_EQ(problem.run(SS_MEAN | SS_CP, method), 0);
+            ASSERT_EQ(problem.run(ORV_SS_MEAN | ORV_SS_CP, method), 0);
             Reference<double> reference(problem);
             for (int32_t a = 0; a < 4; ++a) {
                 EXPECT_NEAR(problem.vectors[0][a], static_cast<double>(reference.vectors[0][a].value), 1e-13);
                 for (int32_t b = 0; b < 4; ++b)
-                    EXPECT_NEAR(problem.element(problem.cp, a, b), static_cast<double>(reference.cross[size_t(a) * 4 + b]), 1e-10);
+                    EXPECT_NEAR(problem.element(problem.cp, a, b),
+                                static_cast<double>(reference.cross[size_t(a) * 4 + b]), 1e-10);
             }
         }
 }
@@ -271,9 +280,10 @@ TEST(OddData, UsersMeanIsCopiedAndKept) {
     Problem<float> problem(3, 100, false);
     problem.fill(7);
     problem.mean_given = {1, 2, 3};
-    ASSERT_EQ(problem.run(SS_CENTRAL_MOMENT2, BasicUserMean), 0);
+    ASSERT_EQ(problem.run(ORV_SS_CENTRAL_MOMENT2, BasicUserMean), 0);
     ASSERT_NE(problem.task->ownedBuffer, nullptr);
-    EXPECT_TRUE(std::equal(problem.mean_given.begin(), problem.mean_given.end(), static_cast<float*>(problem.task->ownedBuffer)));
+    EXPECT_TRUE(std::equal(problem.mean_given.begin(), problem.mean_given.end(),
+                           static_cast<float*>(problem.task->ownedBuffer)));
     EXPECT_EQ(problem.vectors[0], problem.mean_given);
 }
 

@@ -27,14 +27,10 @@ TEST(Task, CreationChecksInOrder) {
         const double* x;
         int32_t status;
     } cases[] = {
-        {nullptr, &one, &rows, x, SSStatusP},
-        {&zero, nullptr, nullptr, x, SSStatusP},
-        {&two, nullptr, nullptr, x, SSStatusStorage},
-        {&two, nullptr, &both, x, SSStatusStorageValue},
-        {&two, nullptr, &rows, x, SSStatusN},
-        {&two, &zero, &rows, x, SSStatusN},
-        {&two, &two, &rows, x, SSStatusOk},
-        {&two, nullptr, nullptr, nullptr, SSStatusOk},
+        {nullptr, &one, &rows, x, SSStatusP},         {&zero, nullptr, nullptr, x, SSStatusP},
+        {&two, nullptr, nullptr, x, SSStatusStorage}, {&two, nullptr, &both, x, SSStatusStorageValue},
+        {&two, nullptr, &rows, x, SSStatusN},         {&two, &zero, &rows, x, SSStatusN},
+        {&two, &two, &rows, x, SSStatusOk},           {&two, nullptr, nullptr, nullptr, SSStatusOk},
     };
     for (const auto& c : cases) {
         SSTask* const before = reinterpret_cast<SSTask*>(0x10);
@@ -48,7 +44,9 @@ TEST(Task, CreationChecksInOrder) {
     const int64_t wide_two = 2;
     SSTask* task = nullptr;
     EXPECT_EQ(__kuzdSSNewTask(&task, &wide_two, &wide_two, &above, x, nullptr, nullptr, 1), SSStatusStorageValue);
-    EXPECT_EQ(__kuzsSSNewTask(&task, &wide_two, &wide_two, &wide_rows, reinterpret_cast<const float*>(x), nullptr, &one, 7), 0);
+    EXPECT_EQ(
+        __kuzsSSNewTask(&task, &wide_two, &wide_two, &wide_rows, reinterpret_cast<const float*>(x), nullptr, &one, 7),
+        0);
     EXPECT_EQ(task->wideInts, 7);
     EXPECT_EQ(task->recordTag, 2);
     EXPECT_EQ(task->isDouble, 0);
@@ -93,7 +91,8 @@ TEST(Editors, EachIdStoresOneFieldThroughItsOwnEntry) {
         const void* other_entry_value = &value;
         const bool integer = integer_ids.count(id) != 0;
         EXPECT_EQ(integer ? __kuzdSSEditTask(f.task, id, &value) : __kuziSSEditTask(f.task, id, other_entry_value),
-                  SSStatusBadId) << id;
+                  SSStatusBadId)
+            << id;
         EXPECT_LT(integer ? __kuziSSEditTask(f.task, id, nullptr) : __kuzdSSEditTask(f.task, id, nullptr), -4000) << id;
         EXPECT_EQ(std::memcmp(&before, f.task, sizeof before), 0) << id;
         EXPECT_EQ(integer ? __kuziSSEditTask(f.task, id, &value) : __kuzdSSEditTask(f.task, id, &value), 0) << id;
@@ -134,8 +133,10 @@ TEST(Editors, StatusOfANullValue) {
                  {24, -4022}, {28, -4038}, {36, -4044}, {37, -4043}, {41, -4040}, {45, -4045}, {52, -4049}, {54, -4055},
                  {56, -4056}, {58, -4061}, {62, -4066}, {64, -4069}, {79, -4044}};
     for (const auto& c : cases)
-        EXPECT_EQ(integer_ids.count(c.id) ? __kuziSSEditTask(f.task, c.id, nullptr) : __kuzsSSEditTask(f.task, c.id, nullptr),
-                  c.status) << c.id;
+        EXPECT_EQ(
+            integer_ids.count(c.id) ? __kuziSSEditTask(f.task, c.id, nullptr) : __kuzsSSEditTask(f.task, c.id, nullptr),
+            c.status)
+            << c.id;
 }
 
 TEST(Editors, GroupsStoreTheirArgumentsInOrder) {
@@ -162,7 +163,8 @@ TEST(Editors, GroupsStoreTheirArgumentsInOrder) {
     __kuzdSSEditOutDetect(f.task, at(0), at(1), at(2));
     expect({t.outlierParamCount, t.outlierParams, t.outlierWeights});
     __kuzdSSEditPooledCovariance(f.task, at(0), at(1), at(2), at(3), at(4), at(5));
-    expect({t.pooledGroupCount, t.pooledResultMean, t.pooledResultCov, t.pooledGroupIndices, t.pooledMean, t.pooledCov});
+    expect(
+        {t.pooledGroupCount, t.pooledResultMean, t.pooledResultCov, t.pooledGroupIndices, t.pooledMean, t.pooledCov});
     __kuzdSSEditPartialCovCor(f.task, at(0), at(1), at(2), at(3), at(4), at(5), at(6), at(7), at(8));
     expect({t.partialCountA, t.cov, t.covStorage, t.cor, t.corStorage, t.partialCov, t.partialCovStorage, t.partialCor,
             t.partialCorStorage});
