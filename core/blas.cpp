@@ -41,14 +41,12 @@ struct Blas;
 
 template <>
 struct Blas<double> {
-    static constexpr auto syr = dsyr_;
     static constexpr auto syrk = dsyrk_;
     static constexpr auto gemm = dgemm_;
 };
 
 template <>
 struct Blas<float> {
-    static constexpr auto syr = ssyr_;
     static constexpr auto syrk = ssyrk_;
     static constexpr auto gemm = sgemm_;
 };

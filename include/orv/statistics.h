@@ -315,38 +315,44 @@ ORV_SS_GROUPED_EDITOR(MissingVals,
 
 /* ---- Moments, sums and matrices --------------------------------------------------------------------------------- */
 
-/* Estimates, to be joined by "or". Each needs its field of the task, and the fields in brackets, which are then written too:
- * they hold what the next call on the next block continues from. With W the sum of the weights and W2 the sum of their
- * squares (n and n without weights), m the mean, f = 1 / (W - W2 / W), and sums over the observations: */
-#define ORV_SS_MEAN ((uint64_t)0x1)        /* m = sum w x / W */
-#define ORV_SS_RAW_MOMENT2 ((uint64_t)0x2) /* sum w x^k / W */
+/* Estimates, to be joined by "or". Each needs its field of the task and the other fields named, which are then written
+ * too: they hold what the next call on the next block continues from. With W the sum of the weights and W2 the sum of
+ * their squares (n and n without weights), m the mean, f = 1 / (W - W2 / W), and sums over the observations:
+ *
+ *     MEAN              m = sum w x / W
+ *     RAW_MOMENT2 to 4  sum w x^k / W
+ *     CENTRAL_MOMENT2   f sum w (x - m)^2, the unbiased variance   mean, rawMoment2
+ *     CENTRAL_MOMENT3   sum w (x - m)^3 / W                        mean, rawMoment2 and 3
+ *     CENTRAL_MOMENT4   sum w (x - m)^4 / W                        mean, rawMoment2 to 4
+ *     KURTOSIS          centralMoment4 / centralMoment2^2 - 3      mean, rawMoment2 to 4, centralMoment2 and 4
+ *     SKEWNESS          centralMoment3 / centralMoment2^(3/2)      mean, rawMoment2 and 3, centralMoment2 and 3
+ *     VARIATION         sqrt(centralMoment2) / m                   mean, rawMoment2, centralMoment2
+ *     COV               f CP                                       mean
+ *     COR               CP scaled to a unit diagonal               mean
+ *     SUM               sum w x
+ *     RAW_SUM2 to 4     sum w x^k
+ *     CENTRAL_SUM2 to 4 sum w (x - m)^k                            mean; with BasicFast rawMoment2 to k besides
+ *     CP                sum w (x - m)(x - m)', a matrix            mean */
+#define ORV_SS_MEAN ((uint64_t)0x1)
+#define ORV_SS_RAW_MOMENT2 ((uint64_t)0x2)
 #define ORV_SS_RAW_MOMENT3 ((uint64_t)0x4)
 #define ORV_SS_RAW_MOMENT4 ((uint64_t)0x8)
-#define ORV_SS_CENTRAL_MOMENT2 ((uint64_t)0x10) /* f sum w (x - m)^2, the unbiased variance    (mean, rawMoment2) */
-#define ORV_SS_CENTRAL_MOMENT3 \
-    ((uint64_t)0x20) /* sum w (x - m)^3 / W                         (mean, rawMoment2 to 3) */
-#define ORV_SS_CENTRAL_MOMENT4 \
-    ((uint64_t)0x40) /* sum w (x - m)^4 / W                         (mean, rawMoment2 to 4) */
-#define ORV_SS_KURTOSIS \
-    ((uint64_t)0x80) /* centralMoment4 / centralMoment2^2 - 3       (mean, rawMoment2 to 4,
-                                                                                              centralMoment2 and 4) */
-#define ORV_SS_SKEWNESS \
-    ((uint64_t)0x100) /* centralMoment3 / centralMoment2^(3/2)       (mean, rawMoment2 and 3,
-                                                                                              centralMoment2 and 3) */
-#define ORV_SS_VARIATION \
-    ((uint64_t)0x200)                         /* sqrt(centralMoment2) / m                    (mean, rawMoment2,
-                                                                                              centralMoment2) */
-#define ORV_SS_COV ((uint64_t)0x1000)         /* cp f                                        (mean) */
-#define ORV_SS_COR ((uint64_t)0x2000)         /* cp scaled to a unit diagonal                (mean) */
-#define ORV_SS_SUM ((uint64_t)0x2000000)      /* sum w x */
-#define ORV_SS_RAW_SUM2 ((uint64_t)0x4000000) /* sum w x^k */
+#define ORV_SS_CENTRAL_MOMENT2 ((uint64_t)0x10)
+#define ORV_SS_CENTRAL_MOMENT3 ((uint64_t)0x20)
+#define ORV_SS_CENTRAL_MOMENT4 ((uint64_t)0x40)
+#define ORV_SS_KURTOSIS ((uint64_t)0x80)
+#define ORV_SS_SKEWNESS ((uint64_t)0x100)
+#define ORV_SS_VARIATION ((uint64_t)0x200)
+#define ORV_SS_COV ((uint64_t)0x1000)
+#define ORV_SS_COR ((uint64_t)0x2000)
+#define ORV_SS_SUM ((uint64_t)0x2000000)
+#define ORV_SS_RAW_SUM2 ((uint64_t)0x4000000)
 #define ORV_SS_RAW_SUM3 ((uint64_t)0x8000000)
 #define ORV_SS_RAW_SUM4 ((uint64_t)0x10000000)
-#define ORV_SS_CENTRAL_SUM2 \
-    ((uint64_t)0x20000000) /* sum w (x - m)^k    (mean; with BasicFast rawMoment2 to k besides) */
+#define ORV_SS_CENTRAL_SUM2 ((uint64_t)0x20000000)
 #define ORV_SS_CENTRAL_SUM3 ((uint64_t)0x40000000)
 #define ORV_SS_CENTRAL_SUM4 ((uint64_t)0x80000000)
-#define ORV_SS_CP ((uint64_t)0x100000000) /* sum w (x - m)(x - m)'                       (mean) */
+#define ORV_SS_CP ((uint64_t)0x100000000)
 
 /* Methods. Exactly one of the first three, or none of them and one or both of the last two. */
 enum {
