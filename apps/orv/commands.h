@@ -8,5 +8,6 @@ namespace orv::command {
 
 void add_info(CLI::App& app, int& status);
 void add_math(CLI::App& app, int& status);
+void add_stats(CLI::App& app, int& status);
 
 }  // namespace orv::command

@@ -12,6 +12,7 @@ int run(int argc, char** argv) {
     app.require_subcommand(1);
     orv::command::add_info(app, status);
     orv::command::add_math(app, status);
+    orv::command::add_stats(app, status);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& help) {

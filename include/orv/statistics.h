@@ -276,42 +276,41 @@ int32_t __kuziSSEditTask(SSTask* task, int64_t id, const void* value);
 
 /* The grouped editors store several pointers at once. A null argument leaves its field as it stands. Data pointers and
  * integer pointers are those of the fields of the same names. Return 0, or SSStatusNullTask for a null task. */
-#define ORV_SS_GROUPED_EDITOR(Name, parameters) \
-    int32_t __kuzdSSEdit##Name parameters;      \
+#define SS_GROUPED_EDITOR(Name, parameters) \
+    int32_t __kuzdSSEdit##Name parameters;  \
     int32_t __kuzsSSEdit##Name parameters
 
-ORV_SS_GROUPED_EDITOR(Moments, (SSTask * task, const void* mean, const void* rawMoment2, const void* rawMoment3,
-                                const void* rawMoment4, const void* centralMoment2, const void* centralMoment3,
-                                const void* centralMoment4));
-ORV_SS_GROUPED_EDITOR(Sums,
-                      (SSTask * task, const void* sum, const void* rawSum2, const void* rawSum3, const void* rawSum4,
-                       const void* centralSum2, const void* centralSum3, const void* centralSum4));
-ORV_SS_GROUPED_EDITOR(CovCor, (SSTask * task, const void* mean, const void* cov, const void* covStorage,
-                               const void* cor, const void* corStorage));
-ORV_SS_GROUPED_EDITOR(CP, (SSTask * task, const void* mean, const void* sum, const void* cp, const void* cpStorage));
-ORV_SS_GROUPED_EDITOR(MtxParametrz, (SSTask * task, const void* cor, const void* corStorage, const void* corParamResult,
-                                     const void* corParamStorage));
-ORV_SS_GROUPED_EDITOR(OutDetect, (SSTask * task, const void* outlierParamCount, const void* outlierParams,
-                                  const void* outlierWeights));
-ORV_SS_GROUPED_EDITOR(PooledCovariance, (SSTask * task, const void* pooledGroupCount, const void* pooledResultMean,
-                                         const void* pooledResultCov, const void* pooledGroupIndices,
-                                         const void* pooledMean, const void* pooledCov));
-ORV_SS_GROUPED_EDITOR(PartialCovCor,
-                      (SSTask * task, const void* partialCountA, const void* cov, const void* covStorage,
-                       const void* cor, const void* corStorage, const void* partialCov, const void* partialCovStorage,
-                       const void* partialCor, const void* partialCorStorage));
-ORV_SS_GROUPED_EDITOR(Quantiles, (SSTask * task, const void* quantOrderCount, const void* quantOrders,
-                                  const void* quantiles, const void* orderStats, const void* orderStatsStorage));
-ORV_SS_GROUPED_EDITOR(StreamQuantiles,
-                      (SSTask * task, const void* streamOrderCount, const void* streamOrders,
-                       const void* streamQuantiles, const void* streamParamCount, const void* streamParams));
-ORV_SS_GROUPED_EDITOR(RCov, (SSTask * task, const void* robustMethod, const void* robustParamCount,
-                             const void* robustParams, const void* robustMean, const void* robustCov));
-ORV_SS_GROUPED_EDITOR(MissingVals,
-                      (SSTask * task, const void* missMethod, const void* missMatrix, const void* missCountA,
-                       const void* missMean, const void* missCountB, const void* missCov, const void* missCountC,
-                       const void* missCor, const void* missCountD, const void* missStorage));
-#undef ORV_SS_GROUPED_EDITOR
+SS_GROUPED_EDITOR(Moments, (SSTask * task, const void* mean, const void* rawMoment2, const void* rawMoment3,
+                            const void* rawMoment4, const void* centralMoment2, const void* centralMoment3,
+                            const void* centralMoment4));
+SS_GROUPED_EDITOR(Sums, (SSTask * task, const void* sum, const void* rawSum2, const void* rawSum3, const void* rawSum4,
+                         const void* centralSum2, const void* centralSum3, const void* centralSum4));
+SS_GROUPED_EDITOR(CovCor, (SSTask * task, const void* mean, const void* cov, const void* covStorage, const void* cor,
+                           const void* corStorage));
+SS_GROUPED_EDITOR(CP, (SSTask * task, const void* mean, const void* sum, const void* cp, const void* cpStorage));
+SS_GROUPED_EDITOR(MtxParametrz, (SSTask * task, const void* cor, const void* corStorage, const void* corParamResult,
+                                 const void* corParamStorage));
+SS_GROUPED_EDITOR(OutDetect, (SSTask * task, const void* outlierParamCount, const void* outlierParams,
+                              const void* outlierWeights));
+SS_GROUPED_EDITOR(PooledCovariance, (SSTask * task, const void* pooledGroupCount, const void* pooledResultMean,
+                                     const void* pooledResultCov, const void* pooledGroupIndices,
+                                     const void* pooledMean, const void* pooledCov));
+SS_GROUPED_EDITOR(PartialCovCor,
+                  (SSTask * task, const void* partialCountA, const void* cov, const void* covStorage, const void* cor,
+                   const void* corStorage, const void* partialCov, const void* partialCovStorage,
+                   const void* partialCor, const void* partialCorStorage));
+SS_GROUPED_EDITOR(Quantiles, (SSTask * task, const void* quantOrderCount, const void* quantOrders,
+                              const void* quantiles, const void* orderStats, const void* orderStatsStorage));
+SS_GROUPED_EDITOR(StreamQuantiles,
+                  (SSTask * task, const void* streamOrderCount, const void* streamOrders, const void* streamQuantiles,
+                   const void* streamParamCount, const void* streamParams));
+SS_GROUPED_EDITOR(RCov, (SSTask * task, const void* robustMethod, const void* robustParamCount,
+                         const void* robustParams, const void* robustMean, const void* robustCov));
+SS_GROUPED_EDITOR(MissingVals,
+                  (SSTask * task, const void* missMethod, const void* missMatrix, const void* missCountA,
+                   const void* missMean, const void* missCountB, const void* missCov, const void* missCountC,
+                   const void* missCor, const void* missCountD, const void* missStorage));
+#undef SS_GROUPED_EDITOR
 
 /* ---- Moments, sums and matrices --------------------------------------------------------------------------------- */
 

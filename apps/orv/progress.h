@@ -1,0 +1,21 @@
+// How far a long run has come, on standard error.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+
+namespace orv::command {
+
+struct Progress {
+    int64_t total;     // bytes; 0 when not known
+    bool terminal;     // one line that is written over, else a line now and then
+    int32_t told = 0;  // lines so far
+    std::chrono::steady_clock::time_point start, last;
+};
+
+Progress start_progress(const std::string& file);
+void tell_progress(Progress& progress, int64_t bytes, int64_t rows);
+void end_progress(Progress& progress);
+
+}  // namespace orv::command
