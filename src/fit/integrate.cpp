@@ -146,8 +146,8 @@ int32_t integrate(const DFTask* task, int64_t limitCount, const T* left, int64_t
 
     Integration<T> job;
     const bool both_ascend = leftHint != ORV_DF_SITES_NO_HINT && rightHint != ORV_DF_SITES_NO_HINT;
-    const bool ascending = both_ascend && (leftHint == ORV_DF_SITES_SORTED || left[0] <= left[1]) &&
-                           (rightHint == ORV_DF_SITES_SORTED || right[0] <= right[1]);
+    const bool ascending = both_ascend && (leftHint == ORV_DF_SITES_SORTED || limitCount < 2 || left[0] <= left[1]) &&
+                           (rightHint == ORV_DF_SITES_SORTED || limitCount < 2 || right[0] <= right[1]);
     plan_search<T>(*task, ascending ? ORV_DF_SITES_SORTED : ORV_DF_SITES_NO_HINT, nullptr, nullptr, nullptr, job.plan);
     job.pieces = {job.plan.partition, kind == quadratic_with_knots ? static_cast<const T*>(task->icData) : nullptr,
                   task->breakHint == ORV_DF_BREAKS_UNIFORM};

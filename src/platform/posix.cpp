@@ -1,6 +1,8 @@
 // The platform contracts on POSIX systems.
-#include "platform/platform.h"
+#include "platform/library_events.h"
 #include "platform/stdio_file.h"
+
+#include "services/services.h"
 
 #include <dlfcn.h>
 #include <pthread.h>
@@ -78,9 +80,7 @@ void heap_free(Heap* heap, void* bytes) {
 
 void touch_standard_error() {}
 
-ErrnoAddress find_errno_address() {
-    return reinterpret_cast<ErrnoAddress>(dlsym(RTLD_DEFAULT, "__errno_location"));
-}
+ErrnoAddress find_errno_address() { return reinterpret_cast<ErrnoAddress>(dlsym(RTLD_DEFAULT, "__errno_location")); }
 
 int64_t file_remaining(File* file) {
     struct stat status;
@@ -90,3 +90,24 @@ int64_t file_remaining(File* file) {
 }
 
 }  // namespace orv::platform
+
+namespace {
+
+// Handlers of atexit run before any library is finalised when the process ends, but after this library's destructors
+// when dlclose takes it away: so the flag is set at a destructor exactly where the whole process ends.
+bool process_ends = false;
+
+void note_process_end() { process_ends = true; }
+
+[[gnu::constructor]] void at_load() {
+    // A constructor has no way to refuse the load, so the process ends with the status that a thread's first call gives.
+    constexpr int32_t exit_not_loaded = 3;
+    if (!orv_library_event(orv_event_process_attach, nullptr)) orv_serv_exit(exit_not_loaded);
+    atexit(note_process_end);
+}
+
+[[gnu::destructor]] void at_unload() {
+    orv_library_event(orv_event_process_detach, process_ends ? &process_ends : nullptr);
+}
+
+}  // namespace

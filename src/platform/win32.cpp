@@ -1,5 +1,5 @@
 // The platform contracts on Windows: the KERNEL32 calls themselves.
-#include "platform/platform.h"
+#include "platform/library_events.h"
 #include "platform/stdio_file.h"
 
 #include <io.h>
@@ -51,3 +51,6 @@ int64_t file_remaining(File* file) {
 }
 
 }  // namespace orv::platform
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID reserved);
+extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID reserved) { return orv_library_event(reason, reserved); }

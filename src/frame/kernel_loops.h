@@ -1,0 +1,182 @@
+// The loops of all kernels of one input and one output.
+//
+// A kernel is a record of static members:
+//
+//   Element, Result    types of an element and of its result
+//   Frame              its floating-point frame (frame/fp_frame.h)
+//   block              elements computed together; their results are stored together
+//   tail               what happens to the elements after the last whole block
+//   lanes(x)           from lanes to lanes, where the vector path serves every value; or
+//   lanes(x, frame)    the same where the frame gathers something on the way; or
+//   lanes(x, doubt)    with a mask of the lanes that the vector path does not serve
+//   name, scalar(x, y) with such a mask: the name that reports carry, and one element's result, returning its status
+//
+// and ORV_ONE_INPUT makes the dense and the strided kernel from it.
+#pragma once
+
+#include "frame/error_report.h"
+#include "frame/fp_frame.h"
+#include "simd/lanes.h"
+
+namespace orv::frame {
+
+enum class Tail {
+    by_element,  // one after another
+    padded,      // one whole block, filled up with the first remaining element
+    masked,      // groups of one register, filled up with a harmless value
+};
+
+// An array as a kernel sees it. The two forms of a kernel differ in nothing else.
+template <class T>
+struct Dense {
+    T* start;
+    static constexpr int32_t increment = 1;
+
+    T* at(int32_t i) const { return start + i; }
+    auto load(int32_t i) const { return simd::load(at(i)); }
+    template <class V>
+    void store(int32_t i, V v) const {
+        simd::store(at(i), v);
+    }
+};
+
+template <class T>
+struct Strided {
+    T* start;
+    int32_t increment;
+
+    T* at(int32_t i) const { return start + static_cast<ptrdiff_t>(i) * increment; }
+    auto load(int32_t i) const { return simd::load_strided(at(i), increment); }
+    template <class V>
+    void store(int32_t i, V v) const {
+        simd::store_strided(at(i), increment, v);
+    }
+};
+
+// The fill of absent lanes: in every function's domain, nowhere special.
+inline constexpr float harmless = 0.75f;
+
+template <class Kernel>
+concept Doubtful = requires { Kernel::name; };
+
+// The lanes of a kernel that serves every value.
+template <class Kernel, class V>
+inline auto sure_lanes(V x, typename Kernel::Frame& frame) {
+    if constexpr (requires { Kernel::lanes(x, frame); })
+        return Kernel::lanes(x, frame);
+    else
+        return Kernel::lanes(x);
+}
+
+// A block with lanes that the vector path does not serve goes through buffers, as does a part of a block. The doubted lanes
+// are settled from lane 0 up. A reported element is in its place in `y` before the reporter runs, which may change it
+// there; the block is stored at the end. Nothing outside the arrays is touched.
+template <class Kernel, class In, class Out>
+[[gnu::noinline, gnu::cold]] void map_buffered(int32_t i, int32_t count, In a, Out y) {
+    using Element = typename Kernel::Element;
+    using V = typename simd::Lanes<Element>::V;
+    constexpr int width = simd::Lanes<Element>::width;
+    alignas(16) Element x[Kernel::block];
+    alignas(16) typename Kernel::Result r[Kernel::block];
+    for (int32_t lane = 0; lane < Kernel::block; ++lane) x[lane] = lane < count ? *a.at(i + lane) : Element{harmless};
+    for (int32_t k = 0; k < count; k += width) {
+        V doubt;
+        simd::store(r + k, Kernel::lanes(simd::load(x + k), doubt));
+        const unsigned bits = simd::lane_bits(doubt);
+        for (int32_t lane = k; lane < k + width && lane < count; ++lane) {
+            if (!(bits >> (lane - k) & 1)) continue;
+            const int32_t status = Kernel::scalar(&x[lane], &r[lane]);
+            if (status == status_ok) continue;
+            *y.at(i + lane) = r[lane];
+            report_error(status, i + lane, a.start, a.increment, a.start, a.increment, y.start, y.increment, y.start,
+                         y.increment, Kernel::name);
+            r[lane] = *y.at(i + lane);
+        }
+    }
+    for (int32_t lane = 0; lane < count; ++lane) *y.at(i + lane) = r[lane];
+}
+
+// `Registers` whole registers from element i on.
+template <class Kernel, int Registers, class In, class Out>
+inline void map_registers(int32_t i, In a, Out y, [[maybe_unused]] typename Kernel::Frame& frame) {
+    constexpr int width = simd::Lanes<typename Kernel::Element>::width;
+    using V = typename simd::Lanes<typename Kernel::Element>::V;
+    V r[Registers];
+    if constexpr (Doubtful<Kernel>) {
+        V any;
+#pragma GCC unroll 16
+        for (int k = 0; k < Registers; ++k) {
+            V doubt;
+            r[k] = Kernel::lanes(a.load(i + k * width), doubt);
+            any = k == 0 ? doubt : simd::bit_or(any, doubt);
+        }
+        if (simd::lane_bits(any) != 0) [[unlikely]]
+            return map_buffered<Kernel>(i, Registers * width, a, y);
+    } else {
+#pragma GCC unroll 16
+        for (int k = 0; k < Registers; ++k) r[k] = sure_lanes<Kernel>(a.load(i + k * width), frame);
+    }
+#pragma GCC unroll 16
+    for (int k = 0; k < Registers; ++k) y.store(i + k * width, r[k]);
+}
+
+// Fewer elements than a register holds, the absent lanes filled.
+template <class Kernel, class In, class Out>
+inline void map_group(int32_t i, int32_t count, In a, Out y, [[maybe_unused]] typename Kernel::Frame& frame) {
+    using Scalar = typename simd::Lanes<typename Kernel::Element>::Scalar;
+    using V = typename simd::Lanes<typename Kernel::Element>::V;
+    const V x = simd::load_part(a.at(i), a.increment, count, Scalar{harmless});
+    if constexpr (Doubtful<Kernel>) {
+        V doubt;
+        const V r = Kernel::lanes(x, doubt);
+        if (simd::lane_bits(doubt) != 0) [[unlikely]]
+            return map_buffered<Kernel>(i, count, a, y);
+        simd::store_part(y.at(i), y.increment, count, r);
+    } else {
+        simd::store_part(y.at(i), y.increment, count, sure_lanes<Kernel>(x, frame));
+    }
+}
+
+// Fewer elements than a block holds, in a block filled up with the first of them: what it raises has been raised.
+template <class Kernel, class In, class Out>
+inline void map_padded(int32_t i, int32_t count, In a, Out y) {
+    constexpr int width = simd::Lanes<typename Kernel::Element>::width;
+    alignas(16) typename Kernel::Element x[Kernel::block];
+    alignas(16) typename Kernel::Result r[Kernel::block];
+    for (int32_t lane = 0; lane < Kernel::block; ++lane) x[lane] = *a.at(i + (lane < count ? lane : 0));
+    for (int k = 0; k < Kernel::block; k += width) simd::store(r + k, Kernel::lanes(simd::load(x + k)));
+    for (int32_t lane = 0; lane < count; ++lane) *y.at(i + lane) = r[lane];
+}
+
+template <class Kernel, class In, class Out>
+inline void map(int32_t n, In a, Out y) {
+    using Element = typename Kernel::Element;
+    constexpr int width = simd::Lanes<Element>::width;
+    constexpr int registers = Kernel::block / width;
+    typename Kernel::Frame frame;
+
+    int32_t i = 0;
+    for (; i <= n - Kernel::block; i += Kernel::block) map_registers<Kernel, registers>(i, a, y, frame);
+
+    if constexpr (Kernel::tail == Tail::by_element) {
+        for (; i < n; ++i) simd::store_one(y.at(i), sure_lanes<Kernel>(simd::load_one(a.at(i)), frame));
+    } else if constexpr (Kernel::tail == Tail::padded) {
+        if (i < n) map_padded<Kernel>(i, n - i, a, y);
+    } else {
+        for (; i <= n - width; i += width) map_registers<Kernel, 1>(i, a, y, frame);
+        if (i < n) map_group<Kernel>(i, n - i, a, y, frame);
+    }
+}
+
+}  // namespace orv::frame
+
+// Defines orv_kernel_<row>_<accuracy> and orv_kernel_<row>I_<accuracy>. `accuracy` is the first that the kernel serves.
+#define ORV_ONE_INPUT(row, accuracy, Kernel)                                                                            \
+    extern "C" void orv_kernel_##row##_##accuracy(int32_t n, const Kernel::Element* a, Kernel::Result* y) {             \
+        orv::frame::map<Kernel>(n, orv::frame::Dense<const Kernel::Element>{a}, orv::frame::Dense<Kernel::Result>{y});   \
+    }                                                                                                                   \
+    extern "C" void orv_kernel_##row##I_##accuracy(int32_t n, const Kernel::Element* a, int32_t inca, Kernel::Result* y, \
+                                                   int32_t incy) {                                                      \
+        orv::frame::map<Kernel>(n, orv::frame::Strided<const Kernel::Element>{a, inca},                                  \
+                                orv::frame::Strided<Kernel::Result>{y, incy});                                          \
+    }

@@ -1,0 +1,275 @@
+// The row list: every function of the vector math family, in the order of the exported tables.
+//
+// This header is read by the C++ compiler, the assembler, the header writer and the tests, so it holds macros and nothing
+// else. A consumer hands a macro of its own to ORV_MATH_ROWS and ORV_MOVE_ROWS, which call it once a row:
+//
+//   ROW(mark, type, function, shape, sharing, cost)
+//
+//   mark      HERE, or LATER while the row's kernels are not written: such a row keeps its place in the tables, holds
+//             null pointers and exports no name. Marks only ever turn from LATER to HERE.
+//   type      s, d, c or z: the element
+//   function  the name between the type letter and the strided form's I
+//   shape     the argument list:
+//             ONE            n, a, y
+//             TO_REAL        n, a, y with complex a and real y
+//             TO_COMPLEX     n, a, y with real a and complex y
+//             TWO            n, a, b, y
+//             SCALAR         n, a, b, y with b one element by value
+//             TWO_OUT        n, a, y, z
+//             LINEAR         n, a, b, scalea, shifta, scaleb, shiftb, y
+//             PACK_STRIDE    n, a, inca, y, flag with 64-bit n and inca
+//             PACK_LIST      n, a, ma or ia, y, flag with 64-bit n
+//             UNPACK_STRIDE  n, a, y, incy, flag with 64-bit n and incy
+//             UNPACK_LIST    n, a, y, my or iy, flag with 64-bit n
+//   sharing   which accuracies have a kernel in common: ALL one kernel, LA_HA and LA_EP those two, EACH none
+//   cost      COST(la, ha, ep) for figures that are fixed, MEASURED(row) for those of measured_costs.h
+//
+// The tables are the math rows dense, the move rows, and the math rows strided: 440 in all.
+#ifndef ORV_FRAME_KERNEL_TABLES_H
+#define ORV_FRAME_KERNEL_TABLES_H
+
+// A kernel is named after its row and the first accuracy that it serves, so sharing settles the three slots of a row.
+#define ORV_SLOTS_ALL(kernel) kernel##_la, kernel##_la, kernel##_la
+#define ORV_SLOTS_LA_HA(kernel) kernel##_la, kernel##_la, kernel##_ep
+#define ORV_SLOTS_LA_EP(kernel) kernel##_la, kernel##_ha, kernel##_la
+#define ORV_SLOTS_EACH(kernel) kernel##_la, kernel##_ha, kernel##_ep
+
+// clang-format off
+#define ORV_MATH_ROWS(ROW) \
+    ROW(HERE,  s, Ceil,       ONE,        ALL,   COST(1.06, 1.06, 1.06))          \
+    ROW(HERE,  s, Floor,      ONE,        ALL,   MEASURED(sFloor))                \
+    ROW(HERE,  s, Frac,       ONE,        ALL,   MEASURED(sFrac))                 \
+    ROW(HERE,  s, NearbyInt,  ONE,        ALL,   MEASURED(sNearbyInt))            \
+    ROW(HERE,  s, Rint,       ONE,        ALL,   MEASURED(sRint))                 \
+    ROW(HERE,  s, Round,      ONE,        ALL,   MEASURED(sRound))                \
+    ROW(HERE,  s, Trunc,      ONE,        ALL,   MEASURED(sTrunc))                \
+    ROW(HERE,  s, Abs,        ONE,        ALL,   MEASURED(sAbs))                  \
+    ROW(LATER, s, Inv,        ONE,        LA_HA, MEASURED(sInv))                  \
+    ROW(LATER, s, Sqrt,       ONE,        EACH,  MEASURED(sSqrt))                 \
+    ROW(LATER, s, InvSqrt,    ONE,        EACH,  MEASURED(sInvSqrt))              \
+    ROW(LATER, s, Cbrt,       ONE,        EACH,  MEASURED(sCbrt))                 \
+    ROW(LATER, s, InvCbrt,    ONE,        EACH,  MEASURED(sInvCbrt))              \
+    ROW(LATER, s, Exp,        ONE,        EACH,  COST(5.667, 6.42, 3.633))        \
+    ROW(LATER, s, Ln,         ONE,        EACH,  COST(6.823, 8.138, 4.498))       \
+    ROW(LATER, s, Log10,      ONE,        EACH,  MEASURED(sLog10))                \
+    ROW(LATER, s, Cos,        ONE,        EACH,  MEASURED(sCos))                  \
+    ROW(LATER, s, Sin,        ONE,        EACH,  COST(7.451, 13.009, 5.954))      \
+    ROW(LATER, s, Tan,        ONE,        LA_EP, MEASURED(sTan))                  \
+    ROW(LATER, s, Acos,       ONE,        EACH,  MEASURED(sAcos))                 \
+    ROW(LATER, s, Acosh,      ONE,        LA_HA, MEASURED(sAcosh))                \
+    ROW(LATER, s, Asin,       ONE,        EACH,  MEASURED(sAsin))                 \
+    ROW(LATER, s, Asinh,      ONE,        LA_HA, MEASURED(sAsinh))                \
+    ROW(LATER, s, Atan,       ONE,        EACH,  MEASURED(sAtan))                 \
+    ROW(LATER, s, Atanh,      ONE,        EACH,  MEASURED(sAtanh))                \
+    ROW(LATER, s, Cosh,       ONE,        EACH,  MEASURED(sCosh))                 \
+    ROW(LATER, s, Sinh,       ONE,        EACH,  MEASURED(sSinh))                 \
+    ROW(LATER, s, Tanh,       ONE,        EACH,  MEASURED(sTanh))                 \
+    ROW(LATER, s, Erf,        ONE,        EACH,  MEASURED(sErf))                  \
+    ROW(LATER, s, Erfc,       ONE,        EACH,  MEASURED(sErfc))                 \
+    ROW(LATER, s, ErfInv,     ONE,        EACH,  MEASURED(sErfInv))               \
+    ROW(HERE,  s, Sqr,        ONE,        ALL,   COST(0.37, 0.37, 0.37))          \
+    ROW(LATER, s, Expm1,      ONE,        ALL,   MEASURED(sExpm1))                \
+    ROW(LATER, s, Log1p,      ONE,        EACH,  MEASURED(sLog1p))                \
+    ROW(LATER, s, Pow3o2,     ONE,        EACH,  MEASURED(sPow3o2))               \
+    ROW(LATER, s, Pow2o3,     ONE,        EACH,  MEASURED(sPow2o3))               \
+    ROW(LATER, s, ErfcInv,    ONE,        EACH,  MEASURED(sErfcInv))              \
+    ROW(LATER, s, CdfNorm,    ONE,        EACH,  MEASURED(sCdfNorm))              \
+    ROW(LATER, s, CdfNormInv, ONE,        EACH,  MEASURED(sCdfNormInv))           \
+    ROW(LATER, s, LGamma,     ONE,        ALL,   COST(238.11, 238.11, 238.11))    \
+    ROW(LATER, s, TGamma,     ONE,        ALL,   MEASURED(sTGamma))               \
+    ROW(LATER, s, ExpInt1,    ONE,        LA_HA, MEASURED(sExpInt1))              \
+    ROW(LATER, s, Sinpi,      ONE,        EACH,  MEASURED(sSinpi))                \
+    ROW(LATER, s, Cospi,      ONE,        EACH,  MEASURED(sCospi))                \
+    ROW(LATER, s, Tanpi,      ONE,        EACH,  MEASURED(sTanpi))                \
+    ROW(LATER, s, Acospi,     ONE,        EACH,  MEASURED(sAcospi))               \
+    ROW(LATER, s, Asinpi,     ONE,        EACH,  MEASURED(sAsinpi))               \
+    ROW(LATER, s, Atanpi,     ONE,        EACH,  MEASURED(sAtanpi))               \
+    ROW(LATER, s, Exp2,       ONE,        ALL,   MEASURED(sExp2))                 \
+    ROW(LATER, s, Exp10,      ONE,        ALL,   MEASURED(sExp10))                \
+    ROW(LATER, s, Log2,       ONE,        EACH,  MEASURED(sLog2))                 \
+    ROW(LATER, s, Sind,       ONE,        EACH,  MEASURED(sSind))                 \
+    ROW(LATER, s, Cosd,       ONE,        EACH,  MEASURED(sCosd))                 \
+    ROW(LATER, s, Tand,       ONE,        EACH,  MEASURED(sTand))                 \
+    ROW(LATER, s, Logb,       ONE,        ALL,   MEASURED(sLogb))                 \
+    ROW(HERE,  d, Ceil,       ONE,        ALL,   MEASURED(dCeil))                 \
+    ROW(HERE,  d, Floor,      ONE,        ALL,   MEASURED(dFloor))                \
+    ROW(HERE,  d, Frac,       ONE,        ALL,   MEASURED(dFrac))                 \
+    ROW(HERE,  d, NearbyInt,  ONE,        ALL,   MEASURED(dNearbyInt))            \
+    ROW(HERE,  d, Rint,       ONE,        ALL,   MEASURED(dRint))                 \
+    ROW(HERE,  d, Round,      ONE,        ALL,   MEASURED(dRound))                \
+    ROW(HERE,  d, Trunc,      ONE,        ALL,   MEASURED(dTrunc))                \
+    ROW(HERE,  d, Abs,        ONE,        ALL,   MEASURED(dAbs))                  \
+    ROW(LATER, d, Inv,        ONE,        ALL,   MEASURED(dInv))                  \
+    ROW(LATER, d, Sqrt,       ONE,        ALL,   MEASURED(dSqrt))                 \
+    ROW(LATER, d, InvSqrt,    ONE,        LA_EP, MEASURED(dInvSqrt))              \
+    ROW(LATER, d, Cbrt,       ONE,        LA_EP, MEASURED(dCbrt))                 \
+    ROW(LATER, d, InvCbrt,    ONE,        ALL,   MEASURED(dInvCbrt))              \
+    ROW(LATER, d, Exp,        ONE,        EACH,  COST(11.07, 16.065, 8.56))       \
+    ROW(LATER, d, Ln,         ONE,        LA_HA, COST(18, 18, 11.07))             \
+    ROW(LATER, d, Log10,      ONE,        LA_EP, MEASURED(dLog10))                \
+    ROW(LATER, d, Cos,        ONE,        LA_HA, MEASURED(dCos))                  \
+    ROW(LATER, d, Sin,        ONE,        EACH,  COST(20.147, 21.88, 14.681))     \
+    ROW(LATER, d, Tan,        ONE,        EACH,  COST(23.031, 60.573, 20.467))    \
+    ROW(LATER, d, Acos,       ONE,        EACH,  MEASURED(dAcos))                 \
+    ROW(LATER, d, Acosh,      ONE,        LA_EP, MEASURED(dAcosh))                \
+    ROW(LATER, d, Asin,       ONE,        EACH,  MEASURED(dAsin))                 \
+    ROW(LATER, d, Asinh,      ONE,        LA_EP, MEASURED(dAsinh))                \
+    ROW(LATER, d, Atan,       ONE,        LA_HA, MEASURED(dAtan))                 \
+    ROW(LATER, d, Atanh,      ONE,        EACH,  MEASURED(dAtanh))                \
+    ROW(LATER, d, Cosh,       ONE,        EACH,  MEASURED(dCosh))                 \
+    ROW(LATER, d, Sinh,       ONE,        LA_EP, MEASURED(dSinh))                 \
+    ROW(LATER, d, Tanh,       ONE,        LA_EP, MEASURED(dTanh))                 \
+    ROW(LATER, d, Erf,        ONE,        EACH,  MEASURED(dErf))                  \
+    ROW(LATER, d, Erfc,       ONE,        ALL,   MEASURED(dErfc))                 \
+    ROW(LATER, d, ErfInv,     ONE,        EACH,  MEASURED(dErfInv))               \
+    ROW(HERE,  d, Sqr,        ONE,        ALL,   MEASURED(dSqr))                  \
+    ROW(LATER, d, Expm1,      ONE,        EACH,  MEASURED(dExpm1))                \
+    ROW(LATER, d, Log1p,      ONE,        EACH,  MEASURED(dLog1p))                \
+    ROW(LATER, d, Pow3o2,     ONE,        EACH,  MEASURED(dPow3o2))               \
+    ROW(LATER, d, Pow2o3,     ONE,        EACH,  MEASURED(dPow2o3))               \
+    ROW(LATER, d, ErfcInv,    ONE,        EACH,  MEASURED(dErfcInv))              \
+    ROW(LATER, d, CdfNorm,    ONE,        EACH,  MEASURED(dCdfNorm))              \
+    ROW(LATER, d, CdfNormInv, ONE,        EACH,  MEASURED(dCdfNormInv))           \
+    ROW(LATER, d, LGamma,     ONE,        ALL,   COST(319.85, 319.85, 319.85))    \
+    ROW(LATER, d, TGamma,     ONE,        ALL,   COST(423.3, 423.3, 423.3))       \
+    ROW(LATER, d, ExpInt1,    ONE,        LA_HA, MEASURED(dExpInt1))              \
+    ROW(LATER, d, Sinpi,      ONE,        EACH,  MEASURED(dSinpi))                \
+    ROW(LATER, d, Cospi,      ONE,        EACH,  MEASURED(dCospi))                \
+    ROW(LATER, d, Tanpi,      ONE,        EACH,  MEASURED(dTanpi))                \
+    ROW(LATER, d, Acospi,     ONE,        EACH,  MEASURED(dAcospi))               \
+    ROW(LATER, d, Asinpi,     ONE,        EACH,  MEASURED(dAsinpi))               \
+    ROW(LATER, d, Atanpi,     ONE,        EACH,  MEASURED(dAtanpi))               \
+    ROW(LATER, d, Exp2,       ONE,        ALL,   MEASURED(dExp2))                 \
+    ROW(LATER, d, Exp10,      ONE,        ALL,   MEASURED(dExp10))                \
+    ROW(LATER, d, Log2,       ONE,        EACH,  MEASURED(dLog2))                 \
+    ROW(LATER, d, Sind,       ONE,        EACH,  MEASURED(dSind))                 \
+    ROW(LATER, d, Cosd,       ONE,        EACH,  MEASURED(dCosd))                 \
+    ROW(LATER, d, Tand,       ONE,        EACH,  MEASURED(dTand))                 \
+    ROW(LATER, d, Logb,       ONE,        ALL,   MEASURED(dLogb))                 \
+    ROW(LATER, c, Cos,        ONE,        ALL,   MEASURED(cCos))                  \
+    ROW(LATER, c, Sin,        ONE,        ALL,   MEASURED(cSin))                  \
+    ROW(LATER, c, Tan,        ONE,        ALL,   MEASURED(cTan))                  \
+    ROW(LATER, c, Cosh,       ONE,        ALL,   MEASURED(cCosh))                 \
+    ROW(LATER, c, Sinh,       ONE,        ALL,   MEASURED(cSinh))                 \
+    ROW(LATER, c, Tanh,       ONE,        ALL,   MEASURED(cTanh))                 \
+    ROW(LATER, c, Acos,       ONE,        ALL,   MEASURED(cAcos))                 \
+    ROW(LATER, c, Asin,       ONE,        ALL,   COST(1223.63, 1223.63, 1223.63)) \
+    ROW(LATER, c, Atan,       ONE,        ALL,   MEASURED(cAtan))                 \
+    ROW(LATER, c, Acosh,      ONE,        ALL,   MEASURED(cAcosh))                \
+    ROW(LATER, c, Asinh,      ONE,        ALL,   MEASURED(cAsinh))                \
+    ROW(LATER, c, Atanh,      ONE,        ALL,   MEASURED(cAtanh))                \
+    ROW(LATER, c, Exp,        ONE,        LA_EP, MEASURED(cExp))                  \
+    ROW(LATER, c, Ln,         ONE,        EACH,  MEASURED(cLn))                   \
+    ROW(LATER, c, Log10,      ONE,        ALL,   MEASURED(cLog10))                \
+    ROW(LATER, c, Sqrt,       ONE,        LA_EP, MEASURED(cSqrt))                 \
+    ROW(HERE,  c, Conj,       ONE,        ALL,   MEASURED(cConj))                 \
+    ROW(LATER, z, Cos,        ONE,        ALL,   MEASURED(zCos))                  \
+    ROW(LATER, z, Sin,        ONE,        ALL,   MEASURED(zSin))                  \
+    ROW(LATER, z, Tan,        ONE,        ALL,   MEASURED(zTan))                  \
+    ROW(LATER, z, Cosh,       ONE,        ALL,   MEASURED(zCosh))                 \
+    ROW(LATER, z, Sinh,       ONE,        ALL,   MEASURED(zSinh))                 \
+    ROW(LATER, z, Tanh,       ONE,        ALL,   MEASURED(zTanh))                 \
+    ROW(LATER, z, Acos,       ONE,        ALL,   MEASURED(zAcos))                 \
+    ROW(LATER, z, Asin,       ONE,        ALL,   MEASURED(zAsin))                 \
+    ROW(LATER, z, Atan,       ONE,        ALL,   MEASURED(zAtan))                 \
+    ROW(LATER, z, Acosh,      ONE,        ALL,   MEASURED(zAcosh))                \
+    ROW(LATER, z, Asinh,      ONE,        ALL,   MEASURED(zAsinh))                \
+    ROW(LATER, z, Atanh,      ONE,        ALL,   MEASURED(zAtanh))                \
+    ROW(LATER, z, Exp,        ONE,        LA_EP, MEASURED(zExp))                  \
+    ROW(LATER, z, Ln,         ONE,        LA_HA, MEASURED(zLn))                   \
+    ROW(LATER, z, Log10,      ONE,        ALL,   MEASURED(zLog10))                \
+    ROW(LATER, z, Sqrt,       ONE,        ALL,   MEASURED(zSqrt))                 \
+    ROW(HERE,  z, Conj,       ONE,        ALL,   MEASURED(zConj))                 \
+    ROW(LATER, c, CIS,        TO_COMPLEX, EACH,  MEASURED(cCIS))                  \
+    ROW(LATER, z, CIS,        TO_COMPLEX, EACH,  MEASURED(zCIS))                  \
+    ROW(LATER, c, Abs,        TO_REAL,    EACH,  MEASURED(cAbs))                  \
+    ROW(LATER, c, Arg,        TO_REAL,    EACH,  MEASURED(cArg))                  \
+    ROW(LATER, z, Abs,        TO_REAL,    EACH,  MEASURED(zAbs))                  \
+    ROW(LATER, z, Arg,        TO_REAL,    EACH,  MEASURED(zArg))                  \
+    ROW(LATER, s, Div,        TWO,        ALL,   MEASURED(sDiv))                  \
+    ROW(LATER, s, Pow,        TWO,        LA_HA, MEASURED(sPow))                  \
+    ROW(LATER, s, Atan2,      TWO,        EACH,  MEASURED(sAtan2))                \
+    ROW(LATER, s, Hypot,      TWO,        EACH,  MEASURED(sHypot))                \
+    ROW(HERE,  s, Add,        TWO,        ALL,   COST(0.89, 0.89, 0.89))          \
+    ROW(HERE,  s, Sub,        TWO,        ALL,   MEASURED(sSub))                  \
+    ROW(HERE,  s, Mul,        TWO,        ALL,   MEASURED(sMul))                  \
+    ROW(LATER, s, Atan2pi,    TWO,        EACH,  MEASURED(sAtan2pi))              \
+    ROW(LATER, s, CopySign,   TWO,        ALL,   MEASURED(sCopySign))             \
+    ROW(LATER, s, NextAfter,  TWO,        ALL,   MEASURED(sNextAfter))            \
+    ROW(LATER, s, Fdim,       TWO,        ALL,   MEASURED(sFdim))                 \
+    ROW(LATER, s, Fmax,       TWO,        ALL,   MEASURED(sFmax))                 \
+    ROW(LATER, s, Fmin,       TWO,        ALL,   MEASURED(sFmin))                 \
+    ROW(LATER, s, MaxMag,     TWO,        ALL,   MEASURED(sMaxMag))               \
+    ROW(LATER, s, MinMag,     TWO,        ALL,   MEASURED(sMinMag))               \
+    ROW(LATER, s, Powr,       TWO,        LA_HA, MEASURED(sPowr))                 \
+    ROW(LATER, s, Remainder,  TWO,        ALL,   MEASURED(sRemainder))            \
+    ROW(LATER, s, Fmod,       TWO,        ALL,   MEASURED(sFmod))                 \
+    ROW(LATER, d, Div,        TWO,        ALL,   MEASURED(dDiv))                  \
+    ROW(LATER, d, Pow,        TWO,        LA_HA, COST(53.66, 53.66, 29.628))      \
+    ROW(LATER, d, Atan2,      TWO,        EACH,  MEASURED(dAtan2))                \
+    ROW(LATER, d, Hypot,      TWO,        EACH,  MEASURED(dHypot))                \
+    ROW(HERE,  d, Add,        TWO,        ALL,   MEASURED(dAdd))                  \
+    ROW(HERE,  d, Sub,        TWO,        ALL,   MEASURED(dSub))                  \
+    ROW(HERE,  d, Mul,        TWO,        ALL,   MEASURED(dMul))                  \
+    ROW(LATER, d, Atan2pi,    TWO,        EACH,  MEASURED(dAtan2pi))              \
+    ROW(LATER, d, CopySign,   TWO,        ALL,   MEASURED(dCopySign))             \
+    ROW(LATER, d, NextAfter,  TWO,        ALL,   MEASURED(dNextAfter))            \
+    ROW(LATER, d, Fdim,       TWO,        ALL,   MEASURED(dFdim))                 \
+    ROW(LATER, d, Fmax,       TWO,        ALL,   MEASURED(dFmax))                 \
+    ROW(LATER, d, Fmin,       TWO,        ALL,   MEASURED(dFmin))                 \
+    ROW(LATER, d, MaxMag,     TWO,        ALL,   MEASURED(dMaxMag))               \
+    ROW(LATER, d, MinMag,     TWO,        ALL,   MEASURED(dMinMag))               \
+    ROW(LATER, d, Powr,       TWO,        EACH,  MEASURED(dPowr))                 \
+    ROW(LATER, d, Remainder,  TWO,        ALL,   MEASURED(dRemainder))            \
+    ROW(LATER, d, Fmod,       TWO,        ALL,   MEASURED(dFmod))                 \
+    ROW(LATER, c, Div,        TWO,        LA_HA, MEASURED(cDiv))                  \
+    ROW(LATER, c, Pow,        TWO,        ALL,   MEASURED(cPow))                  \
+    ROW(LATER, c, Add,        TWO,        LA_HA, MEASURED(cAdd))                  \
+    ROW(LATER, c, Sub,        TWO,        LA_HA, MEASURED(cSub))                  \
+    ROW(LATER, c, Mul,        TWO,        LA_HA, MEASURED(cMul))                  \
+    ROW(LATER, c, MulByConj,  TWO,        LA_HA, MEASURED(cMulByConj))            \
+    ROW(LATER, z, Div,        TWO,        LA_HA, MEASURED(zDiv))                  \
+    ROW(LATER, z, Pow,        TWO,        ALL,   COST(1023.85, 1023.85, 1023.85)) \
+    ROW(LATER, z, Add,        TWO,        LA_HA, MEASURED(zAdd))                  \
+    ROW(LATER, z, Sub,        TWO,        LA_HA, MEASURED(zSub))                  \
+    ROW(LATER, z, Mul,        TWO,        LA_HA, COST(80.339, 80.339, 16.969))    \
+    ROW(LATER, z, MulByConj,  TWO,        LA_HA, MEASURED(zMulByConj))            \
+    ROW(LATER, c, Powx,       SCALAR,     ALL,   MEASURED(cPowx))                 \
+    ROW(LATER, z, Powx,       SCALAR,     ALL,   MEASURED(zPowx))                 \
+    ROW(LATER, s, Powx,       SCALAR,     EACH,  MEASURED(sPowx))                 \
+    ROW(LATER, d, Powx,       SCALAR,     EACH,  MEASURED(dPowx))                 \
+    ROW(LATER, s, SinCos,     TWO_OUT,    LA_EP, MEASURED(sSinCos))               \
+    ROW(LATER, s, Modf,       TWO_OUT,    ALL,   MEASURED(sModf))                 \
+    ROW(LATER, d, SinCos,     TWO_OUT,    LA_HA, MEASURED(dSinCos))               \
+    ROW(LATER, d, Modf,       TWO_OUT,    ALL,   MEASURED(dModf))                 \
+    ROW(LATER, s, LinearFrac, LINEAR,     ALL,   MEASURED(sLinearFrac))           \
+    ROW(LATER, d, LinearFrac, LINEAR,     ALL,   MEASURED(dLinearFrac))
+
+#define ORV_MOVE_ROWS(ROW) \
+    ROW(LATER, s, PackI,      PACK_STRIDE, ALL,   COST(1111, 1111, 1111))   \
+    ROW(LATER, d, PackI,      PACK_STRIDE, ALL,   COST(1111, 1111, 1111))   \
+    ROW(LATER, c, PackI,      PACK_STRIDE, ALL,   COST(1111, 1111, 1111))   \
+    ROW(LATER, z, PackI,      PACK_STRIDE, ALL,   COST(1111, 1111, 1111))   \
+    ROW(LATER, s, PackM,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
+    ROW(LATER, d, PackM,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
+    ROW(LATER, c, PackM,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
+    ROW(LATER, z, PackM,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
+    ROW(LATER, s, PackV,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
+    ROW(LATER, d, PackV,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
+    ROW(LATER, c, PackV,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
+    ROW(LATER, z, PackV,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
+    ROW(LATER, s, UnpackI,    UNPACK_STRIDE, ALL,   COST(1111, 1111, 1111)) \
+    ROW(LATER, d, UnpackI,    UNPACK_STRIDE, ALL,   COST(1111, 1111, 1111)) \
+    ROW(LATER, c, UnpackI,    UNPACK_STRIDE, ALL,   COST(1111, 1111, 1111)) \
+    ROW(LATER, z, UnpackI,    UNPACK_STRIDE, ALL,   COST(1111, 1111, 1111)) \
+    ROW(LATER, s, UnpackM,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
+    ROW(LATER, d, UnpackM,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
+    ROW(LATER, c, UnpackM,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
+    ROW(LATER, z, UnpackM,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
+    ROW(LATER, s, UnpackV,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
+    ROW(LATER, d, UnpackV,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
+    ROW(LATER, c, UnpackV,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
+    ROW(LATER, z, UnpackV,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))
+// clang-format on
+
+#endif

@@ -1,0 +1,185 @@
+// Lanes: one SSE register of elements, as overloads over the element type. No mathematics.
+//
+// Arithmetic is written with the operators that the compiler gives its vector types; what they cannot say stands here.
+#pragma once
+
+#include <orv/vecmath.h>
+
+#include <smmintrin.h>
+#include <stddef.h>
+#include <stdint.h>
+
+namespace orv::simd {
+
+// V: the register, width: elements in it, Scalar: the number an element is made of.
+template <class Element>
+struct Lanes;
+
+template <>
+struct Lanes<float> {
+    using V = __m128;
+    using Scalar = float;
+    static constexpr int width = 4;
+};
+template <>
+struct Lanes<double> {
+    using V = __m128d;
+    using Scalar = double;
+    static constexpr int width = 2;
+};
+template <>
+struct Lanes<orv_complex_s> {
+    using V = __m128;
+    using Scalar = float;
+    static constexpr int width = 2;
+};
+template <>
+struct Lanes<orv_complex_d> {
+    using V = __m128d;
+    using Scalar = double;
+    static constexpr int width = 1;
+};
+
+// ---- Whole registers -----------------------------------------------------------------------------------------------
+
+inline __m128 load(const float* p) { return _mm_loadu_ps(p); }
+inline __m128d load(const double* p) { return _mm_loadu_pd(p); }
+inline __m128 load(const orv_complex_s* p) { return _mm_loadu_ps(&p->re); }
+inline __m128d load(const orv_complex_d* p) { return _mm_loadu_pd(&p->re); }
+
+inline __m128 load_aligned(const float* p) { return _mm_load_ps(p); }
+inline __m128d load_aligned(const double* p) { return _mm_load_pd(p); }
+
+inline void store(float* p, __m128 v) { _mm_storeu_ps(p, v); }
+inline void store(double* p, __m128d v) { _mm_storeu_pd(p, v); }
+inline void store(orv_complex_s* p, __m128 v) { _mm_storeu_ps(&p->re, v); }
+inline void store(orv_complex_d* p, __m128d v) { _mm_storeu_pd(&p->re, v); }
+
+inline void store_aligned(float* p, __m128 v) { _mm_store_ps(p, v); }
+inline void store_aligned(double* p, __m128d v) { _mm_store_pd(p, v); }
+
+// Stores past the caches, for results that will not fit there anyway.
+inline void store_streaming(float* p, __m128 v) { _mm_stream_ps(p, v); }
+inline void store_streaming(double* p, __m128d v) { _mm_stream_pd(p, v); }
+
+template <class Element>
+auto splat(Element x);
+template <>
+inline auto splat(float x) {
+    return _mm_set1_ps(x);
+}
+template <>
+inline auto splat(double x) {
+    return _mm_set1_pd(x);
+}
+
+// ---- One element, the other lanes zero -------------------------------------------------------------------------------
+
+inline __m128 load_one(const float* p) { return _mm_load_ss(p); }
+inline __m128d load_one(const double* p) { return _mm_load_sd(p); }
+inline __m128 load_one(const orv_complex_s* p) {
+    return _mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)));
+}
+inline __m128d load_one(const orv_complex_d* p) { return load(p); }
+
+inline void store_one(float* p, __m128 v) { _mm_store_ss(p, v); }
+inline void store_one(double* p, __m128d v) { _mm_store_sd(p, v); }
+inline void store_one(orv_complex_s* p, __m128 v) { _mm_storel_pi(reinterpret_cast<__m64*>(p), v); }
+inline void store_one(orv_complex_d* p, __m128d v) { store(p, v); }
+
+// ---- Strides, counted in elements; lanes go in rising order, so the last of several stores to one place holds ------
+
+inline __m128 load_strided(const float* p, ptrdiff_t step) {
+    const __m128 low = _mm_unpacklo_ps(_mm_load_ss(p), _mm_load_ss(p + step));
+    const __m128 high = _mm_unpacklo_ps(_mm_load_ss(p + 2 * step), _mm_load_ss(p + 3 * step));
+    return _mm_movelh_ps(low, high);
+}
+inline __m128d load_strided(const double* p, ptrdiff_t step) { return _mm_loadh_pd(_mm_load_sd(p), p + step); }
+inline __m128 load_strided(const orv_complex_s* p, ptrdiff_t step) {
+    return _mm_loadh_pi(load_one(p), reinterpret_cast<const __m64*>(p + step));
+}
+inline __m128d load_strided(const orv_complex_d* p, ptrdiff_t) { return load(p); }
+
+inline void store_strided(float* p, ptrdiff_t step, __m128 v) {
+    _mm_store_ss(p, v);
+    _mm_store_ss(p + step, _mm_shuffle_ps(v, v, 1));
+    _mm_store_ss(p + 2 * step, _mm_movehl_ps(v, v));
+    _mm_store_ss(p + 3 * step, _mm_shuffle_ps(v, v, 3));
+}
+inline void store_strided(double* p, ptrdiff_t step, __m128d v) {
+    _mm_store_sd(p, v);
+    _mm_storeh_pd(p + step, v);
+}
+inline void store_strided(orv_complex_s* p, ptrdiff_t step, __m128 v) {
+    _mm_storel_pi(reinterpret_cast<__m64*>(p), v);
+    _mm_storeh_pi(reinterpret_cast<__m64*>(p + step), v);
+}
+inline void store_strided(orv_complex_d* p, ptrdiff_t, __m128d v) { store(p, v); }
+
+// ---- The first `count` lanes, at least one and fewer than all; a load fills the others -------------------------------
+
+inline __m128 load_part(const float* p, ptrdiff_t step, int32_t count, float fill) {
+    __m128 v = _mm_move_ss(_mm_set1_ps(fill), _mm_load_ss(p));
+    if (count > 1) v = _mm_insert_ps(v, _mm_load_ss(p + step), 0x10);
+    if (count > 2) v = _mm_insert_ps(v, _mm_load_ss(p + 2 * step), 0x20);
+    return v;
+}
+inline __m128d load_part(const double* p, ptrdiff_t, int32_t, double fill) {
+    return _mm_unpacklo_pd(_mm_load_sd(p), _mm_set1_pd(fill));
+}
+
+inline void store_part(float* p, ptrdiff_t step, int32_t count, __m128 v) {
+    _mm_store_ss(p, v);
+    if (count > 1) _mm_store_ss(p + step, _mm_shuffle_ps(v, v, 1));
+    if (count > 2) _mm_store_ss(p + 2 * step, _mm_movehl_ps(v, v));
+}
+inline void store_part(double* p, ptrdiff_t, int32_t, __m128d v) { _mm_store_sd(p, v); }
+
+// ---- Bits ------------------------------------------------------------------------------------------------------------
+
+inline __m128 bit_and(__m128 a, __m128 b) { return _mm_and_ps(a, b); }
+inline __m128d bit_and(__m128d a, __m128d b) { return _mm_and_pd(a, b); }
+inline __m128 bit_or(__m128 a, __m128 b) { return _mm_or_ps(a, b); }
+inline __m128d bit_or(__m128d a, __m128d b) { return _mm_or_pd(a, b); }
+inline __m128 bit_xor(__m128 a, __m128 b) { return _mm_xor_ps(a, b); }
+inline __m128d bit_xor(__m128d a, __m128d b) { return _mm_xor_pd(a, b); }
+// The bits of b that a does not have.
+inline __m128 bit_and_not(__m128 a, __m128 b) { return _mm_andnot_ps(a, b); }
+inline __m128d bit_and_not(__m128d a, __m128d b) { return _mm_andnot_pd(a, b); }
+
+inline __m128 sign_of(__m128 x) { return bit_and(x, splat(-0.0f)); }
+inline __m128d sign_of(__m128d x) { return bit_and(x, splat(-0.0)); }
+
+// ---- Rounding, comparison, masks -----------------------------------------------------------------------------------
+
+template <int Control>
+inline __m128 round(__m128 x) {
+    return _mm_round_ps(x, Control);
+}
+template <int Control>
+inline __m128d round(__m128d x) {
+    return _mm_round_pd(x, Control);
+}
+
+inline __m128 equal(__m128 a, __m128 b) { return _mm_cmpeq_ps(a, b); }
+inline __m128d equal(__m128d a, __m128d b) { return _mm_cmpeq_pd(a, b); }
+
+// All ones in the lanes of infinities and NaNs, zero elsewhere.
+inline __m128 not_finite(__m128 x) {
+    const __m128i exponent = _mm_set1_epi32(0x7F800000);
+    return _mm_castsi128_ps(_mm_cmpeq_epi32(_mm_and_si128(_mm_castps_si128(x), exponent), exponent));
+}
+inline __m128d not_finite(__m128d x) {
+    const __m128i exponent = _mm_set1_epi32(0x7FF00000);
+    const __m128i high_words = _mm_shuffle_epi32(_mm_castpd_si128(x), _MM_SHUFFLE(3, 3, 1, 1));
+    return _mm_castsi128_pd(_mm_cmpeq_epi32(_mm_and_si128(high_words, exponent), exponent));
+}
+
+inline bool any_bit(__m128 x) { return !_mm_testz_si128(_mm_castps_si128(x), _mm_castps_si128(x)); }
+inline bool any_bit(__m128d x) { return !_mm_testz_si128(_mm_castpd_si128(x), _mm_castpd_si128(x)); }
+
+// One bit per lane, lane 0 lowest.
+inline unsigned lane_bits(__m128 mask) { return static_cast<unsigned>(_mm_movemask_ps(mask)); }
+inline unsigned lane_bits(__m128d mask) { return static_cast<unsigned>(_mm_movemask_pd(mask)); }
+
+}  // namespace orv::simd

@@ -1,0 +1,21 @@
+// What the header says of each function: one card a function, the text in the words of a reference manual.
+//
+//   CARD(function, result, edges, accuracy, source)
+#pragma once
+
+// clang-format off
+#define ORV_FUNCTION_CARDS(CARD) \
+    CARD(Ceil, "the smallest integer not below a", "Infinities, NaNs and zeros come back; results between -1 and 0 are -0; inexact is signalled.", "Exact.", "IEC 60559 roundToIntegralTowardPositive") \
+    CARD(Floor, "the largest integer not above a", "Infinities, NaNs and zeros come back; inexact is signalled.", "Exact.", "IEC 60559 roundToIntegralTowardNegative") \
+    CARD(Trunc, "the integer part of a", "Infinities, NaNs and zeros come back, the sign is kept; inexact is signalled.", "Exact.", "IEC 60559 roundToIntegralTowardZero") \
+    CARD(Rint, "a rounded to an integer by the caller's rounding mode", "Infinities, NaNs and zeros come back; inexact is signalled.", "Exact.", "C99 7.12.9.4") \
+    CARD(NearbyInt, "a rounded to an integer by the caller's rounding mode", "Infinities, NaNs and zeros come back; inexact is not signalled.", "Exact.", "C99 7.12.9.3") \
+    CARD(Round, "a rounded to the nearest integer, halves away from zero", "Infinities, NaNs and zeros come back, the sign is kept.", "Exact.", "C99 7.12.9.6") \
+    CARD(Frac, "the part of a after the point, with the sign of a", "An infinity gives a zero of its sign, a NaN a quiet NaN.", "Exact.", "a - trunc(a)") \
+    CARD(Abs, "the absolute value of a", "Infinities give plus infinity; a signalling NaN raises invalid and comes out quiet; denormals follow the caller's denormal settings.", "Exact.", "a * copysign(1, a)") \
+    CARD(Sqr, "a * a", "As IEC 60559 multiplication.", "Correctly rounded.", "IEC 60559") \
+    CARD(Add, "a + b", "As IEC 60559 addition.", "Correctly rounded.", "IEC 60559") \
+    CARD(Sub, "a - b", "As IEC 60559 subtraction.", "Correctly rounded.", "IEC 60559") \
+    CARD(Mul, "a * b", "As IEC 60559 multiplication.", "Correctly rounded.", "IEC 60559") \
+    CARD(Conj, "the complex conjugate of a", "The sign bit of the imaginary part is turned whatever it is the sign of; no flag is raised.", "Exact.", "C99 7.3.9.4")
+// clang-format on
