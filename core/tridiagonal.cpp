@@ -274,20 +274,20 @@ int32_t factor_and_solve(ptrdiff_t n, ptrdiff_t nrhs, const System<T>& m, ptrdif
 
 }  // namespace
 
-#define ORV_TRIDIAGONAL_ENTRIES(letter, T)                                                                               \
-    ORV_API void letter##dtsvb_4dfl(const int32_t* n, const int32_t* nrhs, T* lower, T* diagonal, T* upper, T* rhs,      \
-                                    const int32_t* ld, int32_t* info) {                                                  \
-        *info = factor_and_solve<T>(*n, *nrhs, {lower, diagonal, upper, rhs}, *ld);                                      \
-    }                                                                                                                    \
-    ORV_API void letter##dttrfb_4dfl(const int32_t* n, T* lower, T* diagonal, T* upper, int32_t* info) {                 \
-        *info = *n <= 0 ? 0 : eliminate<false, T>(*n, {lower, diagonal, upper, nullptr});                                \
-    }                                                                                                                    \
-    ORV_API void letter##dttrsb_4dfl(const char* transposition, const int32_t* n, const int32_t* nrhs, const T* lower,   \
-                                     const T* diagonal, const T* upper, T* rhs, const int32_t* ld, int32_t* info) {      \
-        if (*transposition != 'N')                                                                                       \
-            *info = -1;                                                                                                  \
-        else                                                                                                             \
-            *info = *n <= 0 ? 0 : solve<T>(lower, diagonal, upper, *n, *nrhs, rhs, *ld);                                 \
+#define ORV_TRIDIAGONAL_ENTRIES(letter, T)                                                                             \
+    ORV_API void letter##dtsvb_4dfl(const int32_t* n, const int32_t* nrhs, T* lower, T* diagonal, T* upper, T* rhs,    \
+                                    const int32_t* ld, int32_t* info) {                                                \
+        *info = factor_and_solve<T>(*n, *nrhs, {lower, diagonal, upper, rhs}, *ld);                                    \
+    }                                                                                                                  \
+    ORV_API void letter##dttrfb_4dfl(const int32_t* n, T* lower, T* diagonal, T* upper, int32_t* info) {               \
+        *info = *n <= 0 ? 0 : eliminate<false, T>(*n, {lower, diagonal, upper, nullptr});                              \
+    }                                                                                                                  \
+    ORV_API void letter##dttrsb_4dfl(const char* transposition, const int32_t* n, const int32_t* nrhs, const T* lower, \
+                                     const T* diagonal, const T* upper, T* rhs, const int32_t* ld, int32_t* info) {    \
+        if (*transposition != 'N')                                                                                     \
+            *info = -1;                                                                                                \
+        else                                                                                                           \
+            *info = *n <= 0 ? 0 : solve<T>(lower, diagonal, upper, *n, *nrhs, rhs, *ld);                               \
     }
 
 ORV_TRIDIAGONAL_ENTRIES(d, double)

@@ -13,7 +13,8 @@ namespace {
 using namespace orv::bench;
 using Kernel = int32_t (*)(const DFTask*, const void*, const void*, int64_t, const orv_services*);
 
-void construct(benchmark::State& state, Kernel kernel, int64_t order, int64_t type, int64_t bc, bool uniform, bool threads) {
+void construct(benchmark::State& state, Kernel kernel, int64_t order, int64_t type, int64_t bc, bool uniform,
+               bool threads) {
     const Fit fit(state.range(0), uniform, order, type, bc);
     const orv_services* services = threads ? orv_serv_services() : nullptr;
     if (kernel(fit.task, nullptr, nullptr, 0, services) != ORV_DF_OK) return state.SkipWithError("construction failed");
@@ -27,13 +28,13 @@ void copy(benchmark::State& state, int64_t bytes_a_cell) {
     measure(state, state.range(0) - 1, 1, [&] { std::memcpy(to.data(), from.data(), bytes); });
 }
 
-#define CONSTRUCT(name, kind, order, type, bc)                                                                           \
-    BENCHMARK_CAPTURE(construct, name, orv_df_kernel_dDF##kind##Spline1D, order, type, bc, false, false)                 \
-        ->Arg(1000)                                                                                                      \
-        ->Arg(100000);                                                                                                   \
-    BENCHMARK_CAPTURE(construct, name##_uniform, orv_df_kernel_dDF##kind##Spline1D, order, type, bc, true, false)        \
-        ->Arg(100000);                                                                                                   \
-    BENCHMARK_CAPTURE(construct, name##_threads, orv_df_kernel_dDF##kind##Spline1D, order, type, bc, false, true)        \
+#define CONSTRUCT(name, kind, order, type, bc)                                                                    \
+    BENCHMARK_CAPTURE(construct, name, orv_df_kernel_dDF##kind##Spline1D, order, type, bc, false, false)          \
+        ->Arg(1000)                                                                                               \
+        ->Arg(100000);                                                                                            \
+    BENCHMARK_CAPTURE(construct, name##_uniform, orv_df_kernel_dDF##kind##Spline1D, order, type, bc, true, false) \
+        ->Arg(100000);                                                                                            \
+    BENCHMARK_CAPTURE(construct, name##_threads, orv_df_kernel_dDF##kind##Spline1D, order, type, bc, false, true) \
         ->Arg(100000)
 
 CONSTRUCT(natural, NaturalCubic, 4, ORV_DF_TYPE_NATURAL, ORV_DF_FREE_END);
@@ -49,7 +50,8 @@ BENCHMARK_CAPTURE(copy, as_linear_uniform, 24)->Arg(100000)->Arg(4000000);
 void construct_gsl(benchmark::State& state, const gsl_interp_type* type) {
     const Series data = series(state.range(0), false);
     gsl_spline* spline = gsl_spline_alloc(type, data.x.size());
-    measure(state, state.range(0) - 1, 1, [&] { gsl_spline_init(spline, data.x.data(), data.y.data(), data.x.size()); });
+    measure(state, state.range(0) - 1, 1,
+            [&] { gsl_spline_init(spline, data.x.data(), data.y.data(), data.x.size()); });
     gsl_spline_free(spline);
 }
 BENCHMARK_CAPTURE(construct_gsl, natural, gsl_interp_cspline)->Arg(1000)->Arg(100000);

@@ -22,8 +22,9 @@ void evaluate(benchmark::State& state, bool uniform, bool sorted, int threads) {
     const int before = omp_get_max_threads();
     omp_set_num_threads(threads);
     measure(state, site_count, 1, [&] {
-        orv_df_kernel_dDFInterpolate1D(fit.task, ORV_DF_EVALUATE, 0, site_count, x.data(), hint, 1, nullptr, nullptr, y.data(),
-                                       0, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+        orv_df_kernel_dDFInterpolate1D(fit.task, ORV_DF_EVALUATE, 0, site_count, x.data(), hint, 1, nullptr, nullptr,
+                                       y.data(), 0, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                       nullptr, nullptr);
     });
     omp_set_num_threads(before);
 }

@@ -15,8 +15,14 @@ void bessel_rule(const T* s, const T* h, const T*, T* m, int32_t count) {
 
 template <class T>
 constexpr LocalFamily<T> bessel = {
-    4, NoCondition::refused, false, false, bessel_rule<T, false>, bessel_rule<T, true>,
-    end_table<T>(end_parabola_around<T>, nullptr),
+    .least_breaks = 4,
+    .no_condition_is = NoCondition::refused,
+    .needs_internal_data = false,
+    .reads_widths = true,
+    .extends_slopes = false,
+    .rule = bessel_rule<T, false>,
+    .uniform_rule = bessel_rule<T, true>,
+    .ends = end_table<T>(end_parabola_around<T>, nullptr),
 };
 
 }  // namespace orv::fit

@@ -12,10 +12,10 @@ orv_df_status boundary_index(const DFTask& task, BoundaryIndex& index) {
     // A periodic Default or Hermite spline cannot find its end values from its neighbours: they are given.
     const bool given_ends = task.splineType == ORV_DF_TYPE_DEFAULT || task.splineType == ORV_DF_TYPE_HERMITE;
     const Row rows[] = {
-        {ORV_DF_NOT_A_KNOT, not_a_knot, false},       {ORV_DF_FREE_END, free_end, false},
-        {ORV_DF_FIRST_FIRST, first_first, true},      {ORV_DF_FIRST_SECOND, first_second, true},
-        {ORV_DF_SECOND_FIRST, second_first, true},    {ORV_DF_SECOND_SECOND, second_second, true},
-        {ORV_DF_PERIODIC, periodic, given_ends},      {ORV_DF_NO_CONDITION, no_condition, false},
+        {ORV_DF_NOT_A_KNOT, not_a_knot, false},    {ORV_DF_FREE_END, free_end, false},
+        {ORV_DF_FIRST_FIRST, first_first, true},   {ORV_DF_FIRST_SECOND, first_second, true},
+        {ORV_DF_SECOND_FIRST, second_first, true}, {ORV_DF_SECOND_SECOND, second_second, true},
+        {ORV_DF_PERIODIC, periodic, given_ends},   {ORV_DF_NO_CONDITION, no_condition, false},
     };
     for (const Row& row : rows) {
         if (row.code != task.bcType) continue;

@@ -40,7 +40,8 @@ enum class NoCondition { refused, taken };
 
 // The tests that all kernels but Quadratic make, in their order, and the construction.
 template <class T>
-orv_df_status prepare(const DFTask* task, int64_t least_breaks, NoCondition no_condition_is, Construction<T>& construction);
+orv_df_status prepare(const DFTask* task, int64_t least_breaks, NoCondition no_condition_is,
+                      Construction<T>& construction);
 
 // Its last part: layout, functions and coefficients, without the boundary code.
 template <class T>
@@ -90,7 +91,7 @@ T inverse_width_of(const Partition<T>& p, int32_t cell) {
 }
 
 template <bool interleaved, bool uniform, class T>
-T slope_of(const Construction<T>& c, const Values<T, interleaved>& y, int32_t cell) {
+T slope_of(const Construction<T>& c, Values<T, interleaved> y, int32_t cell) {
     return (y[cell + 1] - y[cell]) * inverse_width_of<uniform>(c.partition, cell);
 }
 
@@ -114,9 +115,27 @@ void cell_widths(const Partition<T>& p, int32_t from, int32_t to, T* h, T* inver
     }
 }
 
+// Inverse widths and divided differences of cells `from` to `to` - 1 in one pass, for a single function.
+template <bool uniform, class T, bool interleaved>
+void widths_and_slopes(const Partition<T>& p, Values<T, interleaved> y, int32_t from, int32_t to, T* inverse,
+                       T* s) {
+    constexpr int32_t width = Lanes<T>::width;
+    const auto one = splat(T{1});
+    int32_t i = from;
+    for (; i + width <= to; i += width, inverse += width, s += width) {
+        const auto r = uniform ? splat(p.inverse_width) : one / (load(p.breaks + i + 1) - load(p.breaks + i));
+        store(inverse, r);
+        store(s, (y.lanes(i + 1) - y.lanes(i)) * r);
+    }
+    for (; i < to; ++i) {
+        *inverse = inverse_width_of<uniform>(p, i);
+        *s++ = (y[i + 1] - y[i]) * *inverse++;
+    }
+}
+
 // Divided differences of cells `from` to `to` - 1, written from `s` on; `inverse` holds the inverse widths of the same.
 template <class T, bool interleaved>
-void slopes(const Values<T, interleaved>& y, int32_t from, int32_t to, const T* inverse, T* s) {
+void slopes(Values<T, interleaved> y, int32_t from, int32_t to, const T* inverse, T* s) {
     constexpr int32_t width = Lanes<T>::width;
     int32_t i = from;
     for (; i + width <= to; i += width, s += width, inverse += width)
@@ -138,25 +157,25 @@ inline void store_cells(float* out, __m128 c0, __m128 c1, __m128 c2, __m128 c3) 
     store(out + 12, c3);
 }
 
-// Cubic cells `from` to `to` - 1 from values, first derivatives and slopes; `m`, `s` and `inverse` start at `from`.
+// Cubic cells `from` to `to` - 1 from values, first derivatives and slopes; `m`, `s` and `inverse` start at `from`. With
+// bend = m[i] + m[i+1] - 2 s[i], c2 = (3 s[i] - 2 m[i] - m[i+1])/h is (s[i] - m[i] - bend)/h and c3 is bend/h^2.
 template <class T, bool interleaved>
-void cubic_cells(const Values<T, interleaved>& y, int32_t from, int32_t to, const T* m, const T* s, const T* inverse,
+void cubic_cells(Values<T, interleaved> y, int32_t from, int32_t to, const T* m, const T* s, const T* inverse,
                  T* coeffs) {
     constexpr int32_t width = Lanes<T>::width;
-    const auto two = splat(T{2}), three = splat(T{3});
     T* out = coeffs + 4 * static_cast<ptrdiff_t>(from);
     int32_t i = from, k = 0;
     for (; i + width <= to; i += width, k += width, out += 4 * width) {
         const auto left = load(m + k), right = load(m + k + 1), slope = load(s + k), r = load(inverse + k);
-        const auto c2 = (three * slope - two * left - right) * r;
-        const auto c3 = (left + right - two * slope) * (r * r);
-        store_cells(out, y.lanes(i), left, c2, c3);
+        const auto bend = (left + right) - (slope + slope);
+        store_cells(out, y.lanes(i), left, ((slope - left) - bend) * r, bend * r * r);
     }
     for (; i < to; ++i, ++k, out += 4) {
         out[0] = y[i];
         out[1] = m[k];
-        out[2] = (3 * s[k] - 2 * m[k] - m[k + 1]) * inverse[k];
-        out[3] = (m[k] + m[k + 1] - 2 * s[k]) * (inverse[k] * inverse[k]);
+        const T bend = (m[k] + m[k + 1]) - (s[k] + s[k]);
+        out[2] = ((s[k] - m[k]) - bend) * inverse[k];
+        out[3] = bend * inverse[k] * inverse[k];
     }
 }
 

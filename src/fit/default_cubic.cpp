@@ -39,7 +39,7 @@ constexpr CurvatureRule<T> end_rules[no_condition][2] = {
 };
 
 template <class T, bool interleaved, bool uniform>
-T end_curvature(const Construction<T>& c, const Values<T, interleaved>& y, const T* inner, bool right) {
+T end_curvature(const Construction<T>& c, Values<T, interleaved> y, const T* inner, bool right) {
     const int32_t last = c.partition.count - 2, last_inner = c.partition.count - 3;
     const int32_t outer = right ? last : 0, next = right ? last - 1 : 1;
     Curvatures<T> e;
@@ -81,8 +81,8 @@ void cells(const Construction<T>& c, int32_t function, int32_t from, int32_t to)
     const auto one_cell = [&](int32_t i) {
         const T left = i == 0 ? end_curvature<T, interleaved, uniform>(c, y, inner, false) : inner[i - 1];
         const T right = i == last ? end_curvature<T, interleaved, uniform>(c, y, inner, true) : inner[i];
-        const auto cell = cell_between(y[i], y[i + 1], width_of<uniform>(p, i), inverse_width_of<uniform>(p, i),
-                                             left, right, T(0.5), T(2), sixth<T>);
+        const auto cell = cell_between(y[i], y[i + 1], width_of<uniform>(p, i), inverse_width_of<uniform>(p, i), left,
+                                       right, T(0.5), T(2), sixth<T>);
         __builtin_memcpy(c.coeffs[function] + 4 * static_cast<ptrdiff_t>(i), &cell, sizeof cell);
     };
     int32_t i = from;
@@ -91,7 +91,7 @@ void cells(const Construction<T>& c, int32_t function, int32_t from, int32_t to)
         const V h = uniform ? splat(p.width) : load(p.breaks + i + 1) - load(p.breaks + i);
         const V inverse = uniform ? splat(p.inverse_width) : splat(T(1)) / h;
         const auto cell = cell_between(y.lanes(i), y.lanes(i + 1), h, inverse, load(inner + i - 1), load(inner + i),
-                                             splat(T(0.5)), splat(T(2)), splat(sixth<T>));
+                                       splat(T(0.5)), splat(T(2)), splat(sixth<T>));
         store_cells(c.coeffs[function] + 4 * static_cast<ptrdiff_t>(i), cell.c0, cell.c1, cell.c2, cell.c3);
     }
     for (; i < to; ++i) one_cell(i);

@@ -80,8 +80,8 @@ void evaluate(const T* coeffs, int64_t, int64_t, const int32_t* piece, const T* 
 }
 
 template <class T>
-void evaluate_any(const T* coeffs, int64_t order, int64_t derivative, const int32_t* piece, const T* offset, int32_t count,
-                  T* out, ptrdiff_t stride) {
+void evaluate_any(const T* coeffs, int64_t order, int64_t derivative, const int32_t* piece, const T* offset,
+                  int32_t count, T* out, ptrdiff_t stride) {
     for (int32_t i = 0; i < count; ++i, out += stride) {
         const T* c = coeffs + static_cast<ptrdiff_t>(piece[i]) * static_cast<ptrdiff_t>(order);
         T sum = 0;

@@ -13,8 +13,14 @@ void hermite_rule(const T*, const T*, const T* given, T* m, int32_t count) {
 
 template <class T>
 constexpr LocalFamily<T> hermite = {
-    3, NoCondition::refused, true, false, hermite_rule<T>, hermite_rule<T>,
-    end_table<T>(end_given<T>, nullptr),
+    .least_breaks = 3,
+    .no_condition_is = NoCondition::refused,
+    .needs_internal_data = true,
+    .reads_widths = false,
+    .extends_slopes = false,
+    .rule = hermite_rule<T>,
+    .uniform_rule = hermite_rule<T>,
+    .ends = end_table<T>(end_given<T>, nullptr),
 };
 
 }  // namespace orv::fit

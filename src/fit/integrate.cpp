@@ -183,12 +183,12 @@ int32_t integrate(const DFTask* task, int64_t limitCount, const T* left, int64_t
 }  // namespace
 }  // namespace orv::fit
 
-#define ORV_INTEGRATE(letter, T)                                                                                         \
-    ORV_API int32_t orv_df_kernel_##letter##DFIntegrate1D(                                                               \
-        const DFTask* task, int64_t, int64_t limitCount, const T* left, int64_t leftHint, const T* right,                \
-        int64_t rightHint, const T* dataHint, T* results, int64_t resultHint, const orv_services* services) {            \
-        return orv::fit::integrate(task, limitCount, left, leftHint, right, rightHint, dataHint, results, resultHint,    \
-                                   services);                                                                            \
+#define ORV_INTEGRATE(letter, T)                                                                                      \
+    ORV_API int32_t orv_df_kernel_##letter##DFIntegrate1D(                                                            \
+        const DFTask* task, int64_t, int64_t limitCount, const T* left, int64_t leftHint, const T* right,             \
+        int64_t rightHint, const T* dataHint, T* results, int64_t resultHint, const orv_services* services) {         \
+        return orv::fit::integrate(task, limitCount, left, leftHint, right, rightHint, dataHint, results, resultHint, \
+                                   services);                                                                         \
     }
 
 ORV_INTEGRATE(d, double)

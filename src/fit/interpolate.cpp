@@ -68,18 +68,23 @@ Target<T> target_of(const Job<T>& job, int64_t f, int64_t d) {
     const auto D = static_cast<ptrdiff_t>(job.wanted), function = static_cast<ptrdiff_t>(f),
                derivative = static_cast<ptrdiff_t>(d);
     switch (job.layout) {
-    case ORV_DF_COLUMNS: return {job.results + function * D + derivative, F * D};
-    case ORV_DF_ROWS_BY_DERIVATIVE: return {job.results + (function * D + derivative) * S, 1};
-    case ORV_DF_COLUMNS_BY_DERIVATIVE: return {job.results + derivative * F + function, D * F};
-    case ORV_DF_ROW_POINTERS: return {reinterpret_cast<T* const*>(job.results)[f] + derivative, D};
-    default: return {job.results + function * S * D + derivative, D};
+        case ORV_DF_COLUMNS:
+            return {job.results + function * D + derivative, F * D};
+        case ORV_DF_ROWS_BY_DERIVATIVE:
+            return {job.results + (function * D + derivative) * S, 1};
+        case ORV_DF_COLUMNS_BY_DERIVATIVE:
+            return {job.results + derivative * F + function, D * F};
+        case ORV_DF_ROW_POINTERS:
+            return {reinterpret_cast<T* const*>(job.results)[f] + derivative, D};
+        default:
+            return {job.results + function * S * D + derivative, D};
     }
 }
 
 // Lets a callback evaluate each run of consecutive sites whose cells belong to it.
 template <class T, class Belongs>
-int32_t call_back(orv_df_run_callback callback, void* param, int64_t f, int64_t derivative, int32_t count, const T* sites,
-                  const int32_t* cells, T* values, T* out, ptrdiff_t stride, Belongs belongs) {
+int32_t call_back(orv_df_run_callback callback, void* param, int64_t f, int64_t derivative, int32_t count,
+                  const T* sites, const int32_t* cells, T* values, T* out, ptrdiff_t stride, Belongs belongs) {
     if (!callback) return ORV_DF_OK;
     for (int32_t from = 0; from < count;) {
         int32_t to = from;
@@ -111,7 +116,8 @@ int32_t evaluate_block(const Job<T>& job, int64_t at, int32_t count, Scratch<T, 
                 evaluate_values(*job.task, job.pieces, job.kind, f, derivative, count, sites, w.cells, out, stride);
             } else if (order > 0) {
                 const auto* coeffs = static_cast<const T*>(job.task->coeffs[f]);
-                evaluator_for<T>(order, derivative, stride)(coeffs, order, derivative, w.piece, w.offset, count, out, stride);
+                evaluator_for<T>(order, derivative, stride)(coeffs, order, derivative, w.piece, w.offset, count, out,
+                                                            stride);
             }
             const Callbacks& c = job.callbacks;
             int32_t status = call_back(c.left, c.left_param, f, derivative, count, sites, w.cells, w.values, out,
@@ -250,18 +256,17 @@ int32_t interpolate(const DFTask* task, int64_t type, int64_t siteCount, const T
 }  // namespace
 }  // namespace orv::fit
 
-#define ORV_INTERPOLATE(letter, T)                                                                                       \
-    ORV_API int32_t orv_df_kernel_##letter##DFInterpolate1D(                                                             \
-        const DFTask* task, int64_t type, int64_t, int64_t siteCount, const T* sites, int64_t siteHint,                  \
-        int64_t derivativeCount, const void* derivatives, const T* dataHint, T* results, int64_t resultHint,             \
-        void* cells, orv_df_run_callback leftCallback, void* leftParam, orv_df_run_callback rightCallback,               \
-        void* rightParam, orv_df_run_callback interpolateCallback, void* interpolateParam,                               \
-        orv_df_search_callback searchCallback, void* searchParam) {                                                      \
-        return orv::fit::interpolate(task, type, siteCount, sites, siteHint, derivativeCount, derivatives, dataHint,     \
-                                     results, resultHint, cells,                                                         \
-                                     {leftCallback, rightCallback, interpolateCallback, leftParam, rightParam,           \
-                                      interpolateParam},                                                                 \
-                                     searchCallback, searchParam);                                                       \
+#define ORV_INTERPOLATE(letter, T)                                                                               \
+    ORV_API int32_t orv_df_kernel_##letter##DFInterpolate1D(                                                     \
+        const DFTask* task, int64_t type, int64_t, int64_t siteCount, const T* sites, int64_t siteHint,          \
+        int64_t derivativeCount, const void* derivatives, const T* dataHint, T* results, int64_t resultHint,     \
+        void* cells, orv_df_run_callback leftCallback, void* leftParam, orv_df_run_callback rightCallback,       \
+        void* rightParam, orv_df_run_callback interpolateCallback, void* interpolateParam,                       \
+        orv_df_search_callback searchCallback, void* searchParam) {                                              \
+        return orv::fit::interpolate(                                                                            \
+            task, type, siteCount, sites, siteHint, derivativeCount, derivatives, dataHint, results, resultHint, \
+            cells, {leftCallback, rightCallback, interpolateCallback, leftParam, rightParam, interpolateParam},  \
+            searchCallback, searchParam);                                                                        \
     }
 
 ORV_INTERPOLATE(d, double)

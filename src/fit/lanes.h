@@ -90,8 +90,8 @@ inline __m128i narrow_mask(const Four<double>& m) {
 }
 
 inline Four<float> gather4(const float* base, __m128i index) {
-    const __m128 low = _mm_unpacklo_ps(_mm_load_ss(base + _mm_cvtsi128_si32(index)),
-                                       _mm_load_ss(base + _mm_extract_epi32(index, 1)));
+    const __m128 low =
+        _mm_unpacklo_ps(_mm_load_ss(base + _mm_cvtsi128_si32(index)), _mm_load_ss(base + _mm_extract_epi32(index, 1)));
     const __m128 high = _mm_unpacklo_ps(_mm_load_ss(base + _mm_extract_epi32(index, 2)),
                                         _mm_load_ss(base + _mm_extract_epi32(index, 3)));
     return {{_mm_movelh_ps(low, high)}};

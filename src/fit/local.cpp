@@ -7,7 +7,7 @@ namespace {
 
 constexpr int32_t block_cells = 2048, block_functions = 4;
 constexpr int64_t blocked_values = 512;
-constexpr int32_t tile_cells = 512;
+constexpr int32_t tile_cells = 256;
 constexpr int32_t reach = 2;  // slopes to either side of a break that a rule may read
 
 template <class T>
@@ -19,7 +19,7 @@ struct Tile {
 // What an end action sees of one end: `outer` and `inner` are its first two cells, `far` and `far_inner` those of the
 // other end, `left` the left break of its two cells.
 template <bool interleaved, bool uniform, class T>
-End<T> end_at(const Construction<T>& c, const Values<T, interleaved>& y, bool right) {
+End<T> end_at(const Construction<T>& c, Values<T, interleaved> y, bool right) {
     const Partition<T>& p = c.partition;
     const int32_t last = p.count - 2;
     const int32_t outer = right ? last : 0, inner = right ? last - 1 : 1, left = right ? last - 1 : 0;
@@ -50,19 +50,26 @@ void pad(Tile<T>& tile, int32_t known_from, int32_t known_to) {
 }
 
 template <class T, bool interleaved, bool uniform>
-void work_tile(const Construction<T>& c, const LocalFamily<T>& family, Tile<T>& tile, int32_t a, int32_t b, int32_t first,
-               int32_t end) {
+void work_tile(const Construction<T>& c, const LocalFamily<T>& family, Tile<T>& tile, int32_t a, int32_t b,
+               int32_t first, int32_t end) {
     const Partition<T>& p = c.partition;
     const int32_t cells = p.count - 1;
     const int32_t base = a - reach;
     const int32_t lo = base > 0 ? base : 0, hi = b + reach < cells ? b + reach : cells;
-    cell_widths<uniform>(p, lo, hi, tile.h + (lo - base), tile.inverse + (lo - base));
+    // Widths are for the rule, which on a uniform partition has no use for them.
+    const bool together = end - first == 1 && (uniform || !family.reads_widths);
+    if (!together)
+        cell_widths<uniform>(p, lo, hi, family.reads_widths ? tile.h + (lo - base) : nullptr,
+                             tile.inverse + (lo - base));
     pad(tile, lo - base, hi - base);
     const DerivativeRule<T> rule = uniform ? family.uniform_rule : family.rule;
     const int32_t from = a > 1 ? a : 1, to = b < cells - 1 ? b : cells - 1;
     for (int32_t f = first; f < end; ++f) {
         const auto y = values_of<interleaved>(c, f);
-        slopes(y, lo, hi, tile.inverse + (lo - base), tile.s + (lo - base));
+        if (together)
+            widths_and_slopes<uniform>(p, y, lo, hi, tile.inverse + (lo - base), tile.s + (lo - base));
+        else
+            slopes(y, lo, hi, tile.inverse + (lo - base), tile.s + (lo - base));
         if (family.extends_slopes && a == 0) {
             const auto e = end_at<interleaved, uniform>(c, y, false);
             tile.s[reach - 1] = c.boundary == periodic ? e.far_s0 : 2 * e.s0 - e.s1;
@@ -71,7 +78,8 @@ void work_tile(const Construction<T>& c, const LocalFamily<T>& family, Tile<T>& 
             const auto e = end_at<interleaved, uniform>(c, y, true);
             tile.s[cells - base] = c.boundary == periodic ? e.far_s0 : 2 * e.s0 - e.s1;
         }
-        const T* given = family.needs_internal_data ? c.ic + static_cast<ptrdiff_t>(f) * (cells - 1) + (from - 1) : nullptr;
+        const T* given =
+            family.needs_internal_data ? c.ic + static_cast<ptrdiff_t>(f) * (cells - 1) + (from - 1) : nullptr;
         rule(tile.s + (from - base), tile.h + (from - base), given, tile.m + (from - a), to - from + 1);
         if (a == 0) {
             auto e = end_at<interleaved, uniform>(c, y, false);
@@ -98,8 +106,8 @@ orv_df_status construct(const Construction<T>& c, const LocalFamily<T>& family, 
     const int64_t blocks = int64_t{cell_blocks} * function_blocks;
     const bool blocked = int64_t{c.partition.count} * c.functions >= blocked_values;
     const int32_t workers = blocked ? threads_for(services, blocks) : 1;
-    auto* tiles = static_cast<Tile<T>*>(
-        orv_serv_allocate(static_cast<size_t>(workers) * sizeof(Tile<T>), block_alignment));
+    auto* tiles =
+        static_cast<Tile<T>*>(orv_serv_allocate(static_cast<size_t>(workers) * sizeof(Tile<T>), block_alignment));
     if (!tiles) return ORV_DF_NO_MEMORY;
     const auto work = [&](int32_t index) {
         const Share share = share_of(blocks, 1, index, workers);

@@ -8,15 +8,15 @@ namespace orv::fit {
 // What an end action sees, from the end inwards; the far values are those at the other end, from it inwards.
 template <class T>
 struct End {
-    T h0, h1;            // the first two widths
-    T s0, s1;            // the first two slopes
-    T rise;              // (value at the third break from the left of the two outer cells) - (value at the left one)
-    T inverse_width;     // uniform partitions
-    T m1;                // the derivative at the break next to the end
-    T given;             // the boundary value, or 0
-    T side;              // 1 at the left end, -1 at the right one
+    T h0, h1;         // the first two widths
+    T s0, s1;         // the first two slopes
+    T rise;           // (value at the third break from the left of the two outer cells) - (value at the left one)
+    T inverse_width;  // uniform partitions
+    T m1;             // the derivative at the break next to the end
+    T given;          // the boundary value, or 0
+    T side;           // 1 at the left end, -1 at the right one
     T far_h0, far_s0, far_s1;
-    T around;            // the sum of the rises of the two cells beside a periodic end
+    T around;  // the sum of the rises of the two cells beside a periodic end
     bool uniform;
 };
 
@@ -88,7 +88,7 @@ template <class T>
 struct LocalFamily {
     int32_t least_breaks;
     NoCondition no_condition_is;
-    bool needs_internal_data;
+    bool needs_internal_data, reads_widths;
     // The rule reads slopes two cells away, which at the breaks next to the ends lie beyond the partition.
     bool extends_slopes;
     DerivativeRule<T> rule, uniform_rule;
@@ -101,12 +101,12 @@ orv_df_status local_cubic(const DFTask* task, const LocalFamily<T>& family, cons
 }  // namespace orv::fit
 
 // The two exported entries of a family.
-#define ORV_LOCAL_ENTRIES(kind, family)                                                                                  \
-    ORV_API int32_t orv_df_kernel_dDF##kind##Spline1D(const DFTask* task, const void*, const void*, int64_t,             \
-                                                      const orv_services* services) {                                   \
-        return orv::fit::local_cubic(task, orv::fit::family<double>, services);                                          \
-    }                                                                                                                    \
-    ORV_API int32_t orv_df_kernel_sDF##kind##Spline1D(const DFTask* task, const void*, const void*, int64_t,             \
-                                                      const orv_services* services) {                                   \
-        return orv::fit::local_cubic(task, orv::fit::family<float>, services);                                           \
+#define ORV_LOCAL_ENTRIES(kind, family)                                                                      \
+    ORV_API int32_t orv_df_kernel_dDF##kind##Spline1D(const DFTask* task, const void*, const void*, int64_t, \
+                                                      const orv_services* services) {                        \
+        return orv::fit::local_cubic(task, orv::fit::family<double>, services);                              \
+    }                                                                                                        \
+    ORV_API int32_t orv_df_kernel_sDF##kind##Spline1D(const DFTask* task, const void*, const void*, int64_t, \
+                                                      const orv_services* services) {                        \
+        return orv::fit::local_cubic(task, orv::fit::family<float>, services);                               \
     }

@@ -88,8 +88,8 @@ EndRow<T> end_row(const Construction<T>& c, bool right, T s0, T s1) {
     const int32_t last = c.partition.count - 2;
     const int32_t outer = right ? last : 0, inner = last == 0 ? 0 : right ? last - 1 : 1;
     const T given = c.boundary >= first_first ? c.bc[right] : T{};
-    return end_rows<T>[c.boundary][right](width_of<uniform>(c.partition, outer), width_of<uniform>(c.partition, inner), s0,
-                                          s1, given, right ? T(-1) : T(1));
+    return end_rows<T>[c.boundary][right](width_of<uniform>(c.partition, outer), width_of<uniform>(c.partition, inner),
+                                          s0, s1, given, right ? T(-1) : T(1));
 }
 
 // Interior rows of the matrix, 1 to n - 2. Uniform widths cancel.
@@ -246,7 +246,8 @@ orv_df_status natural(const Construction<T>& c, const orv_services* services) {
         const auto work = [&](int32_t index) {
             for (int32_t f = index; f < functions; f += threads) {
                 side_of(f, index);
-                if (!finish<T, interleaved, uniform>(c, w, f, index, false)) __atomic_store_n(&info, 1, __ATOMIC_RELAXED);
+                if (!finish<T, interleaved, uniform>(c, w, f, index, false))
+                    __atomic_store_n(&info, 1, __ATOMIC_RELAXED);
             }
         };
         parallel(services, threads, work);

@@ -71,8 +71,7 @@ void locate_uniform(const Pieces<T>& pieces, int32_t count, const T* sites, int3
     const auto zero = splat(T{0}), last = splat(static_cast<T>(p.count - 2));
     const auto group = [&](int32_t to, const T* x_of) {
         const Four<T> x = load4(x_of);
-        const __m128i index =
-            truncate(map(x, [&](auto v) { return least(most((v - first) * factor, zero), last); }));
+        const __m128i index = truncate(map(x, [&](auto v) { return least(most((v - first) * factor, zero), last); }));
         store4(piece + to, index);
         const Four<T> origin = map(to_elements(index, T{}), [&](auto i) { return first + i * width; });
         store_group(offset + to, minus(x, origin));

@@ -58,7 +58,7 @@ struct KnotCell {
 };
 
 template <bool interleaved, bool uniform, class T>
-KnotCell<T> knot_cell(const Construction<T>& c, const Values<T, interleaved>& y, int32_t i) {
+KnotCell<T> knot_cell(const Construction<T>& c, Values<T, interleaved> y, int32_t i) {
     const Partition<T>& part = c.partition;
     const T left = uniform ? part.first + static_cast<T>(i) * part.width : part.breaks[i];
     const T h = width_of<uniform>(part, i);
@@ -106,7 +106,8 @@ orv_df_status between_knots(const Construction<T>& c, const orv_services*) {
     int32_t info = 0;
     for (int32_t f = 0; info == 0 && f < c.functions; ++f) {
         const auto y = values_of<interleaved>(c, f);
-        const T given_left = c.boundary >= first_first ? c.bc[0] : T{}, given_right = c.boundary >= first_first ? c.bc[1] : T{};
+        const T given_left = c.boundary >= first_first ? c.bc[0] : T{},
+                given_right = c.boundary >= first_first ? c.bc[1] : T{};
         const Row<T> first = end_rows<T>[c.boundary][0](knot_cell<interleaved, uniform>(c, y, 0), given_left, T(1));
         KnotCell<T> before = knot_cell<interleaved, uniform>(c, y, last);
         const KnotCell<T> mirrored = {before.h, before.s, before.q, before.p};

@@ -16,12 +16,23 @@ orv_df_status query_pointer(const DFTask* task, int64_t id, T** result) {
     if (!result) return ORV_DF_NULL_RESULT;
     if (task->editable != 1) return ORV_DF_OK;
     switch (id) {
-    case ORV_DF_BREAKS: *result = given<T>(task->breaks); return ORV_DF_OK;
-    case ORV_DF_FUNCTIONS: *result = task->funcs ? given<T>(task->funcs[0]) : nullptr; return ORV_DF_OK;
-    case ORV_DF_INTERNAL_DATA: *result = given<T>(task->icData); return ORV_DF_OK;
-    case ORV_DF_BOUNDARY_DATA: *result = given<T>(task->bcData); return ORV_DF_OK;
-    case ORV_DF_COEFFICIENTS: *result = task->coeffs ? given<T>(task->coeffs[0]) : nullptr; return ORV_DF_OK;
-    default: return ORV_DF_BAD_PARAMETER;
+        case ORV_DF_BREAKS:
+            *result = given<T>(task->breaks);
+            return ORV_DF_OK;
+        case ORV_DF_FUNCTIONS:
+            *result = task->funcs ? given<T>(task->funcs[0]) : nullptr;
+            return ORV_DF_OK;
+        case ORV_DF_INTERNAL_DATA:
+            *result = given<T>(task->icData);
+            return ORV_DF_OK;
+        case ORV_DF_BOUNDARY_DATA:
+            *result = given<T>(task->bcData);
+            return ORV_DF_OK;
+        case ORV_DF_COEFFICIENTS:
+            *result = task->coeffs ? given<T>(task->coeffs[0]) : nullptr;
+            return ORV_DF_OK;
+        default:
+            return ORV_DF_BAD_PARAMETER;
     }
 }
 
@@ -31,17 +42,38 @@ orv_df_status query_value(const DFTask* task, int64_t id, void* result) {
     if (task->editable != 1) return ORV_DF_OK;
     int64_t value;
     switch (id) {
-    case ORV_DF_BREAK_COUNT: value = task->breakCount; break;
-    case ORV_DF_BREAK_HINT: value = task->breakHint; break;
-    case ORV_DF_FUNCTION_COUNT: value = task->funcCount; break;
-    case ORV_DF_FUNCTION_HINT: value = task->funcHint; break;
-    case ORV_DF_SPLINE_ORDER: value = task->splineOrder; break;
-    case ORV_DF_SPLINE_TYPE: value = task->splineType; break;
-    case ORV_DF_INTERNAL_TYPE: value = task->icType; break;
-    case ORV_DF_BOUNDARY_TYPE: value = task->bcType; break;
-    case ORV_DF_COEFFICIENT_HINT: value = task->coeffHint; break;
-    case ORV_DF_CHECK_FLAG: value = task->checkFlag; break;
-    default: return ORV_DF_BAD_PARAMETER;
+        case ORV_DF_BREAK_COUNT:
+            value = task->breakCount;
+            break;
+        case ORV_DF_BREAK_HINT:
+            value = task->breakHint;
+            break;
+        case ORV_DF_FUNCTION_COUNT:
+            value = task->funcCount;
+            break;
+        case ORV_DF_FUNCTION_HINT:
+            value = task->funcHint;
+            break;
+        case ORV_DF_SPLINE_ORDER:
+            value = task->splineOrder;
+            break;
+        case ORV_DF_SPLINE_TYPE:
+            value = task->splineType;
+            break;
+        case ORV_DF_INTERNAL_TYPE:
+            value = task->icType;
+            break;
+        case ORV_DF_BOUNDARY_TYPE:
+            value = task->bcType;
+            break;
+        case ORV_DF_COEFFICIENT_HINT:
+            value = task->coeffHint;
+            break;
+        case ORV_DF_CHECK_FLAG:
+            value = task->checkFlag;
+            break;
+        default:
+            return ORV_DF_BAD_PARAMETER;
     }
     // Bytes, since a narrow or packed caller's integer need not be aligned. The low half comes first on this processor.
     __builtin_memcpy(result, &value, task->wideInts ? sizeof(int64_t) : sizeof(int32_t));
@@ -56,12 +88,15 @@ orv_df_status query_indexed_pointer(const DFTask* task, int64_t id, int64_t inde
     if (index < 0 || index > task->funcCount) return ORV_DF_BAD_INDEX;
     if (task->editable != 1) return ORV_DF_OK;
     switch (id) {
-    case ORV_DF_FUNCTIONS:
-        if (task->funcHint == ORV_DF_COLUMNS) return ORV_DF_BAD_FUNCTION_HINT;
-        *result = task->funcs ? given<T>(task->funcs[index]) : nullptr;
-        return ORV_DF_OK;
-    case ORV_DF_COEFFICIENTS: *result = task->coeffs ? given<T>(task->coeffs[index]) : nullptr; return ORV_DF_OK;
-    default: return ORV_DF_BAD_PARAMETER;
+        case ORV_DF_FUNCTIONS:
+            if (task->funcHint == ORV_DF_COLUMNS) return ORV_DF_BAD_FUNCTION_HINT;
+            *result = task->funcs ? given<T>(task->funcs[index]) : nullptr;
+            return ORV_DF_OK;
+        case ORV_DF_COEFFICIENTS:
+            *result = task->coeffs ? given<T>(task->coeffs[index]) : nullptr;
+            return ORV_DF_OK;
+        default:
+            return ORV_DF_BAD_PARAMETER;
     }
 }
 
@@ -70,12 +105,12 @@ orv_df_status query_indexed_pointer(const DFTask* task, int64_t id, int64_t inde
 
 using namespace orv::fit;
 
-#define ORV_QUERY_ENTRIES(letter, T)                                                                                     \
-    ORV_API int32_t orv_df_kernel_##letter##QueryPtr(const DFTask* task, int64_t id, T** result) {                       \
-        return query_pointer(task, id, result);                                                                          \
-    }                                                                                                                    \
-    ORV_API int32_t orv_df_kernel_##letter##QueryIdxPtr(const DFTask* task, int64_t id, int64_t index, T** result) {     \
-        return query_indexed_pointer(task, id, index, result);                                                           \
+#define ORV_QUERY_ENTRIES(letter, T)                                                                                 \
+    ORV_API int32_t orv_df_kernel_##letter##QueryPtr(const DFTask* task, int64_t id, T** result) {                   \
+        return query_pointer(task, id, result);                                                                      \
+    }                                                                                                                \
+    ORV_API int32_t orv_df_kernel_##letter##QueryIdxPtr(const DFTask* task, int64_t id, int64_t index, T** result) { \
+        return query_indexed_pointer(task, id, index, result);                                                       \
     }
 
 ORV_QUERY_ENTRIES(d, double)

@@ -11,12 +11,12 @@ constexpr int64_t threaded_sites = 1 << 15;
 // Sites below which the entry works site by site.
 constexpr int64_t few_sites = 32;
 
-#define ORV_METHOD_TABLE(letter)                                                                                         \
-    {                                                                                                                    \
-        orv_df_kernel_##letter##DFUniformSearch1D, orv_df_kernel_##letter##DFQuasiUniformSearch1D,                       \
-            orv_df_kernel_##letter##DFSortedSearch1D, orv_df_kernel_##letter##DFPeakSearch1D,                            \
-            orv_df_kernel_##letter##DFHybridSearch1D, orv_df_kernel_##letter##DFUserDefSearch1D,                         \
-            orv_df_kernel_##letter##DFUniUserDefSearch1D,                                                                \
+#define ORV_METHOD_TABLE(letter)                                                                   \
+    {                                                                                              \
+        orv_df_kernel_##letter##DFUniformSearch1D, orv_df_kernel_##letter##DFQuasiUniformSearch1D, \
+            orv_df_kernel_##letter##DFSortedSearch1D, orv_df_kernel_##letter##DFPeakSearch1D,      \
+            orv_df_kernel_##letter##DFHybridSearch1D, orv_df_kernel_##letter##DFUserDefSearch1D,   \
+            orv_df_kernel_##letter##DFUniUserDefSearch1D,                                          \
     }
 
 template <class T>
@@ -35,20 +35,24 @@ int32_t search_few(const SearchPlan<T>& plan, int64_t count, const T* sites, int
         return ORV_DF_OK;
     };
     switch (plan.kind) {
-    case uniform: return each([&](T x) { return uniform_cell(p, x); });
-    case quasi_uniform: return each([&](T x) { return walk(p, at, uniform_cell(p, x), x); });
-    case hybrid: return each([&](T x) { return hybrid_cell(p, plan.table, plan.scale, x); });
-    case peak: {
-        const auto start = static_cast<int32_t>(plan.scale);
-        return each([&](T x) { return walk(p, at, start, x); });
-    }
-    case sorted: {
-        int64_t state = 0;
-        return methods<T>[sorted](p.count, p.breaks, count, sites, &state, T{}, nullptr, nullptr, flags, nullptr, cells);
-    }
-    default:
-        return methods<T>[plan.kind](p.count, p.breaks, count, sites, nullptr, T{}, plan.callback, plan.param, flags,
-                                     nullptr, cells);
+        case uniform:
+            return each([&](T x) { return uniform_cell(p, x); });
+        case quasi_uniform:
+            return each([&](T x) { return walk(p, at, uniform_cell(p, x), x); });
+        case hybrid:
+            return each([&](T x) { return hybrid_cell(p, plan.table, plan.scale, x); });
+        case peak: {
+            const auto start = static_cast<int32_t>(plan.scale);
+            return each([&](T x) { return walk(p, at, start, x); });
+        }
+        case sorted: {
+            int64_t state = 0;
+            return methods<T>[sorted](p.count, p.breaks, count, sites, &state, T{}, nullptr, nullptr, flags, nullptr,
+                                      cells);
+        }
+        default:
+            return methods<T>[plan.kind](p.count, p.breaks, count, sites, nullptr, T{}, plan.callback, plan.param,
+                                         flags, nullptr, cells);
     }
 }
 
@@ -115,7 +119,8 @@ orv_df_status plan_search(const DFTask& task, int64_t siteHint, const T* dataHin
 }
 
 template <class T>
-int32_t run_search(const SearchPlan<T>& plan, int64_t count, const T* sites, int64_t* state, int64_t flags, void* cells) {
+int32_t run_search(const SearchPlan<T>& plan, int64_t count, const T* sites, int64_t* state, int64_t flags,
+                   void* cells) {
     const Partition<T>& p = plan.partition;
     return methods<T>[plan.kind](p.count, p.breaks, count, sites, state, plan.scale, plan.callback, plan.param, flags,
                                  plan.table, cells);

@@ -11,8 +11,8 @@ enum SearchKind : int32_t { uniform, quasi_uniform, sorted, peak, hybrid, user_d
 constexpr int64_t wide_cells = 1;  // the flag of the search methods
 
 template <class T>
-using SearchMethod = int32_t (*)(int64_t, const T*, int64_t, const T*, int64_t*, T, orv_df_search_callback, void*, int64_t,
-                                 const orv_df_bucket*, void*);
+using SearchMethod = int32_t (*)(int64_t, const T*, int64_t, const T*, int64_t*, T, orv_df_search_callback, void*,
+                                 int64_t, const orv_df_bucket*, void*);
 
 // What a search needs to know besides its sites.
 template <class T>
@@ -31,7 +31,8 @@ orv_df_status plan_search(const DFTask& task, int64_t siteHint, const T* dataHin
 
 // Runs the plan's method over `count` sites. `state` is the Sorted method's.
 template <class T>
-int32_t run_search(const SearchPlan<T>& plan, int64_t count, const T* sites, int64_t* state, int64_t flags, void* cells);
+int32_t run_search(const SearchPlan<T>& plan, int64_t count, const T* sites, int64_t* state, int64_t flags,
+                   void* cells);
 
 // The cell of one site, by bisection: where a sorted search that starts in the middle of its sites begins.
 template <class T>

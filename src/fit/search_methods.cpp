@@ -146,33 +146,33 @@ void search_hybrid(const Partition<T>& p, int64_t siteCount, const T* sites, T s
 
 using namespace orv::fit;
 
-#define ORV_SEARCH_ARGUMENTS(T)                                                                                          \
-    (int64_t breakCount, const T* breaks, int64_t siteCount, const T* sites, [[maybe_unused]] int64_t* state,            \
-     [[maybe_unused]] T scale, orv_df_search_callback, void*, [[maybe_unused]] int64_t flags,                            \
+#define ORV_SEARCH_ARGUMENTS(T)                                                                               \
+    (int64_t breakCount, const T* breaks, int64_t siteCount, const T* sites, [[maybe_unused]] int64_t* state, \
+     [[maybe_unused]] T scale, orv_df_search_callback, void*, [[maybe_unused]] int64_t flags,                 \
      [[maybe_unused]] const orv_df_bucket* cellTable, void* cells)
 
 // One exported form: `call` with Cell as 64-bit integers where `wide`, else as 32-bit ones.
-#define ORV_SEARCH_FORM(name, T, uniform_partition, wide, function, ...)                                                 \
-    ORV_API int32_t name ORV_SEARCH_ARGUMENTS(T) {                                                                       \
-        if (siteCount <= 0) return ORV_DF_OK;                                                                            \
-        const Partition<T> p = partition_of(breaks, breakCount, uniform_partition);                                      \
-        if (wide)                                                                                                        \
-            function(p, siteCount, sites, __VA_ARGS__, static_cast<int64_t*>(cells));                                    \
-        else                                                                                                             \
-            function(p, siteCount, sites, __VA_ARGS__, static_cast<int32_t*>(cells));                                    \
-        return ORV_DF_OK;                                                                                                \
+#define ORV_SEARCH_FORM(name, T, uniform_partition, wide, function, ...)              \
+    ORV_API int32_t name ORV_SEARCH_ARGUMENTS(T) {                                    \
+        if (siteCount <= 0) return ORV_DF_OK;                                         \
+        const Partition<T> p = partition_of(breaks, breakCount, uniform_partition);   \
+        if (wide)                                                                     \
+            function(p, siteCount, sites, __VA_ARGS__, static_cast<int64_t*>(cells)); \
+        else                                                                          \
+            function(p, siteCount, sites, __VA_ARGS__, static_cast<int32_t*>(cells)); \
+        return ORV_DF_OK;                                                             \
     }
 
-#define ORV_SEARCH_METHOD(letter, T, method, uniform_partition, wide32, function, ...)                                   \
-    ORV_SEARCH_FORM(orv_df_kernel_##letter##DF##method##Search1D, T, uniform_partition, flags& wide_cells, function,     \
-                    __VA_ARGS__)                                                                                         \
+#define ORV_SEARCH_METHOD(letter, T, method, uniform_partition, wide32, function, ...)                               \
+    ORV_SEARCH_FORM(orv_df_kernel_##letter##DF##method##Search1D, T, uniform_partition, flags& wide_cells, function, \
+                    __VA_ARGS__)                                                                                     \
     ORV_SEARCH_FORM(orv_df_kernel_##letter##DF##method##Search1D32, T, uniform_partition, wide32, function, __VA_ARGS__)
 
-#define ORV_SEARCH_METHODS(letter, T)                                                                                    \
-    ORV_SEARCH_METHOD(letter, T, Uniform, true, false, search_uniform, scale)                                            \
-    ORV_SEARCH_METHOD(letter, T, QuasiUniform, false, false, search_quasi_uniform, scale)                                \
-    ORV_SEARCH_METHOD(letter, T, Sorted, false, flags& wide_cells, search_sorted, state)                                 \
-    ORV_SEARCH_METHOD(letter, T, Peak, false, flags& wide_cells, search_peak, scale)                                     \
+#define ORV_SEARCH_METHODS(letter, T)                                                     \
+    ORV_SEARCH_METHOD(letter, T, Uniform, true, false, search_uniform, scale)             \
+    ORV_SEARCH_METHOD(letter, T, QuasiUniform, false, false, search_quasi_uniform, scale) \
+    ORV_SEARCH_METHOD(letter, T, Sorted, false, flags& wide_cells, search_sorted, state)  \
+    ORV_SEARCH_METHOD(letter, T, Peak, false, flags& wide_cells, search_peak, scale)      \
     ORV_SEARCH_METHOD(letter, T, Hybrid, false, flags& wide_cells, search_hybrid, scale, cellTable)
 
 ORV_SEARCH_METHODS(d, double)

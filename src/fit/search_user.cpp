@@ -13,7 +13,9 @@ int32_t search_by_user(const Partition<T>& p, bool is_uniform_partition, int64_t
     uint8_t unfinished[block];
     const orv_df_partition partition = {p.count, is_uniform_partition, p.breaks};
     const auto at = [&](int32_t i) { return p.breaks[i]; };
-    const auto at_uniform = [&](int32_t i) { return i == p.count - 1 ? p.last : p.first + static_cast<T>(i) * p.width; };
+    const auto at_uniform = [&](int32_t i) {
+        return i == p.count - 1 ? p.last : p.first + static_cast<T>(i) * p.width;
+    };
     for (int64_t i = 0; i < siteCount; i += block) {
         const int64_t count = siteCount - i < block ? siteCount - i : block;
         for (int64_t k = 0; k < count; ++k) found[k] = -1;
@@ -24,7 +26,8 @@ int32_t search_by_user(const Partition<T>& p, bool is_uniform_partition, int64_t
             if (!unfinished[k]) continue;
             const int64_t guess = found[k] <= 0 ? 0 : found[k] < p.count ? found[k] : p.count;
             const auto start = static_cast<int32_t>(guess);
-            found[k] = is_uniform_partition ? walk(p, at_uniform, start, sites[i + k]) : walk(p, at, start, sites[i + k]);
+            found[k] =
+                is_uniform_partition ? walk(p, at_uniform, start, sites[i + k]) : walk(p, at, start, sites[i + k]);
         }
         for (int64_t k = 0; k < count; ++k) cells[i + k] = static_cast<Cell>(found[k]);
     }
@@ -36,22 +39,22 @@ int32_t search_by_user(const Partition<T>& p, bool is_uniform_partition, int64_t
 
 using namespace orv::fit;
 
-#define ORV_USER_FORM(name, T, uniform_partition, wide)                                                                  \
-    ORV_API int32_t name(int64_t breakCount, const T* breaks, int64_t siteCount, const T* sites, int64_t*, T,            \
-                         orv_df_search_callback callback, void* callbackParam, [[maybe_unused]] int64_t flags,           \
-                         const orv_df_bucket*, void* cells) {                                                            \
-        if (siteCount <= 0) return ORV_DF_OK;                                                                            \
-        const Partition<T> p = partition_of(breaks, breakCount, uniform_partition);                                      \
-        return wide ? search_by_user(p, uniform_partition, siteCount, sites, callback, callbackParam,                    \
-                                     static_cast<int64_t*>(cells))                                                       \
-                    : search_by_user(p, uniform_partition, siteCount, sites, callback, callbackParam,                    \
-                                     static_cast<int32_t*>(cells));                                                      \
+#define ORV_USER_FORM(name, T, uniform_partition, wide)                                                        \
+    ORV_API int32_t name(int64_t breakCount, const T* breaks, int64_t siteCount, const T* sites, int64_t*, T,  \
+                         orv_df_search_callback callback, void* callbackParam, [[maybe_unused]] int64_t flags, \
+                         const orv_df_bucket*, void* cells) {                                                  \
+        if (siteCount <= 0) return ORV_DF_OK;                                                                  \
+        const Partition<T> p = partition_of(breaks, breakCount, uniform_partition);                            \
+        return wide ? search_by_user(p, uniform_partition, siteCount, sites, callback, callbackParam,          \
+                                     static_cast<int64_t*>(cells))                                             \
+                    : search_by_user(p, uniform_partition, siteCount, sites, callback, callbackParam,          \
+                                     static_cast<int32_t*>(cells));                                            \
     }
 
-#define ORV_USER_METHODS(letter, T)                                                                                      \
-    ORV_USER_FORM(orv_df_kernel_##letter##DFUserDefSearch1D, T, false, (flags & wide_cells) != 0)                        \
-    ORV_USER_FORM(orv_df_kernel_##letter##DFUserDefSearch1D32, T, false, false)                                          \
-    ORV_USER_FORM(orv_df_kernel_##letter##DFUniUserDefSearch1D, T, true, (flags & wide_cells) != 0)                      \
+#define ORV_USER_METHODS(letter, T)                                                                 \
+    ORV_USER_FORM(orv_df_kernel_##letter##DFUserDefSearch1D, T, false, (flags & wide_cells) != 0)   \
+    ORV_USER_FORM(orv_df_kernel_##letter##DFUserDefSearch1D32, T, false, false)                     \
+    ORV_USER_FORM(orv_df_kernel_##letter##DFUniUserDefSearch1D, T, true, (flags & wide_cells) != 0) \
     ORV_USER_FORM(orv_df_kernel_##letter##DFUniUserDefSearch1D32, T, true, false)
 
 ORV_USER_METHODS(d, double)

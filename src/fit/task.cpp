@@ -114,26 +114,27 @@ orv_df_status edit_pointer(DFTask* task, int64_t id, const T* pointer) {
     if (!task) return ORV_DF_NULL_TASK;
     if (task->editable != 1) return ORV_DF_OK;
     switch (id) {
-    case ORV_DF_BREAKS:
-        if (!pointer) return ORV_DF_NULL_BREAKS;
-        task->breaks = pointer;
-        return ORV_DF_OK;
-    case ORV_DF_FUNCTIONS:
-        if (!pointer) return ORV_DF_NULL_FUNCTIONS;
-        orv_serv_deallocate(task->funcs);
-        return set_functions(*task, pointer, task->funcCount, task->funcHint);
-    case ORV_DF_INTERNAL_DATA:
-        if (!pointer) return ORV_DF_NULL_INTERNAL_DATA;
-        task->icData = pointer;
-        return ORV_DF_OK;
-    case ORV_DF_BOUNDARY_DATA:
-        if (!pointer) return ORV_DF_NULL_BOUNDARY_DATA;
-        task->bcData = pointer;
-        return ORV_DF_OK;
-    case ORV_DF_COEFFICIENTS:
-        if (!pointer) return ORV_DF_NULL_COEFFICIENTS;
-        return set_coefficients(*task, const_cast<T*>(pointer), task->coeffHint);
-    default: return ORV_DF_BAD_PARAMETER;
+        case ORV_DF_BREAKS:
+            if (!pointer) return ORV_DF_NULL_BREAKS;
+            task->breaks = pointer;
+            return ORV_DF_OK;
+        case ORV_DF_FUNCTIONS:
+            if (!pointer) return ORV_DF_NULL_FUNCTIONS;
+            orv_serv_deallocate(task->funcs);
+            return set_functions(*task, pointer, task->funcCount, task->funcHint);
+        case ORV_DF_INTERNAL_DATA:
+            if (!pointer) return ORV_DF_NULL_INTERNAL_DATA;
+            task->icData = pointer;
+            return ORV_DF_OK;
+        case ORV_DF_BOUNDARY_DATA:
+            if (!pointer) return ORV_DF_NULL_BOUNDARY_DATA;
+            task->bcData = pointer;
+            return ORV_DF_OK;
+        case ORV_DF_COEFFICIENTS:
+            if (!pointer) return ORV_DF_NULL_COEFFICIENTS;
+            return set_coefficients(*task, const_cast<T*>(pointer), task->coeffHint);
+        default:
+            return ORV_DF_BAD_PARAMETER;
     }
 }
 
@@ -141,49 +142,50 @@ orv_df_status edit_value(DFTask* task, int64_t id, int64_t value) {
     if (!task) return ORV_DF_NULL_TASK;
     if (task->editable != 1) return ORV_DF_OK;
     switch (id) {
-    case ORV_DF_BREAK_COUNT:
-        if (value < 2) return ORV_DF_BAD_BREAK_COUNT;
-        task->breakCount = value;
-        return ORV_DF_OK;
-    case ORV_DF_BREAK_HINT:
-        if (!known_break_hint(value)) return ORV_DF_BAD_BREAK_HINT;
-        task->breakHint = value;
-        if (value != ORV_DF_BREAKS_NON_UNIFORM) return ORV_DF_OK;
-        orv_serv_deallocate(task->cellTable);
-        return task->isDouble ? build_bucket_table<double>(*task) : build_bucket_table<float>(*task);
-    case ORV_DF_FUNCTION_COUNT:
-        if (value <= 0) return ORV_DF_BAD_FUNCTION_COUNT;
-        task->funcCount = value;
-        return ORV_DF_OK;
-    case ORV_DF_FUNCTION_HINT:
-        if (!known_layout(value)) return ORV_DF_BAD_FUNCTION_HINT;
-        task->funcHint = value;
-        return ORV_DF_OK;
-    case ORV_DF_SPLINE_ORDER:
-        if (value < 0) return ORV_DF_BAD_SPLINE_ORDER;
-        task->splineOrder = value;
-        return ORV_DF_OK;
-    case ORV_DF_SPLINE_TYPE:
-        if (!((value >= 0 && value <= 5) || value == ORV_DF_TYPE_HYMAN)) return ORV_DF_BAD_SPLINE_TYPE;
-        task->splineType = value;
-        return ORV_DF_OK;
-    case ORV_DF_INTERNAL_TYPE:
-        if (!((value >= 0 && value <= 2) || (value & ORV_DF_INTERNAL_KNOTS))) return ORV_DF_BAD_INTERNAL_CONDITION;
-        task->icType = value;
-        return ORV_DF_OK;
-    case ORV_DF_BOUNDARY_TYPE:
-        if (value < 0) return ORV_DF_BAD_BOUNDARY_CONDITION;
-        task->bcType = value;
-        return ORV_DF_OK;
-    case ORV_DF_COEFFICIENT_HINT:
-        if (!known_layout(value)) return ORV_DF_BAD_COEFFICIENT_HINT;
-        task->coeffHint = value;
-        return ORV_DF_OK;
-    case ORV_DF_CHECK_FLAG:
-        if (value != 0 && value != 1) return ORV_DF_BAD_CHECK_FLAG;
-        task->checkFlag = static_cast<int32_t>(value);
-        return ORV_DF_OK;
-    default: return ORV_DF_BAD_PARAMETER;
+        case ORV_DF_BREAK_COUNT:
+            if (value < 2) return ORV_DF_BAD_BREAK_COUNT;
+            task->breakCount = value;
+            return ORV_DF_OK;
+        case ORV_DF_BREAK_HINT:
+            if (!known_break_hint(value)) return ORV_DF_BAD_BREAK_HINT;
+            task->breakHint = value;
+            if (value != ORV_DF_BREAKS_NON_UNIFORM) return ORV_DF_OK;
+            orv_serv_deallocate(task->cellTable);
+            return task->isDouble ? build_bucket_table<double>(*task) : build_bucket_table<float>(*task);
+        case ORV_DF_FUNCTION_COUNT:
+            if (value <= 0) return ORV_DF_BAD_FUNCTION_COUNT;
+            task->funcCount = value;
+            return ORV_DF_OK;
+        case ORV_DF_FUNCTION_HINT:
+            if (!known_layout(value)) return ORV_DF_BAD_FUNCTION_HINT;
+            task->funcHint = value;
+            return ORV_DF_OK;
+        case ORV_DF_SPLINE_ORDER:
+            if (value < 0) return ORV_DF_BAD_SPLINE_ORDER;
+            task->splineOrder = value;
+            return ORV_DF_OK;
+        case ORV_DF_SPLINE_TYPE:
+            if (!((value >= 0 && value <= 5) || value == ORV_DF_TYPE_HYMAN)) return ORV_DF_BAD_SPLINE_TYPE;
+            task->splineType = value;
+            return ORV_DF_OK;
+        case ORV_DF_INTERNAL_TYPE:
+            if (!((value >= 0 && value <= 2) || (value & ORV_DF_INTERNAL_KNOTS))) return ORV_DF_BAD_INTERNAL_CONDITION;
+            task->icType = value;
+            return ORV_DF_OK;
+        case ORV_DF_BOUNDARY_TYPE:
+            if (value < 0) return ORV_DF_BAD_BOUNDARY_CONDITION;
+            task->bcType = value;
+            return ORV_DF_OK;
+        case ORV_DF_COEFFICIENT_HINT:
+            if (!known_layout(value)) return ORV_DF_BAD_COEFFICIENT_HINT;
+            task->coeffHint = value;
+            return ORV_DF_OK;
+        case ORV_DF_CHECK_FLAG:
+            if (value != 0 && value != 1) return ORV_DF_BAD_CHECK_FLAG;
+            task->checkFlag = static_cast<int32_t>(value);
+            return ORV_DF_OK;
+        default:
+            return ORV_DF_BAD_PARAMETER;
     }
 }
 
@@ -193,18 +195,19 @@ orv_df_status edit_indexed_pointer(DFTask* task, int64_t id, int64_t index, cons
     if (task->editable != 1) return ORV_DF_OK;
     const bool in_range = index >= 0 && index < task->funcCount;
     switch (id) {
-    case ORV_DF_FUNCTIONS:
-        if (task->funcHint == ORV_DF_COLUMNS) return ORV_DF_BAD_FUNCTION_HINT;
-        if (!in_range) return ORV_DF_BAD_INDEX;
-        if (!pointer || !task->funcs) return ORV_DF_NULL_FUNCTIONS;
-        task->funcs[index] = pointer;
-        return ORV_DF_OK;
-    case ORV_DF_COEFFICIENTS:
-        if (!in_range) return ORV_DF_BAD_INDEX;
-        if (!pointer || !task->coeffs) return ORV_DF_NULL_COEFFICIENTS;
-        task->coeffs[index] = const_cast<T*>(pointer);
-        return ORV_DF_OK;
-    default: return ORV_DF_BAD_PARAMETER;
+        case ORV_DF_FUNCTIONS:
+            if (task->funcHint == ORV_DF_COLUMNS) return ORV_DF_BAD_FUNCTION_HINT;
+            if (!in_range) return ORV_DF_BAD_INDEX;
+            if (!pointer || !task->funcs) return ORV_DF_NULL_FUNCTIONS;
+            task->funcs[index] = pointer;
+            return ORV_DF_OK;
+        case ORV_DF_COEFFICIENTS:
+            if (!in_range) return ORV_DF_BAD_INDEX;
+            if (!pointer || !task->coeffs) return ORV_DF_NULL_COEFFICIENTS;
+            task->coeffs[index] = const_cast<T*>(pointer);
+            return ORV_DF_OK;
+        default:
+            return ORV_DF_BAD_PARAMETER;
     }
 }
 
@@ -213,22 +216,22 @@ orv_df_status edit_indexed_pointer(DFTask* task, int64_t id, int64_t index, cons
 
 using namespace orv::fit;
 
-#define ORV_TASK_ENTRIES(letter, T)                                                                                      \
-    ORV_API int32_t orv_df_kernel_##letter##NewTask1D(DFTask** task, int64_t breakCount, const T* breaks,                \
-                                                      int64_t breakHint, int64_t funcCount, const T* funcs,              \
-                                                      int64_t funcHint, int32_t wideInts) {                              \
-        return new_task(task, breakCount, breaks, breakHint, funcCount, funcs, funcHint, wideInts);                      \
-    }                                                                                                                    \
-    ORV_API int32_t orv_df_kernel_##letter##EditPPSpline1D(DFTask* task, int64_t splineOrder, int64_t splineType,        \
-                                                           int64_t bcType, const T* bcData, int64_t icType,              \
-                                                           const T* icData, T* coeffs, int64_t coeffHint) {              \
-        return edit_spline(task, splineOrder, splineType, bcType, bcData, icType, icData, coeffs, coeffHint);            \
-    }                                                                                                                    \
-    ORV_API int32_t orv_df_kernel_##letter##EditPtr(DFTask* task, int64_t id, const T* pointer) {                        \
-        return edit_pointer(task, id, pointer);                                                                          \
-    }                                                                                                                    \
-    ORV_API int32_t orv_df_kernel_##letter##EditIdxPtr(DFTask* task, int64_t id, int64_t index, const T* pointer) {      \
-        return edit_indexed_pointer(task, id, index, pointer);                                                           \
+#define ORV_TASK_ENTRIES(letter, T)                                                                                 \
+    ORV_API int32_t orv_df_kernel_##letter##NewTask1D(DFTask** task, int64_t breakCount, const T* breaks,           \
+                                                      int64_t breakHint, int64_t funcCount, const T* funcs,         \
+                                                      int64_t funcHint, int32_t wideInts) {                         \
+        return new_task(task, breakCount, breaks, breakHint, funcCount, funcs, funcHint, wideInts);                 \
+    }                                                                                                               \
+    ORV_API int32_t orv_df_kernel_##letter##EditPPSpline1D(DFTask* task, int64_t splineOrder, int64_t splineType,   \
+                                                           int64_t bcType, const T* bcData, int64_t icType,         \
+                                                           const T* icData, T* coeffs, int64_t coeffHint) {         \
+        return edit_spline(task, splineOrder, splineType, bcType, bcData, icType, icData, coeffs, coeffHint);       \
+    }                                                                                                               \
+    ORV_API int32_t orv_df_kernel_##letter##EditPtr(DFTask* task, int64_t id, const T* pointer) {                   \
+        return edit_pointer(task, id, pointer);                                                                     \
+    }                                                                                                               \
+    ORV_API int32_t orv_df_kernel_##letter##EditIdxPtr(DFTask* task, int64_t id, int64_t index, const T* pointer) { \
+        return edit_indexed_pointer(task, id, index, pointer);                                                      \
     }
 
 ORV_TASK_ENTRIES(d, double)

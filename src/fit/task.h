@@ -11,7 +11,8 @@
 namespace orv::fit {
 
 static_assert(offsetof(DFTask, recordTag) == 4 && offsetof(DFTask, isDouble) == 8 && offsetof(DFTask, editable) == 12);
-static_assert(offsetof(DFTask, breakCount) == 16 && offsetof(DFTask, breaks) == 24 && offsetof(DFTask, breakHint) == 32);
+static_assert(offsetof(DFTask, breakCount) == 16 && offsetof(DFTask, breaks) == 24 &&
+              offsetof(DFTask, breakHint) == 32);
 static_assert(offsetof(DFTask, funcCount) == 40 && offsetof(DFTask, funcs) == 48 && offsetof(DFTask, funcHint) == 56);
 static_assert(offsetof(DFTask, splineOrder) == 64 && offsetof(DFTask, splineType) == 72);
 static_assert(offsetof(DFTask, icType) == 80 && offsetof(DFTask, icData) == 88);
