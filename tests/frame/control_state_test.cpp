@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <vector>
 #include <xmmintrin.h>
 
 namespace {
@@ -60,7 +61,7 @@ void run_row(const Row& row, int accuracy) {
     constexpr int n = Arguments<T>::n;
     const T* a = arguments<T>.a;
     static T y[n];
-    if (row.shape == "ONE") {
+    if (row.shape() == "ONE") {
         entry<OneInput<T>>(row.dense, accuracy)(n, a, y);
         entry<OneInputStrided<T>>(row.strided, accuracy)(n, a, 1, y, 1);
     } else {
@@ -72,7 +73,7 @@ void run_row(const Row& row, int accuracy) {
 std::vector<Call> all_calls() {
     std::vector<Call> calls;
     for (const Row& row : math_rows()) {
-        if (!row.here || (row.shape != "ONE" && row.shape != "TWO")) continue;
+        if (!row.here || (row.shape() != "ONE" && row.shape() != "TWO")) continue;
         auto* run = row.type == 's'   ? run_row<float>
                     : row.type == 'd' ? run_row<double>
                     : row.type == 'c' ? run_row<orv_complex_s>
@@ -128,7 +129,7 @@ TEST(ControlState, FlagsOfTheKernelAreMergedIntoTheCallers) {
 
 TEST(ControlState, NothingIsTouchedForNoElements) {
     for (const Call& call : all_calls()) {
-        if (call.row->shape != "ONE" || call.row->type != 'd') continue;
+        if (call.row->shape() != "ONE" || call.row->type != 'd') continue;
         double y = 42;
         entry<OneInput<double>>(call.row->dense, call.accuracy)(0, nullptr, &y);
         EXPECT_EQ(y, 42) << call.name;
@@ -155,7 +156,7 @@ void call_on_odd_stack(Entry entry, int offset, int32_t n, const double* a, doub
 TEST(Stack, MayBeAlignedToFourBytes) {
     const double a[9] = {0.25, -1.5, 2.5, 0.75, 0.5, -0.25, 0.875, 1.0, 0.125};
     for (const Row& row : math_rows()) {
-        if (!row.here || row.shape != "ONE" || row.type != 'd') continue;
+        if (!row.here || row.shape() != "ONE" || row.type != 'd') continue;
         for (int accuracy = 0; accuracy < 3; ++accuracy) {
             double expected[9];
             entry<OneInput<double>>(row.dense, accuracy)(9, a, expected);
