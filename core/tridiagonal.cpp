@@ -54,6 +54,9 @@ V pair(double down, double up) { return _mm_set_pd(up, down); }
 double down_lane(V v) { return _mm_cvtsd_f64(v); }
 double up_lane(V v) { return _mm_cvtsd_f64(_mm_unpackhi_pd(v, v)); }
 
+// Products of two pivots below this, or above its inverse, may have lost digits or all of them.
+constexpr double least_product = 0x1p-900;
+
 bool usable(double pivot) { return pivot != 0 && std::isfinite(pivot); }
 
 // Which rows make up the halves: 0 to half - 1 above, last down to last - half + 1 below; then, when the row count is
@@ -73,7 +76,7 @@ struct System {
 struct Step {
     double r, y;
     bool eliminate(double d, double l, double u, double b) {
-        const double pivot = d - l * u * r;
+        const double pivot = d - l * r * u;  // in this order no product leaves the range of the matrix
         y = b - l * r * y;
         r = 1 / pivot;
         return usable(pivot);
@@ -131,15 +134,18 @@ int32_t eliminate(ptrdiff_t n, const System<T>& m) {
         const V pivot = d.outer - a * r;
         const V product = (d.inner * d.outer - b) - (d.inner * a) * r;
         Rows inverse = {one / pivot, pivot / product};
-        // A quotient of 0 comes from a product out of range: no pivot is infinite here.
-        const V finite = _mm_cmpeq_pd(inverse.outer * zero + inverse.inner * zero, zero);
-        if (_mm_movemask_pd(_mm_and_pd(finite, _mm_cmpneq_pd(inverse.inner, zero))) != 3) {
-            const V second = d.inner - b * inverse.outer;
-            if (!usable(down_lane(pivot))) return static_cast<int32_t>(i + 1);
-            if (!usable(up_lane(pivot))) return static_cast<int32_t>(j + 1);
+        const V size = _mm_andnot_pd(_mm_set1_pd(-0.0), product);
+        const V in_range = _mm_and_pd(_mm_cmple_pd(_mm_set1_pd(least_product), size),
+                                      _mm_cmple_pd(size, _mm_set1_pd(1 / least_product)));
+        if (_mm_movemask_pd(_mm_and_pd(in_range, _mm_cmpneq_pd(pivot, zero))) != 3) {
+            const V first = d.outer - l.outer * r * u.outer;
+            inverse.outer = one / first;
+            const V second = d.inner - l.inner * inverse.outer * u.inner;
+            inverse.inner = one / second;
+            if (!usable(down_lane(first))) return static_cast<int32_t>(i + 1);
+            if (!usable(up_lane(first))) return static_cast<int32_t>(j + 1);
             if (!usable(down_lane(second))) return static_cast<int32_t>(i + 2);
             if (!usable(up_lane(second))) return static_cast<int32_t>(j);
-            inverse.inner = one / second;
         }
         const Rows g = {l.outer * r, l.inner * inverse.outer};
         store_rows(m.upper, i - 1, m.lower, j, {u.outer * r, u.inner * inverse.outer});
@@ -167,14 +173,14 @@ int32_t eliminate(ptrdiff_t n, const System<T>& m) {
     double pivot = m.diagonal[k], right = rhs(k);
     if (k > 0) {
         const double l = m.lower[k - 1], u = m.upper[k - 1];
-        pivot -= l * u * down.r;
+        pivot -= l * down.r * u;
         right -= l * down.r * down.y;
         if (!solving) m.lower[k - 1] = static_cast<T>(l * down.r);
         m.upper[k - 1] = static_cast<T>(u * down.r);
     }
     if (k < rows.last) {
         const double l = m.upper[k], u = m.lower[k];
-        pivot -= l * u * up.r;
+        pivot -= l * up.r * u;
         right -= l * up.r * up.y;
         if (!solving) m.upper[k] = static_cast<T>(l * up.r);
         m.lower[k] = static_cast<T>(u * up.r);

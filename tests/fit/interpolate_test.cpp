@@ -82,7 +82,7 @@ TYPED_TEST(FitInterpolate, EveryOrderAndDerivativeInEveryLayout) {
                                 const int64_t piece = piece_of(fit, x[s]);
                                 const auto expected = static_cast<double>(
                                     fit.at(piece, x[s], static_cast<int>(orders[d]), static_cast<int64_t>(f)));
-                                ASSERT_NEAR(rows[(f * S + s) * D + d], expected, epsilon<T> * (uniform ? 12000 : 500))
+                                ASSERT_NEAR(rows[(f * S + s) * D + d], expected, 500 * epsilon<T>)
                                     << "order " << kind.order << " type " << kind.type << " site " << x[s]
                                     << " derivative " << orders[d] << " uniform " << uniform;
                             }
