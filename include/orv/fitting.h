@@ -25,13 +25,13 @@ typedef enum orv_df_status {
     ORV_DF_OK = 0,
     ORV_DF_NULL_TASK = -1000,
     ORV_DF_NO_MEMORY = -1001,
-    ORV_DF_BAD_METHOD = -1002,             /* method not 0 (Linear, Natural); spline type not 0 or 1 (Quadratic) */
-    ORV_DF_BAD_BREAK_COUNT = -1004,        /* fewer breaks than the operation needs */
+    ORV_DF_BAD_METHOD = -1002,      /* method not 0 (Linear, Natural); spline type not 0 or 1 (Quadratic) */
+    ORV_DF_BAD_BREAK_COUNT = -1004, /* fewer breaks than the operation needs */
     ORV_DF_NULL_BREAKS = -1005,
     ORV_DF_BAD_BREAK_HINT = -1006,
-    ORV_DF_BAD_FUNCTION_COUNT = -1007,     /* zero functions with a pointer, or not positive */
+    ORV_DF_BAD_FUNCTION_COUNT = -1007, /* zero functions with a pointer, or not positive */
     ORV_DF_NULL_FUNCTIONS = -1008,
-    ORV_DF_BAD_FUNCTION_HINT = -1009,      /* also: indexed access to interleaved functions */
+    ORV_DF_BAD_FUNCTION_HINT = -1009, /* also: indexed access to interleaved functions */
     ORV_DF_BAD_SPLINE_ORDER = -1010,
     ORV_DF_BAD_SPLINE_TYPE = -1011,        /* also: order and type that do not go together */
     ORV_DF_BAD_INTERNAL_CONDITION = -1012, /* type unknown, or without data that it needs */
@@ -54,83 +54,85 @@ typedef enum orv_df_status {
 /* ---- Codes ------------------------------------------------------------------------------------------------------- */
 
 enum { /* breakHint */
-    ORV_DF_BREAKS_NO_HINT = 0,
-    ORV_DF_BREAKS_NON_UNIFORM = 1, /* setting it with iEditVal rebuilds the bucket table */
-    ORV_DF_BREAKS_QUASI_UNIFORM = 2,
-    ORV_DF_BREAKS_UNIFORM = 4 /* breaks holds the two ends alone; break i is breaks[0] + i (breaks[1] - breaks[0])/(n-1) */
+       ORV_DF_BREAKS_NO_HINT = 0,
+       ORV_DF_BREAKS_NON_UNIFORM = 1, /* setting it with iEditVal rebuilds the bucket table */
+       ORV_DF_BREAKS_QUASI_UNIFORM = 2,
+       ORV_DF_BREAKS_UNIFORM =
+           4 /* breaks holds the two ends alone; break i is breaks[0] + i (breaks[1] - breaks[0])/(n-1) */
 };
 
 enum { /* funcHint, coeffHint, resultHint */
-    ORV_DF_NO_HINT = 0,
-    ORV_DF_ROWS = 0x10,         /* one block, function after function */
-    ORV_DF_COLUMNS = 0x20,      /* one block, interleaved by function */
-    ORV_DF_ROW_POINTERS = 0x80, /* an array of its own for each function */
-    ORV_DF_ROWS_BY_DERIVATIVE = 0x100,
-    ORV_DF_COLUMNS_BY_DERIVATIVE = 0x200
+       ORV_DF_NO_HINT = 0,
+       ORV_DF_ROWS = 0x10,         /* one block, function after function */
+       ORV_DF_COLUMNS = 0x20,      /* one block, interleaved by function */
+       ORV_DF_ROW_POINTERS = 0x80, /* an array of its own for each function */
+       ORV_DF_ROWS_BY_DERIVATIVE = 0x100,
+       ORV_DF_COLUMNS_BY_DERIVATIVE = 0x200
 };
 
 enum { /* hints for sites and for limits of integration */
-    ORV_DF_SITES_NO_HINT = 0,
-    ORV_DF_SITES_UNIFORM = 4, /* limits of integration only: the array holds the first and the last one */
-    ORV_DF_SITES_SORTED = 0x40
+       ORV_DF_SITES_NO_HINT = 0,
+       ORV_DF_SITES_UNIFORM = 4, /* limits of integration only: the array holds the first and the last one */
+       ORV_DF_SITES_SORTED = 0x40
 };
 
 enum { /* bcType. bcData[0] belongs to the left end and bcData[1] to the right one, for all functions alike */
-    ORV_DF_NO_CONDITION = 0,
-    ORV_DF_NOT_A_KNOT = 1,
-    ORV_DF_FREE_END = 2,
-    ORV_DF_FIRST_LEFT = 4, /* the four bits, combined one left with one right */
-    ORV_DF_FIRST_RIGHT = 8,
-    ORV_DF_SECOND_LEFT = 16,
-    ORV_DF_SECOND_RIGHT = 32,
-    ORV_DF_FIRST_FIRST = 12,
-    ORV_DF_FIRST_SECOND = 36,
-    ORV_DF_SECOND_FIRST = 24,
-    ORV_DF_SECOND_SECOND = 48,
-    ORV_DF_PERIODIC = 64,
-    ORV_DF_MIDDLE_VALUE = 0x80 /* Quadratic of type 0: bcData[0] is the value in the middle of the first cell */
+       ORV_DF_NO_CONDITION = 0,
+       ORV_DF_NOT_A_KNOT = 1,
+       ORV_DF_FREE_END = 2,
+       ORV_DF_FIRST_LEFT = 4, /* the four bits, combined one left with one right */
+       ORV_DF_FIRST_RIGHT = 8,
+       ORV_DF_SECOND_LEFT = 16,
+       ORV_DF_SECOND_RIGHT = 32,
+       ORV_DF_FIRST_FIRST = 12,
+       ORV_DF_FIRST_SECOND = 36,
+       ORV_DF_SECOND_FIRST = 24,
+       ORV_DF_SECOND_SECOND = 48,
+       ORV_DF_PERIODIC = 64,
+       ORV_DF_MIDDLE_VALUE = 0x80 /* Quadratic of type 0: bcData[0] is the value in the middle of the first cell */
 };
 
 enum { /* splineType as the kernels read it; which kernel constructs a type is the caller's choice */
-    ORV_DF_TYPE_DEFAULT = 0,
-    ORV_DF_TYPE_KNOTS = 1, /* Quadratic with knots between the breaks; a coefficient block of n cells instead of n - 1 */
-    ORV_DF_TYPE_NATURAL = 2,
-    ORV_DF_TYPE_HERMITE = 3,
-    ORV_DF_TYPE_BESSEL = 4,
-    ORV_DF_TYPE_AKIMA = 5,
-    ORV_DF_TYPE_LOOK_UP = 6,       /* order 0: the value at a matching break, a quiet NaN elsewhere */
-    ORV_DF_TYPE_RIGHT_STEP = 7,    /* order 0: right-continuous step */
-    ORV_DF_TYPE_LEFT_STEP = 8,     /* order 0: left-continuous step */
-    ORV_DF_TYPE_HYMAN = 9
+       ORV_DF_TYPE_DEFAULT = 0,
+       ORV_DF_TYPE_KNOTS =
+           1, /* Quadratic with knots between the breaks; a coefficient block of n cells instead of n - 1 */
+       ORV_DF_TYPE_NATURAL = 2,
+       ORV_DF_TYPE_HERMITE = 3,
+       ORV_DF_TYPE_BESSEL = 4,
+       ORV_DF_TYPE_AKIMA = 5,
+       ORV_DF_TYPE_LOOK_UP = 6,    /* order 0: the value at a matching break, a quiet NaN elsewhere */
+       ORV_DF_TYPE_RIGHT_STEP = 7, /* order 0: right-continuous step */
+       ORV_DF_TYPE_LEFT_STEP = 8,  /* order 0: left-continuous step */
+       ORV_DF_TYPE_HYMAN = 9
 };
 
 enum { ORV_DF_INTERNAL_KNOTS = 8 }; /* icType bit: icData holds the knots of a Quadratic of type 1 */
 
 enum { /* identifiers of EditPtr and QueryPtr */
-    ORV_DF_BREAKS = 1,
-    ORV_DF_FUNCTIONS = 2,
-    ORV_DF_INTERNAL_DATA = 3,
-    ORV_DF_BOUNDARY_DATA = 4,
-    ORV_DF_COEFFICIENTS = 5
+       ORV_DF_BREAKS = 1,
+       ORV_DF_FUNCTIONS = 2,
+       ORV_DF_INTERNAL_DATA = 3,
+       ORV_DF_BOUNDARY_DATA = 4,
+       ORV_DF_COEFFICIENTS = 5
 };
 
 enum { /* identifiers of iEditVal and iQueryVal */
-    ORV_DF_BREAK_COUNT = 14,
-    ORV_DF_BREAK_HINT = 15,
-    ORV_DF_FUNCTION_COUNT = 16,
-    ORV_DF_FUNCTION_HINT = 17,
-    ORV_DF_SPLINE_ORDER = 18,
-    ORV_DF_SPLINE_TYPE = 19,
-    ORV_DF_INTERNAL_TYPE = 20,
-    ORV_DF_BOUNDARY_TYPE = 21,
-    ORV_DF_COEFFICIENT_HINT = 22,
-    ORV_DF_CHECK_FLAG = 23
+       ORV_DF_BREAK_COUNT = 14,
+       ORV_DF_BREAK_HINT = 15,
+       ORV_DF_FUNCTION_COUNT = 16,
+       ORV_DF_FUNCTION_HINT = 17,
+       ORV_DF_SPLINE_ORDER = 18,
+       ORV_DF_SPLINE_TYPE = 19,
+       ORV_DF_INTERNAL_TYPE = 20,
+       ORV_DF_BOUNDARY_TYPE = 21,
+       ORV_DF_COEFFICIENT_HINT = 22,
+       ORV_DF_CHECK_FLAG = 23
 };
 
-enum { /* bits of the `type` of interpolation */
-    ORV_DF_EVALUATE = 1,       /* evaluate, with cells found here */
-    ORV_DF_EVALUATE_CELLS = 2, /* evaluate, with the caller's cells */
-    ORV_DF_STORE_CELLS = 4     /* store the cells found; alone, search only */
+enum {                            /* bits of the `type` of interpolation */
+       ORV_DF_EVALUATE = 1,       /* evaluate, with cells found here */
+       ORV_DF_EVALUATE_CELLS = 2, /* evaluate, with the caller's cells */
+       ORV_DF_STORE_CELLS = 4     /* store the cells found; alone, search only */
 };
 
 /* ---- The task record --------------------------------------------------------------------------------------------- */
@@ -149,10 +151,10 @@ typedef struct orv_df_bucket {
 
 /* The task, to be changed through the operations below alone. It owns itself, funcs, coeffs and cellTable. */
 typedef struct DFTask {
-    int32_t wideInts;  /* not 0: integer results and integer arrays are 64-bit */
-    int8_t recordTag;  /* 4 */
-    int32_t isDouble;  /* 1 in a task of the `d` creator, 0 in one of the `s` creator */
-    int32_t editable;  /* edits and queries do nothing unless this is 1, as it is from creation on */
+    int32_t wideInts; /* not 0: integer results and integer arrays are 64-bit */
+    int8_t recordTag; /* 4 */
+    int32_t isDouble; /* 1 in a task of the `d` creator, 0 in one of the `s` creator */
+    int32_t editable; /* edits and queries do nothing unless this is 1, as it is from creation on */
     ORV_DF_ALIGN8 int64_t breakCount;
     const void* breaks;
     ORV_DF_ALIGN8 int64_t breakHint;
@@ -251,8 +253,8 @@ enum { ORV_DF_CALLBACK_DONE = 1000 };
  * `cells` holds 64-bit or 32-bit integers by the task's `wideInts`. Large searches without a callback are divided over
  * the threads of `services`, which may be null. A count below 1 writes nothing. */
 int32_t orv_df_kernel_dDFSearch1D(const DFTask* task, int64_t method, int64_t siteCount, const double* sites,
-                                  int64_t siteHint, const double* dataHint, void* cells, orv_df_search_callback callback,
-                                  void* callbackParam, const orv_services* services);
+                                  int64_t siteHint, const double* dataHint, void* cells,
+                                  orv_df_search_callback callback, void* callbackParam, const orv_services* services);
 int32_t orv_df_kernel_sDFSearch1D(const DFTask* task, int64_t method, int64_t siteCount, const float* sites,
                                   int64_t siteHint, const float* dataHint, void* cells, orv_df_search_callback callback,
                                   void* callbackParam, const orv_services* services);
@@ -264,15 +266,15 @@ int32_t orv_df_kernel_sDFSearch1D(const DFTask* task, int64_t method, int64_t si
  * the forms ending in 32 of Uniform, QuasiUniform, UserDef and UniUserDef store 32-bit integers whatever `flags` says,
  * those of Sorted, Peak and Hybrid are the same code under both names. On a uniform partition (Uniform, UniUserDef)
  * `breaks` holds the two ends. They return ORV_DF_OK or what the callback returned below 0. */
-#define ORV_DF_SEARCH_METHOD(name, element)                                                                              \
-    int32_t name(int64_t breakCount, const element* breaks, int64_t siteCount, const element* sites, int64_t* state,      \
-                 element scale, orv_df_search_callback callback, void* callbackParam, int64_t flags,                     \
-                 const orv_df_bucket* cellTable, void* cells);                                                           \
-    int32_t name##32(int64_t breakCount, const element* breaks, int64_t siteCount, const element* sites, int64_t* state,  \
-                     element scale, orv_df_search_callback callback, void* callbackParam, int64_t flags,                 \
-                     const orv_df_bucket* cellTable, void* cells);
-#define ORV_DF_SEARCH_METHODS(method)                                                                                    \
-    ORV_DF_SEARCH_METHOD(orv_df_kernel_dDF##method##Search1D, double)                                                    \
+#define ORV_DF_SEARCH_METHOD(name, element)                                                                          \
+    int32_t name(int64_t breakCount, const element* breaks, int64_t siteCount, const element* sites, int64_t* state, \
+                 element scale, orv_df_search_callback callback, void* callbackParam, int64_t flags,                 \
+                 const orv_df_bucket* cellTable, void* cells);                                                       \
+    int32_t name##32(int64_t breakCount, const element* breaks, int64_t siteCount, const element* sites,             \
+                     int64_t* state, element scale, orv_df_search_callback callback, void* callbackParam,            \
+                     int64_t flags, const orv_df_bucket* cellTable, void* cells);
+#define ORV_DF_SEARCH_METHODS(method)                                 \
+    ORV_DF_SEARCH_METHOD(orv_df_kernel_dDF##method##Search1D, double) \
     ORV_DF_SEARCH_METHOD(orv_df_kernel_sDF##method##Search1D, float)
 ORV_DF_SEARCH_METHODS(Uniform)
 ORV_DF_SEARCH_METHODS(QuasiUniform)
@@ -347,10 +349,10 @@ ORV_DF_SEARCH_METHODS(UniUserDef)
  *   PERIODIC: Akima: its formula on wrapped slopes; Bessel and Hyman: both (h[l] s[0] + h[0] s[l])/(h[0] + h[l]);
  *     Hermite: both bcData[0];
  *   NO_CONDITION (Akima): m[0] = (3 s[0] - s[1])/2. */
-#define ORV_DF_CONSTRUCTION(kind)                                                                                        \
-    int32_t orv_df_kernel_dDF##kind##Spline1D(const DFTask* task, const void* unused1, const void* unused2,              \
-                                              int64_t method, const orv_services* services);                            \
-    int32_t orv_df_kernel_sDF##kind##Spline1D(const DFTask* task, const void* unused1, const void* unused2,              \
+#define ORV_DF_CONSTRUCTION(kind)                                                                           \
+    int32_t orv_df_kernel_dDF##kind##Spline1D(const DFTask* task, const void* unused1, const void* unused2, \
+                                              int64_t method, const orv_services* services);                \
+    int32_t orv_df_kernel_sDF##kind##Spline1D(const DFTask* task, const void* unused1, const void* unused2, \
                                               int64_t method, const orv_services* services);
 ORV_DF_CONSTRUCTION(Linear)
 ORV_DF_CONSTRUCTION(Quadratic)
@@ -402,15 +404,15 @@ typedef int32_t (*orv_df_run_callback)(const orv_df_run* run, void* param);
 int32_t orv_df_kernel_dDFInterpolate1D(const DFTask* task, int64_t type, int64_t method, int64_t siteCount,
                                        const double* sites, int64_t siteHint, int64_t derivativeCount,
                                        const void* derivatives, const double* dataHint, double* results,
-                                       int64_t resultHint, void* cells, orv_df_run_callback leftCallback, void* leftParam,
-                                       orv_df_run_callback rightCallback, void* rightParam,
+                                       int64_t resultHint, void* cells, orv_df_run_callback leftCallback,
+                                       void* leftParam, orv_df_run_callback rightCallback, void* rightParam,
                                        orv_df_run_callback interpolateCallback, void* interpolateParam,
                                        orv_df_search_callback searchCallback, void* searchParam);
 int32_t orv_df_kernel_sDFInterpolate1D(const DFTask* task, int64_t type, int64_t method, int64_t siteCount,
                                        const float* sites, int64_t siteHint, int64_t derivativeCount,
                                        const void* derivatives, const float* dataHint, float* results,
-                                       int64_t resultHint, void* cells, orv_df_run_callback leftCallback, void* leftParam,
-                                       orv_df_run_callback rightCallback, void* rightParam,
+                                       int64_t resultHint, void* cells, orv_df_run_callback leftCallback,
+                                       void* leftParam, orv_df_run_callback rightCallback, void* rightParam,
                                        orv_df_run_callback interpolateCallback, void* interpolateParam,
                                        orv_df_search_callback searchCallback, void* searchParam);
 

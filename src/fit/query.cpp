@@ -36,45 +36,19 @@ orv_df_status query_pointer(const DFTask* task, int64_t id, T** result) {
     }
 }
 
+// The fields of iQueryVal from ORV_DF_BREAK_COUNT on; the check flag, a shorter one, follows them.
+constexpr int64_t DFTask::*value_fields[] = {
+    &DFTask::breakCount, &DFTask::breakHint, &DFTask::funcCount, &DFTask::funcHint,  &DFTask::splineOrder,
+    &DFTask::splineType, &DFTask::icType,    &DFTask::bcType,    &DFTask::coeffHint,
+};
+
 orv_df_status query_value(const DFTask* task, int64_t id, void* result) {
     if (!task) return ORV_DF_NULL_TASK;
     if (!result) return ORV_DF_NULL_RESULT;
     if (task->editable != 1) return ORV_DF_OK;
-    int64_t value;
-    switch (id) {
-        case ORV_DF_BREAK_COUNT:
-            value = task->breakCount;
-            break;
-        case ORV_DF_BREAK_HINT:
-            value = task->breakHint;
-            break;
-        case ORV_DF_FUNCTION_COUNT:
-            value = task->funcCount;
-            break;
-        case ORV_DF_FUNCTION_HINT:
-            value = task->funcHint;
-            break;
-        case ORV_DF_SPLINE_ORDER:
-            value = task->splineOrder;
-            break;
-        case ORV_DF_SPLINE_TYPE:
-            value = task->splineType;
-            break;
-        case ORV_DF_INTERNAL_TYPE:
-            value = task->icType;
-            break;
-        case ORV_DF_BOUNDARY_TYPE:
-            value = task->bcType;
-            break;
-        case ORV_DF_COEFFICIENT_HINT:
-            value = task->coeffHint;
-            break;
-        case ORV_DF_CHECK_FLAG:
-            value = task->checkFlag;
-            break;
-        default:
-            return ORV_DF_BAD_PARAMETER;
-    }
+    if (id < ORV_DF_BREAK_COUNT || id > ORV_DF_CHECK_FLAG) return ORV_DF_BAD_PARAMETER;
+    const int64_t value =
+        id == ORV_DF_CHECK_FLAG ? int64_t{task->checkFlag} : task->*value_fields[id - ORV_DF_BREAK_COUNT];
     // Bytes, since a narrow or packed caller's integer need not be aligned. The low half comes first on this processor.
     __builtin_memcpy(result, &value, task->wideInts ? sizeof(int64_t) : sizeof(int32_t));
     return ORV_DF_OK;
