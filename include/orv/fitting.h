@@ -53,80 +53,86 @@ typedef enum orv_df_status {
 
 /* ---- Codes ------------------------------------------------------------------------------------------------------- */
 
-enum { /* breakHint */
-       ORV_DF_BREAKS_NO_HINT = 0,
-       ORV_DF_BREAKS_NON_UNIFORM = 1, /* setting it with iEditVal rebuilds the bucket table */
-       ORV_DF_BREAKS_QUASI_UNIFORM = 2,
-       ORV_DF_BREAKS_UNIFORM =
-           4 /* breaks holds the two ends alone; break i is breaks[0] + i (breaks[1] - breaks[0])/(n-1) */
+/* breakHint */
+enum {
+    ORV_DF_BREAKS_NO_HINT = 0,
+    ORV_DF_BREAKS_NON_UNIFORM = 1, /* setting it with iEditVal rebuilds the bucket table */
+    ORV_DF_BREAKS_QUASI_UNIFORM = 2,
+    /* breaks holds the two ends alone; break i is breaks[0] + i (breaks[1] - breaks[0])/(n - 1) */
+    ORV_DF_BREAKS_UNIFORM = 4
 };
 
-enum { /* funcHint, coeffHint, resultHint */
-       ORV_DF_NO_HINT = 0,
-       ORV_DF_ROWS = 0x10,         /* one block, function after function */
-       ORV_DF_COLUMNS = 0x20,      /* one block, interleaved by function */
-       ORV_DF_ROW_POINTERS = 0x80, /* an array of its own for each function */
-       ORV_DF_ROWS_BY_DERIVATIVE = 0x100,
-       ORV_DF_COLUMNS_BY_DERIVATIVE = 0x200
+/* funcHint, coeffHint, resultHint */
+enum {
+    ORV_DF_NO_HINT = 0,
+    ORV_DF_ROWS = 0x10,         /* one block, function after function */
+    ORV_DF_COLUMNS = 0x20,      /* one block, interleaved by function */
+    ORV_DF_ROW_POINTERS = 0x80, /* an array of its own for each function */
+    ORV_DF_ROWS_BY_DERIVATIVE = 0x100,
+    ORV_DF_COLUMNS_BY_DERIVATIVE = 0x200
 };
 
-enum { /* hints for sites and for limits of integration */
-       ORV_DF_SITES_NO_HINT = 0,
-       ORV_DF_SITES_UNIFORM = 4, /* limits of integration only: the array holds the first and the last one */
-       ORV_DF_SITES_SORTED = 0x40
+/* hints for sites and for limits of integration */
+enum {
+    ORV_DF_SITES_NO_HINT = 0,
+    ORV_DF_SITES_UNIFORM = 4, /* limits of integration only: the array holds the first and the last one */
+    ORV_DF_SITES_SORTED = 0x40
 };
 
-enum { /* bcType. bcData[0] belongs to the left end and bcData[1] to the right one, for all functions alike */
-       ORV_DF_NO_CONDITION = 0,
-       ORV_DF_NOT_A_KNOT = 1,
-       ORV_DF_FREE_END = 2,
-       ORV_DF_FIRST_LEFT = 4, /* the four bits, combined one left with one right */
-       ORV_DF_FIRST_RIGHT = 8,
-       ORV_DF_SECOND_LEFT = 16,
-       ORV_DF_SECOND_RIGHT = 32,
-       ORV_DF_FIRST_FIRST = 12,
-       ORV_DF_FIRST_SECOND = 36,
-       ORV_DF_SECOND_FIRST = 24,
-       ORV_DF_SECOND_SECOND = 48,
-       ORV_DF_PERIODIC = 64,
-       ORV_DF_MIDDLE_VALUE = 0x80 /* Quadratic of type 0: bcData[0] is the value in the middle of the first cell */
+/* bcType. bcData[0] belongs to the left end and bcData[1] to the right one, for all functions alike */
+enum {
+    ORV_DF_NO_CONDITION = 0,
+    ORV_DF_NOT_A_KNOT = 1,
+    ORV_DF_FREE_END = 2,
+    ORV_DF_FIRST_LEFT = 4, /* the four bits, combined one left with one right */
+    ORV_DF_FIRST_RIGHT = 8,
+    ORV_DF_SECOND_LEFT = 16,
+    ORV_DF_SECOND_RIGHT = 32,
+    ORV_DF_FIRST_FIRST = 12,
+    ORV_DF_FIRST_SECOND = 36,
+    ORV_DF_SECOND_FIRST = 24,
+    ORV_DF_SECOND_SECOND = 48,
+    ORV_DF_PERIODIC = 64,
+    ORV_DF_MIDDLE_VALUE = 0x80 /* Quadratic of type 0: bcData[0] is the value in the middle of the first cell */
 };
 
-enum { /* splineType as the kernels read it; which kernel constructs a type is the caller's choice */
-       ORV_DF_TYPE_DEFAULT = 0,
-       ORV_DF_TYPE_KNOTS =
-           1, /* Quadratic with knots between the breaks; a coefficient block of n cells instead of n - 1 */
-       ORV_DF_TYPE_NATURAL = 2,
-       ORV_DF_TYPE_HERMITE = 3,
-       ORV_DF_TYPE_BESSEL = 4,
-       ORV_DF_TYPE_AKIMA = 5,
-       ORV_DF_TYPE_LOOK_UP = 6,    /* order 0: the value at a matching break, a quiet NaN elsewhere */
-       ORV_DF_TYPE_RIGHT_STEP = 7, /* order 0: right-continuous step */
-       ORV_DF_TYPE_LEFT_STEP = 8,  /* order 0: left-continuous step */
-       ORV_DF_TYPE_HYMAN = 9
+/* splineType as the kernels read it; which kernel constructs a type is the caller's choice */
+enum {
+    ORV_DF_TYPE_DEFAULT = 0,
+    ORV_DF_TYPE_KNOTS = 1, /* Quadratic with knots between the breaks; n cells in a coefficient block, not n - 1 */
+    ORV_DF_TYPE_NATURAL = 2,
+    ORV_DF_TYPE_HERMITE = 3,
+    ORV_DF_TYPE_BESSEL = 4,
+    ORV_DF_TYPE_AKIMA = 5,
+    ORV_DF_TYPE_LOOK_UP = 6,    /* order 0: the value at a matching break, a quiet NaN elsewhere */
+    ORV_DF_TYPE_RIGHT_STEP = 7, /* order 0: right-continuous step */
+    ORV_DF_TYPE_LEFT_STEP = 8,  /* order 0: left-continuous step */
+    ORV_DF_TYPE_HYMAN = 9
 };
 
 enum { ORV_DF_INTERNAL_KNOTS = 8 }; /* icType bit: icData holds the knots of a Quadratic of type 1 */
 
-enum { /* identifiers of EditPtr and QueryPtr */
-       ORV_DF_BREAKS = 1,
-       ORV_DF_FUNCTIONS = 2,
-       ORV_DF_INTERNAL_DATA = 3,
-       ORV_DF_BOUNDARY_DATA = 4,
-       ORV_DF_COEFFICIENTS = 5
+/* identifiers of EditPtr and QueryPtr */
+enum {
+    ORV_DF_BREAKS = 1,
+    ORV_DF_FUNCTIONS = 2,
+    ORV_DF_INTERNAL_DATA = 3,
+    ORV_DF_BOUNDARY_DATA = 4,
+    ORV_DF_COEFFICIENTS = 5
 };
 
-enum { /* identifiers of iEditVal and iQueryVal */
-       ORV_DF_BREAK_COUNT = 14,
-       ORV_DF_BREAK_HINT = 15,
-       ORV_DF_FUNCTION_COUNT = 16,
-       ORV_DF_FUNCTION_HINT = 17,
-       ORV_DF_SPLINE_ORDER = 18,
-       ORV_DF_SPLINE_TYPE = 19,
-       ORV_DF_INTERNAL_TYPE = 20,
-       ORV_DF_BOUNDARY_TYPE = 21,
-       ORV_DF_COEFFICIENT_HINT = 22,
-       ORV_DF_CHECK_FLAG = 23
+/* identifiers of iEditVal and iQueryVal */
+enum {
+    ORV_DF_BREAK_COUNT = 14,
+    ORV_DF_BREAK_HINT = 15,
+    ORV_DF_FUNCTION_COUNT = 16,
+    ORV_DF_FUNCTION_HINT = 17,
+    ORV_DF_SPLINE_ORDER = 18,
+    ORV_DF_SPLINE_TYPE = 19,
+    ORV_DF_INTERNAL_TYPE = 20,
+    ORV_DF_BOUNDARY_TYPE = 21,
+    ORV_DF_COEFFICIENT_HINT = 22,
+    ORV_DF_CHECK_FLAG = 23
 };
 
 enum {                            /* bits of the `type` of interpolation */

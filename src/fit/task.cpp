@@ -88,6 +88,7 @@ template <class T>
 orv_df_status edit_spline(DFTask* task, int64_t splineOrder, int64_t splineType, int64_t bcType, const T* bcData,
                           int64_t icType, const T* icData, T* coeffs, int64_t coeffHint) {
     if (!task) return ORV_DF_NULL_TASK;
+    if (task->editable != 1) return ORV_DF_OK;
     if (splineOrder < 0) return ORV_DF_BAD_SPLINE_ORDER;
     if (splineType < 0) return ORV_DF_BAD_SPLINE_TYPE;
     task->splineOrder = splineOrder;

@@ -159,6 +159,7 @@ TEST(FitTask, PointersAreCheckedAndATaskThatIsNotEditableIsLeftAlone) {
     t.task->editable = 0;
     EXPECT_EQ(orv_df_kernel_dEditPtr(t.task, 9, nullptr), 0);
     EXPECT_EQ(orv_df_kernel_iEditVal(t.task, 14, 0), 0);
+    EXPECT_EQ(orv_df_kernel_dEditPPSpline1D(t.task, -1, 0, 0, nullptr, 0, nullptr, nullptr, 0), 0);
     EXPECT_EQ(orv_df_kernel_dEditIdxPtr(t.task, 2, 99, nullptr), 0);
     EXPECT_EQ(orv_df_kernel_dQueryIdxPtr(t.task, 9, 1, &queried), 0);
     EXPECT_EQ(orv_df_kernel_dQueryIdxPtr(t.task, 9, 9, &queried), -1020);
