@@ -13,6 +13,7 @@ int run(int argc, char** argv) {
     orv::command::add_fit(app, status);
     orv::command::add_info(app, status);
     orv::command::add_math(app, status);
+    orv::command::add_draw(app, status);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& help) {

@@ -1,5 +1,7 @@
-// The command line, `orv math` and `orv info`.
-#include "command/command.h"
+// The command as its user meets it: arguments and input in; output, messages and exit status out.
+#include "command/command_line.h"
+
+using namespace command_line;
 
 namespace {
 

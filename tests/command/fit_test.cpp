@@ -1,5 +1,7 @@
 // `orv fit`: values that can be checked by hand, and what it refuses.
-#include "command.h"
+#include "command/command_line.h"
+
+using namespace command_line;
 
 namespace {
 
