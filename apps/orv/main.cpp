@@ -10,9 +10,11 @@ int run(int argc, char** argv) {
     int status = 0;
     CLI::App app("Numbers through the kernels of the orv library.", "orv");
     app.require_subcommand(1);
+    orv::command::add_fit(app, status);
     orv::command::add_info(app, status);
     orv::command::add_math(app, status);
     orv::command::add_draw(app, status);
+    orv::command::add_stats(app, status);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& help) {

@@ -57,7 +57,9 @@ struct Strided {
 inline constexpr float harmless = 0.75f;
 
 template <class Kernel>
-concept Doubtful = requires { Kernel::name; };
+concept Doubtful = requires {
+    Kernel::name;
+};
 
 // The lanes of a kernel that serves every value.
 template <class Kernel, class V>
@@ -171,12 +173,12 @@ inline void map(int32_t n, In a, Out y) {
 }  // namespace orv::frame
 
 // Defines orv_kernel_<row>_<accuracy> and orv_kernel_<row>I_<accuracy>. `accuracy` is the first that the kernel serves.
-#define ORV_ONE_INPUT(row, accuracy, Kernel)                                                                            \
-    extern "C" void orv_kernel_##row##_##accuracy(int32_t n, const Kernel::Element* a, Kernel::Result* y) {             \
-        orv::frame::map<Kernel>(n, orv::frame::Dense<const Kernel::Element>{a}, orv::frame::Dense<Kernel::Result>{y});   \
-    }                                                                                                                   \
-    extern "C" void orv_kernel_##row##I_##accuracy(int32_t n, const Kernel::Element* a, int32_t inca, Kernel::Result* y, \
-                                                   int32_t incy) {                                                      \
-        orv::frame::map<Kernel>(n, orv::frame::Strided<const Kernel::Element>{a, inca},                                  \
-                                orv::frame::Strided<Kernel::Result>{y, incy});                                          \
+#define ORV_ONE_INPUT(row, accuracy, Kernel)                                                                           \
+    extern "C" void orv_kernel_##row##_##accuracy(int32_t n, const Kernel::Element* a, Kernel::Result* y) {            \
+        orv::frame::map<Kernel>(n, orv::frame::Dense<const Kernel::Element>{a}, orv::frame::Dense<Kernel::Result>{y}); \
+    }                                                                                                                  \
+    extern "C" void orv_kernel_##row##I_##accuracy(int32_t n, const Kernel::Element* a, int32_t inca,                  \
+                                                   Kernel::Result* y, int32_t incy) {                                  \
+        orv::frame::map<Kernel>(n, orv::frame::Strided<const Kernel::Element>{a, inca},                                \
+                                orv::frame::Strided<Kernel::Result>{y, incy});                                         \
     }

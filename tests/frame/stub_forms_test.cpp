@@ -17,6 +17,9 @@ void probe_flag_5(int64_t n, const double* a, const int32_t* list, double* y);
 
 namespace {
 
+// As every kernel, those behind the stubs cannot count on more than a 4-byte aligned stack.
+#define KERNEL [[gnu::force_align_arg_pointer]] void
+
 // What the kernel behind the stub saw.
 struct Seen {
     int64_t n;
@@ -28,17 +31,17 @@ struct Seen {
     int32_t flag;
 } seen;
 
-void kernel_plain(int32_t n, const double* a, double* y) { seen = {n, a, nullptr, y, 0, 0, {}, 0}; }
-void kernel_7(int32_t n, const orv_complex_d* a, orv_complex_d b, orv_complex_d* y) {
+KERNEL kernel_plain(int32_t n, const double* a, double* y) { seen = {n, a, nullptr, y, 0, 0, {}, 0}; }
+KERNEL kernel_7(int32_t n, const orv_complex_d* a, orv_complex_d b, orv_complex_d* y) {
     seen = {n, a, nullptr, y, 0, 0, b, 0};
 }
-void kernel_9(int32_t n, const orv_complex_d* a, int32_t inca, orv_complex_d b, orv_complex_d* y, int32_t incy) {
+KERNEL kernel_9(int32_t n, const orv_complex_d* a, int32_t inca, orv_complex_d b, orv_complex_d* y, int32_t incy) {
     seen = {n, a, nullptr, y, inca, incy, b, 0};
 }
-void kernel_flag_6(int64_t n, const double* a, int64_t inca, double* y, int32_t flag) {
+KERNEL kernel_flag_6(int64_t n, const double* a, int64_t inca, double* y, int32_t flag) {
     seen = {n, a, nullptr, y, inca, 0, {}, flag};
 }
-void kernel_flag_5(int64_t n, const double* a, const int32_t* list, double* y, int32_t flag) {
+KERNEL kernel_flag_5(int64_t n, const double* a, const int32_t* list, double* y, int32_t flag) {
     seen = {n, a, list, y, 0, 0, {}, flag};
 }
 
