@@ -184,7 +184,7 @@ void one_pass_with_cross(const Part<T>& part) {
 // Observations of one update: 256 KB of them, twice that many bytes an observation with weights.
 int32_t rank_block(int32_t p, int32_t count, bool weighted) {
     const int32_t fitting = 0x40000 / (8 * p * (weighted ? 2 : 1));
-    return least(fitting > 64 ? fitting : 64, even(count));
+    return least(fitting > 64 ? fitting : 64, count);
 }
 
 // Float products gather in a float matrix for one block only and then go to the double one.
@@ -206,10 +206,11 @@ void cross_by_rank_updates(const Part<T>& part, const double* centre) {
     const Steps steps = steps_of(part, by_columns);
     const int32_t p = part.p, from = part.component_first, width = part.component_last - from;
     const int32_t block = rank_block(p, part.last - part.first, weighted);
+    const int32_t stride = even(block);  // room for the zero that pads an odd count
     double* roots = static_cast<double*>(part.scratch);
-    double* packed_exactly = roots + block;
+    double* packed_exactly = roots + stride;
     T* packed = reinterpret_cast<T*>(packed_exactly);
-    T* products = product_matrix(part.cross, packed_exactly + ptrdiff_t{block} * p, packed);
+    T* products = product_matrix(part.cross, packed_exactly + ptrdiff_t{stride} * p, packed);
     if constexpr (sizeof(T) < sizeof(double)) memset(products, 0, sizeof(T) * p * p);
     const ptrdiff_t corner = from * (ptrdiff_t{p} + 1);
     const T one = 1;
@@ -218,7 +219,7 @@ void cross_by_rank_updates(const Part<T>& part, const double* centre) {
     int32_t first = part.first;
     if (!weighted || part.w[first] >= 0) {
         if constexpr (weighted) roots[0] = __builtin_sqrt(static_cast<double>(part.w[first]));
-        // One observation: its components lie one after another, and the padding beside each is overwritten by the next.
+        // One observation: its components lie one after another.
         const T* x = element(part, steps, from, first);
         for (int32_t j = 0; j < width; ++j)
             packed[j] = static_cast<T>((static_cast<double>(x[j * steps.by_component]) - centre[from + j]) *
@@ -240,12 +241,12 @@ void cross_by_rank_updates(const Part<T>& part, const double* centre) {
             // No real root: weights go into the products instead.
             for (int32_t i = 0; i < count; ++i) roots[i] = static_cast<double>(part.w[first + i]);
             if (count & 1) roots[count] = 0;
-            pack(x, steps, width, count, centre + from, nullptr, packed_exactly, block);
-            cross_products<true>(packed_exactly, block, roots, even(count), width, part.cross + corner, p);
+            pack(x, steps, width, count, centre + from, nullptr, packed_exactly, stride);
+            cross_products<true>(packed_exactly, stride, roots, even(count), width, part.cross + corner, p);
             continue;
         }
-        pack(x, steps, width, count, centre + from, weighted ? roots : nullptr, packed, block);
-        part.rank_k("u", "t", &width, &count, &one, packed, &block, &one, products + corner, &p);
+        pack(x, steps, width, count, centre + from, weighted ? roots : nullptr, packed, stride);
+        part.rank_k("u", "t", &width, &count, &one, packed, &stride, &one, products + corner, &p);
         accumulate(part.cross, products, p, from, part.component_last);
     }
     accumulate(part.cross, products, p, from, part.component_last);
@@ -309,7 +310,7 @@ uint64_t cross_scratch_bytes(uint64_t method, int32_t p, int32_t count, bool wei
         const uint64_t block = static_cast<uint64_t>(one_pass_block(p, count));
         return 8 * (block * p + block + 2 * static_cast<uint64_t>(p));
     }
-    const uint64_t block = static_cast<uint64_t>(rank_block(p, count, weighted));
+    const uint64_t block = static_cast<uint64_t>(even(rank_block(p, count, weighted)));
     const uint64_t single_matrix = sizeof(T) == sizeof(float) ? 4 * static_cast<uint64_t>(p) * p + 8 : 0;
     return 8 * (block * p + block) + single_matrix;
 }

@@ -56,7 +56,7 @@ struct Size {
     int32_t p, n;
 };
 constexpr Size sizes[] = {{1, 2},   {1, 7},    {1, 10000}, {2, 3},    {3, 16},
-                          {5, 100}, {5, 2049}, {8, 257},   {9, 1025}, {40, 65}};
+                          {5, 100}, {5, 2049}, {8, 257},   {9, 1025}, {40, 830}};
 
 template <class T>
 Tolerance tolerance_of(uint64_t method) {
