@@ -1,0 +1,69 @@
+// Tables of the exponentials and logarithms.
+#include "tablegen.h"
+
+#include <bit>
+
+namespace tablegen {
+
+namespace {
+
+// Row j: 2^(j/rows) to nearest double, and the rest of it to nearest double.
+void exp2_pairs(const Output& output, int rows) {
+    Table table(output, "exp2_" + std::to_string(rows), "2^(j/" + std::to_string(rows) + "), high and low");
+    for (int j = 0; j < rows; ++j) {
+        const auto [high, low] = Table::split(exp2(Real(j) / Real(rows)));
+        table.row({high, low});
+    }
+}
+
+// Row j: the significand bits of 2^(j/rows) to nearest double, to be joined with an exponent.
+void exp2_significands(const Output& output, int rows) {
+    Table table(output, "exp2_bits_" + std::to_string(rows), "the fraction bits of 2^(j/" + std::to_string(rows) + ")");
+    for (int j = 0; j < rows; ++j) {
+        const uint64_t bits = std::bit_cast<uint64_t>(to_double(exp2(Real(j) / Real(rows))));
+        table.row_of_words({bits & 0x000FFFFFFFFFFFFF});
+    }
+}
+
+// Row j serves m near 1 + j/512: the reciprocal to 23 significant bits, whose product with the leading 21 bits of m is
+// exact in a double; the reciprocal again; minus its logarithm in the wanted base, cut to 25 significant bits, so that its
+// sum with a multiple of the high part of log 2 and with that product is exact too; and the rest of that logarithm. From
+// the middle on, where m is taken for twice its half, the logarithms are those of m/2.
+void log_513(const Output& output, const std::string& name, Real (*logarithm)(const Real&)) {
+    Table table(output, name, "reciprocal, reciprocal, -log of it: high and low");
+    for (int j = 0; j <= 512; ++j) {
+        const Real reciprocal = to_bits(Real(512) / Real(512 + j), 23);
+        const Real value = -logarithm(j < 256 ? reciprocal : reciprocal * Real(2));
+        const Real high = to_bits(value, 25, MPFR_RNDZ);
+        const double rcp = to_double(reciprocal);
+        // The + 0.0 turns the -0 of the rows of 1 into +0.
+        table.row({rcp, rcp, to_double(high) + 0.0, to_double(value - high) + 0.0});
+    }
+}
+
+// Row j serves m near c = 1 + j/256: log c to a multiple of 2^-39, as log 2's leading part is, so that the two cancel
+// without a rest next to 1; the rest of log c; 1/c to nearest, and the rest of that.
+void log_257(const Output& output, const std::string& name, Real (*logarithm)(const Real&)) {
+    Table table(output, name, "log c high and low, 1/c high and low");
+    for (int j = 0; j <= 256; ++j) {
+        const Real c = Real(256 + j) / Real(256);
+        const Real value = logarithm(c);
+        const Real high = to_multiple(value, -39);
+        const auto [rcp, rcp_rest] = Table::split(Real(1) / c);
+        table.row({to_double(high), to_double(value - high), rcp, rcp_rest});
+    }
+}
+
+}  // namespace
+
+void exp_log_tables(const Output& output) {
+    exp2_pairs(output, 64);
+    exp2_pairs(output, 128);
+    exp2_significands(output, 128);
+    log_513(output, "ln_513", log);
+    log_257(output, "ln_257", log);
+    log_257(output, "log10_257", log10);
+    log_257(output, "log2_257", log2);
+}
+
+}  // namespace tablegen
