@@ -7,10 +7,16 @@
 //   block              elements computed together; their results are stored together
 //   tail               what happens to the elements after the last whole block
 //   lanes(x)           from lanes to lanes, where the vector path serves every value; or
-//   lanes(x, doubt)    the same with a mask of the lanes that it does not serve
-//   name, scalar(x, y) with such a mask: the name that reports carry, and one element's result, returning its status
+//   lanes(x, doubt)    the same with a mask of the lanes that it does not serve; or
+//   lanes(x), doubt(x) the same with that mask from a test of the arguments alone. The test comes first and for the whole
+//                      block, so that nothing of a block needs to be kept; results of lanes in doubt are thrown away
+//   name, scalar(x, y) with either mask: the name that reports carry, and one element's result, returning its status
+//   rejected           optional: what becomes of a block with a lane in doubt (Rejected, below)
+//   settle_silent(x, y, doubt)
+//                      optional: settles in vector form what it can of the lanes in doubt and takes them out of the mask;
+//                      used where the thread's mode allows no report (a frame with silent())
 //
-// and ORV_ONE_INPUT makes the dense and the strided kernel from it.
+// and ORV_ONE_INPUT makes the dense and the strided kernel from it. A mask counts by its lanes' sign bits.
 #pragma once
 
 #include "frame/error_report.h"
@@ -20,9 +26,14 @@
 namespace orv::frame {
 
 enum class Tail {
-    by_element,  // one after another
+    by_element,  // one after another, every lane holding that element
     padded,      // one whole block, filled up with the first remaining element
     masked,      // groups of one register, filled up with a harmless value
+};
+
+enum class Rejected {
+    by_lane,      // the lanes in doubt go through scalar(), the others keep the vector result
+    whole_block,  // all lanes go through scalar(), in order
 };
 
 // An array as a kernel sees it. The two forms of a kernel differ in nothing else.
@@ -58,6 +69,35 @@ inline constexpr double harmless = 0.75;
 template <class Kernel>
 concept Doubtful = requires { Kernel::name; };
 
+template <class Kernel>
+using LanesOf = typename simd::Lanes<typename Kernel::Element>::V;
+
+// The mask of lanes in doubt comes from a test of its own.
+template <class Kernel>
+concept Tested = requires(LanesOf<Kernel> x) { Kernel::doubt(x); };
+
+template <class Kernel>
+constexpr bool rejects_whole_blocks() {
+    if constexpr (requires { Kernel::rejected; })
+        return Kernel::rejected == Rejected::whole_block;
+    else
+        return false;
+}
+
+// One register's results and mask, by whichever form the kernel has.
+template <class Kernel>
+inline auto lanes_and_doubt(const typename Kernel::Frame& frame, LanesOf<Kernel> x, LanesOf<Kernel>& doubt) {
+    if constexpr (Tested<Kernel>) {
+        doubt = Kernel::doubt(x);
+        auto y = Kernel::lanes(x);
+        if constexpr (requires { Kernel::settle_silent(x, y, doubt); })
+            if (frame.silent()) y = Kernel::settle_silent(x, y, doubt);
+        return y;
+    } else {
+        return Kernel::lanes(x, doubt);
+    }
+}
+
 // Lanes of a block that the vector path did not serve: their inputs and results, in buffers.
 template <class Kernel>
 struct DoubtfulBlock {
@@ -82,38 +122,68 @@ template <class Kernel, class In, class Out>
     for (int32_t lane = 0; lane < count; ++lane) *y.at(i + lane) = block.y[lane];
 }
 
+// A block that its test rejected, from the arguments on.
 template <class Kernel, int Registers, class In, class Out>
-inline void map_block(int32_t i, In a, Out y) {
+[[gnu::noinline]] void map_rejected(const typename Kernel::Frame& frame, int32_t i, In a, Out y) {
     constexpr int width = simd::Lanes<typename Kernel::Element>::width;
-    using V = typename simd::Lanes<typename Kernel::Element>::V;
-    V x[Registers], r[Registers];
-    if constexpr (Doubtful<Kernel>) {
-        V doubt[Registers];
-        for (int k = 0; k < Registers; ++k) r[k] = Kernel::lanes(x[k] = a.load(i + k * width), doubt[k]);
-        V any = doubt[0];
-        for (int k = 1; k < Registers; ++k) any = simd::bit_or(any, doubt[k]);
+    DoubtfulBlock<Kernel> block;
+    unsigned bits = 0;
+    for (int k = 0; k < Registers; ++k) {
+        const auto x = a.load(i + k * width);
+        simd::store(&block.x[k * width], x);
+        if constexpr (!rejects_whole_blocks<Kernel>()) {
+            LanesOf<Kernel> doubt;
+            simd::store(&block.y[k * width], lanes_and_doubt<Kernel>(frame, x, doubt));
+            bits |= simd::lane_bits(doubt) << (k * width);
+        }
+    }
+    settle(block, rejects_whole_blocks<Kernel>() ? ~0u : bits, i, Registers * width, a, y);
+}
+
+template <class Kernel, int Registers, class In, class Out>
+inline void map_block([[maybe_unused]] const typename Kernel::Frame& frame, int32_t i, In a, Out y) {
+    constexpr int width = simd::Lanes<typename Kernel::Element>::width;
+    using V = LanesOf<Kernel>;
+    if constexpr (Tested<Kernel>) {
+        V any = Kernel::doubt(a.load(i));
+        for (int k = 1; k < Registers; ++k) any = simd::bit_or(any, Kernel::doubt(a.load(i + k * width)));
         if (simd::lane_bits(any) != 0) [[unlikely]] {
-            DoubtfulBlock<Kernel> block;
-            unsigned bits = 0;
-            for (int k = 0; k < Registers; ++k) {
-                simd::store(&block.x[k * width], x[k]);
-                simd::store(&block.y[k * width], r[k]);
-                bits |= simd::lane_bits(doubt[k]) << (k * width);
-            }
-            settle(block, bits, i, Registers * width, a, y);
+            map_rejected<Kernel, Registers>(frame, i, a, y);
             return;
         }
+        for (int k = 0; k < Registers; ++k) y.store(i + k * width, Kernel::lanes(a.load(i + k * width)));
+        return;
     } else {
-        for (int k = 0; k < Registers; ++k) r[k] = Kernel::lanes(x[k] = a.load(i + k * width));
+        V x[Registers], r[Registers];
+        if constexpr (Doubtful<Kernel>) {
+            V doubt[Registers];
+            for (int k = 0; k < Registers; ++k) r[k] = Kernel::lanes(x[k] = a.load(i + k * width), doubt[k]);
+            V any = doubt[0];
+            for (int k = 1; k < Registers; ++k) any = simd::bit_or(any, doubt[k]);
+            if (simd::lane_bits(any) != 0) [[unlikely]] {
+                DoubtfulBlock<Kernel> block;
+                unsigned bits = 0;
+                for (int k = 0; k < Registers; ++k) {
+                    simd::store(&block.x[k * width], x[k]);
+                    simd::store(&block.y[k * width], r[k]);
+                    bits |= simd::lane_bits(doubt[k]) << (k * width);
+                }
+                settle(block, bits, i, Registers * width, a, y);
+                return;
+            }
+        } else {
+            for (int k = 0; k < Registers; ++k) r[k] = Kernel::lanes(x[k] = a.load(i + k * width));
+        }
+        for (int k = 0; k < Registers; ++k) y.store(i + k * width, r[k]);
     }
-    for (int k = 0; k < Registers; ++k) y.store(i + k * width, r[k]);
 }
 
 // At most one register's worth, or one block's: through buffers, so that nothing outside the arrays is touched.
 template <class Kernel, int Registers, class In, class Out>
-inline void map_part(int32_t i, int32_t count, typename Kernel::Element fill, In a, Out y) {
+inline void map_part([[maybe_unused]] const typename Kernel::Frame& frame, int32_t i, int32_t count,
+                     typename Kernel::Element fill, In a, Out y) {
     constexpr int width = simd::Lanes<typename Kernel::Element>::width;
-    using V = typename simd::Lanes<typename Kernel::Element>::V;
+    using V = LanesOf<Kernel>;
     DoubtfulBlock<Kernel> block;
     for (int32_t lane = 0; lane < Registers * width; ++lane) block.x[lane] = lane < count ? *a.at(i + lane) : fill;
     unsigned bits = 0;
@@ -121,7 +191,7 @@ inline void map_part(int32_t i, int32_t count, typename Kernel::Element fill, In
         const V x = simd::load(&block.x[k * width]);
         if constexpr (Doubtful<Kernel>) {
             V doubt;
-            simd::store(&block.y[k * width], Kernel::lanes(x, doubt));
+            simd::store(&block.y[k * width], lanes_and_doubt<Kernel>(frame, x, doubt));
             bits |= simd::lane_bits(doubt) << (k * width);
         } else {
             simd::store(&block.y[k * width], Kernel::lanes(x));
@@ -136,6 +206,21 @@ inline void map_part(int32_t i, int32_t count, typename Kernel::Element fill, In
     for (int32_t lane = 0; lane < count; ++lane) *y.at(i + lane) = block.y[lane];
 }
 
+// One element; the other lanes hold it too, and so add nothing to its exceptions.
+template <class Kernel, class In, class Out>
+inline void map_element(const typename Kernel::Frame& frame, int32_t i, In a, Out y) {
+    LanesOf<Kernel> doubt;
+    const auto x = simd::load_splat(a.at(i));
+    const auto r = lanes_and_doubt<Kernel>(frame, x, doubt);
+    if (simd::lane_bits(doubt) == 0) [[likely]] {
+        simd::store_one(y.at(i), r);
+        return;
+    }
+    DoubtfulBlock<Kernel> block;
+    block.x[0] = *a.at(i);
+    settle(block, 1, i, 1, a, y);
+}
+
 template <class Kernel, class In, class Out>
 inline void map(int32_t n, In a, Out y) {
     using Element = typename Kernel::Element;
@@ -144,15 +229,18 @@ inline void map(int32_t n, In a, Out y) {
     const typename Kernel::Frame frame;
 
     int32_t i = 0;
-    for (; i <= n - Kernel::block; i += Kernel::block) map_block<Kernel, registers>(i, a, y);
+    for (; i <= n - Kernel::block; i += Kernel::block) map_block<Kernel, registers>(frame, i, a, y);
 
     if constexpr (Kernel::tail == Tail::by_element) {
-        for (; i < n; ++i) simd::store_one(y.at(i), Kernel::lanes(simd::load_one(a.at(i))));
+        if constexpr (Doubtful<Kernel>)
+            for (; i < n; ++i) map_element<Kernel>(frame, i, a, y);
+        else
+            for (; i < n; ++i) simd::store_one(y.at(i), Kernel::lanes(simd::load_one(a.at(i))));
     } else if constexpr (Kernel::tail == Tail::padded) {
-        if (i < n) map_part<Kernel, registers>(i, n - i, *a.at(i), a, y);
+        if (i < n) map_part<Kernel, registers>(frame, i, n - i, *a.at(i), a, y);
     } else {
-        for (; i <= n - width; i += width) map_block<Kernel, 1>(i, a, y);
-        if (i < n) map_part<Kernel, 1>(i, n - i, static_cast<Element>(harmless), a, y);
+        for (; i <= n - width; i += width) map_block<Kernel, 1>(frame, i, a, y);
+        if (i < n) map_part<Kernel, 1>(frame, i, n - i, static_cast<Element>(harmless), a, y);
     }
 }
 

@@ -73,6 +73,42 @@ inline auto splat(double x) {
     return _mm_set1_pd(x);
 }
 
+// A constant in every lane, as a constant block holds it: lanes among lanes, a number among numbers.
+template <class Scalar>
+struct alignas(16) Splat {
+    Scalar lanes[16 / sizeof(Scalar)];
+
+    constexpr Splat(Scalar x) : lanes{} {
+        for (Scalar& lane : lanes) lane = x;
+    }
+    operator typename Lanes<Scalar>::V() const { return load_aligned(lanes); }
+    constexpr operator Scalar() const { return lanes[0]; }
+};
+#define ORV_SPLAT_OPERATOR(V, Scalar, symbol)                                                      \
+    inline V operator symbol(V a, const Splat<Scalar>& b) { return a symbol load_aligned(b.lanes); } \
+    inline V operator symbol(const Splat<Scalar>& a, V b) { return load_aligned(a.lanes) symbol b; }
+ORV_SPLAT_OPERATOR(__m128, float, +)
+ORV_SPLAT_OPERATOR(__m128, float, -)
+ORV_SPLAT_OPERATOR(__m128, float, *)
+ORV_SPLAT_OPERATOR(__m128d, double, +)
+ORV_SPLAT_OPERATOR(__m128d, double, -)
+ORV_SPLAT_OPERATOR(__m128d, double, *)
+#undef ORV_SPLAT_OPERATOR
+// The same for bits: 32-bit or 64-bit words, as integer lanes.
+template <class Word>
+struct alignas(16) SplatBits {
+    Word lanes[16 / sizeof(Word)];
+
+    constexpr SplatBits(Word x) : lanes{} {
+        for (Word& lane : lanes) lane = x;
+    }
+    operator __m128i() const { return _mm_load_si128(reinterpret_cast<const __m128i*>(lanes)); }
+};
+
+// One element in every lane.
+inline __m128 load_splat(const float* p) { return _mm_load1_ps(p); }
+inline __m128d load_splat(const double* p) { return _mm_loaddup_pd(p); }
+
 // ---- One element, the other lanes zero -------------------------------------------------------------------------------
 
 inline __m128 load_one(const float* p) { return _mm_load_ss(p); }
@@ -128,6 +164,11 @@ inline __m128d bit_xor(__m128d a, __m128d b) { return _mm_xor_pd(a, b); }
 inline __m128 bit_and_not(__m128 a, __m128 b) { return _mm_andnot_ps(a, b); }
 inline __m128d bit_and_not(__m128d a, __m128d b) { return _mm_andnot_pd(a, b); }
 
+inline __m128i bits_of(__m128 x) { return _mm_castps_si128(x); }
+inline __m128i bits_of(__m128d x) { return _mm_castpd_si128(x); }
+inline __m128 floats(__m128i bits) { return _mm_castsi128_ps(bits); }
+inline __m128d doubles(__m128i bits) { return _mm_castsi128_pd(bits); }
+
 inline __m128 sign_of(__m128 x) { return bit_and(x, splat(-0.0f)); }
 inline __m128d sign_of(__m128d x) { return bit_and(x, splat(-0.0)); }
 
@@ -154,6 +195,25 @@ inline __m128d not_finite(__m128d x) {
     const __m128i exponent = _mm_set1_epi32(0x7FF00000);
     const __m128i high_words = _mm_shuffle_epi32(_mm_castpd_si128(x), _MM_SHUFFLE(3, 3, 1, 1));
     return _mm_castsi128_pd(_mm_cmpeq_epi32(_mm_and_si128(high_words, exponent), exponent));
+}
+
+// ---- Table rows by lane ----------------------------------------------------------------------------------------------
+
+// The low words of 64-bit lanes, as indices or byte offsets; below 65536.
+struct Offsets2 {
+    uint32_t at0, at1;
+};
+inline Offsets2 offsets_of(__m128i low_words) {
+    return {static_cast<uint32_t>(_mm_cvtsi128_si32(low_words)), static_cast<uint32_t>(_mm_extract_epi16(low_words, 4))};
+}
+// What stands `offset` bytes behind `start`.
+template <class T>
+inline const T* behind(const T* start, uint32_t offset) {
+    return reinterpret_cast<const T*>(reinterpret_cast<const char*>(start) + offset);
+}
+inline __m128d gather(const double* p0, const double* p1) { return _mm_loadh_pd(_mm_load_sd(p0), p1); }
+inline __m128i gather(const uint64_t* p0, const uint64_t* p1) {
+    return bits_of(gather(reinterpret_cast<const double*>(p0), reinterpret_cast<const double*>(p1)));
 }
 
 // One bit per lane, lane 0 lowest.
