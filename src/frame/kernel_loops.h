@@ -7,14 +7,15 @@
 //   block              elements computed together; their results are stored together
 //   tail               what happens to the elements after the last whole block
 //   lanes(x)           from lanes to lanes, where the vector path serves every value; or
-//   lanes(x, doubt)    the same with a mask of the lanes that it does not serve; or
-//   lanes(x), doubt(x) the same with that mask from a test of the arguments alone. The test comes first and for the whole
-//                      block, so that nothing of a block needs to be kept; results of lanes in doubt are thrown away
+//   lanes(x, frame)    the same where the frame gathers something on the way; or
+//   lanes(x, doubt)    with a mask of the lanes that the vector path does not serve; or
+//   lanes(x), doubt(x) with that mask from a test of the arguments alone. The test comes first, for the whole block, so
+//                      nothing of a block is kept in registers; results of lanes in doubt are thrown away
 //   name, scalar(x, y) with either mask: the name that reports carry, and one element's result, returning its status
-//   rejected           optional: what becomes of a block with a lane in doubt (Rejected, below)
+//   rejected           with doubt(x), optional: what becomes of a block with a lane in doubt
 //   settle_silent(x, y, doubt)
-//                      optional: settles in vector form what it can of the lanes in doubt and takes them out of the mask;
-//                      used where the thread's mode allows no report (a frame with silent())
+//                      with doubt(x), optional: settles in vector form what it can of the lanes in doubt and takes them
+//                      out of the mask; used where the thread's mode allows no report
 //
 // and ORV_ONE_INPUT makes the dense and the strided kernel from it. A mask counts by its lanes' sign bits.
 #pragma once
@@ -26,7 +27,7 @@
 namespace orv::frame {
 
 enum class Tail {
-    by_element,  // one after another, every lane holding that element
+    by_element,  // one after another
     padded,      // one whole block, filled up with the first remaining element
     masked,      // groups of one register, filled up with a harmless value
 };
@@ -64,7 +65,7 @@ struct Strided {
 };
 
 // The fill of absent lanes: in every function's domain, nowhere special.
-inline constexpr double harmless = 0.75;
+inline constexpr float harmless = 0.75f;
 
 template <class Kernel>
 concept Doubtful = requires { Kernel::name; };
@@ -84,141 +85,134 @@ constexpr bool rejects_whole_blocks() {
         return false;
 }
 
-// One register's results and mask, by whichever form the kernel has.
-template <class Kernel>
-inline auto lanes_and_doubt(const typename Kernel::Frame& frame, LanesOf<Kernel> x, LanesOf<Kernel>& doubt) {
+// One register's results with their mask, whichever form the kernel has.
+template <class Kernel, class V>
+inline auto doubtful_lanes(V x, V& doubt, [[maybe_unused]] const typename Kernel::Frame& frame) {
     if constexpr (Tested<Kernel>) {
         doubt = Kernel::doubt(x);
-        auto y = Kernel::lanes(x);
-        if constexpr (requires { Kernel::settle_silent(x, y, doubt); })
-            if (frame.silent()) y = Kernel::settle_silent(x, y, doubt);
-        return y;
+        auto r = Kernel::lanes(x);
+        if constexpr (requires { Kernel::settle_silent(x, r, doubt); })
+            if (frame.silent()) r = Kernel::settle_silent(x, r, doubt);
+        return r;
     } else {
         return Kernel::lanes(x, doubt);
     }
 }
 
-// Lanes of a block that the vector path did not serve: their inputs and results, in buffers.
-template <class Kernel>
-struct DoubtfulBlock {
-    static constexpr int width = simd::Lanes<typename Kernel::Element>::width;
-    alignas(16) typename Kernel::Element x[Kernel::block];
-    alignas(16) typename Kernel::Result y[Kernel::block];
-};
-
-// Settles the lanes of `bits` from lane 0 up, then stores the first `count` results. A reported element is in its place
-// in `y` before the reporter runs, which may change it there.
-template <class Kernel, class In, class Out>
-[[gnu::noinline]] void settle(DoubtfulBlock<Kernel>& block, unsigned bits, int32_t i, int32_t count, In a, Out y) {
-    for (int32_t lane = 0; lane < count; ++lane) {
-        if (!(bits >> lane & 1)) continue;
-        const int32_t status = Kernel::scalar(&block.x[lane], &block.y[lane]);
-        if (status == status_ok) continue;
-        *y.at(i + lane) = block.y[lane];
-        report_error(status, i + lane, a.start, a.increment, a.start, a.increment, y.start, y.increment, y.start,
-                     y.increment, Kernel::name);
-        block.y[lane] = *y.at(i + lane);
-    }
-    for (int32_t lane = 0; lane < count; ++lane) *y.at(i + lane) = block.y[lane];
+// The lanes of a kernel that serves every value.
+template <class Kernel, class V>
+inline auto sure_lanes(V x, typename Kernel::Frame& frame) {
+    if constexpr (requires { Kernel::lanes(x, frame); })
+        return Kernel::lanes(x, frame);
+    else
+        return Kernel::lanes(x);
 }
 
-// A block that its test rejected, from the arguments on.
-template <class Kernel, int Registers, class In, class Out>
-[[gnu::noinline]] void map_rejected(const typename Kernel::Frame& frame, int32_t i, In a, Out y) {
-    constexpr int width = simd::Lanes<typename Kernel::Element>::width;
-    DoubtfulBlock<Kernel> block;
-    unsigned bits = 0;
-    for (int k = 0; k < Registers; ++k) {
-        const auto x = a.load(i + k * width);
-        simd::store(&block.x[k * width], x);
+// A block with lanes that the vector path does not serve goes through buffers, as does a part of a block. The doubted lanes
+// are settled from lane 0 up. A reported element is in its place in `y` before the reporter runs, which may change it
+// there; the block is stored at the end. Nothing outside the arrays is touched.
+template <class Kernel, class In, class Out>
+[[gnu::noinline, gnu::cold]] void map_buffered(int32_t i, int32_t count, In a, Out y,
+                                             const typename Kernel::Frame& frame) {
+    using Element = typename Kernel::Element;
+    using V = typename simd::Lanes<Element>::V;
+    constexpr int width = simd::Lanes<Element>::width;
+    alignas(16) Element x[Kernel::block];
+    alignas(16) typename Kernel::Result r[Kernel::block];
+    for (int32_t lane = 0; lane < Kernel::block; ++lane) x[lane] = lane < count ? *a.at(i + lane) : Element{harmless};
+    for (int32_t k = 0; k < count; k += width) {
+        unsigned bits = ~0u;
         if constexpr (!rejects_whole_blocks<Kernel>()) {
-            LanesOf<Kernel> doubt;
-            simd::store(&block.y[k * width], lanes_and_doubt<Kernel>(frame, x, doubt));
-            bits |= simd::lane_bits(doubt) << (k * width);
+            V doubt;
+            simd::store(r + k, doubtful_lanes<Kernel>(simd::load(x + k), doubt, frame));
+            bits = simd::lane_bits(doubt);
+        }
+        for (int32_t lane = k; lane < k + width && lane < count; ++lane) {
+            if (!(bits >> (lane - k) & 1)) continue;
+            const int32_t status = Kernel::scalar(&x[lane], &r[lane]);
+            if (status == status_ok) continue;
+            *y.at(i + lane) = r[lane];
+            report_error(status, i + lane, a.start, a.increment, a.start, a.increment, y.start, y.increment, y.start,
+                         y.increment, Kernel::name);
+            r[lane] = *y.at(i + lane);
         }
     }
-    settle(block, rejects_whole_blocks<Kernel>() ? ~0u : bits, i, Registers * width, a, y);
+    for (int32_t lane = 0; lane < count; ++lane) *y.at(i + lane) = r[lane];
 }
 
+// `Registers` whole registers from element i on.
 template <class Kernel, int Registers, class In, class Out>
-inline void map_block([[maybe_unused]] const typename Kernel::Frame& frame, int32_t i, In a, Out y) {
+inline void map_registers(int32_t i, In a, Out y, [[maybe_unused]] typename Kernel::Frame& frame) {
     constexpr int width = simd::Lanes<typename Kernel::Element>::width;
-    using V = LanesOf<Kernel>;
+    using V = typename simd::Lanes<typename Kernel::Element>::V;
+    [[maybe_unused]] V r[Registers];
     if constexpr (Tested<Kernel>) {
         V any = Kernel::doubt(a.load(i));
+#pragma GCC unroll 16
         for (int k = 1; k < Registers; ++k) any = simd::bit_or(any, Kernel::doubt(a.load(i + k * width)));
-        if (simd::lane_bits(any) != 0) [[unlikely]] {
-            map_rejected<Kernel, Registers>(frame, i, a, y);
-            return;
-        }
+        if (simd::lane_bits(any) != 0) [[unlikely]]
+            return map_buffered<Kernel>(i, Registers * width, a, y, frame);
+#pragma GCC unroll 16
         for (int k = 0; k < Registers; ++k) y.store(i + k * width, Kernel::lanes(a.load(i + k * width)));
         return;
-    } else {
-        V x[Registers], r[Registers];
-        if constexpr (Doubtful<Kernel>) {
-            V doubt[Registers];
-            for (int k = 0; k < Registers; ++k) r[k] = Kernel::lanes(x[k] = a.load(i + k * width), doubt[k]);
-            V any = doubt[0];
-            for (int k = 1; k < Registers; ++k) any = simd::bit_or(any, doubt[k]);
-            if (simd::lane_bits(any) != 0) [[unlikely]] {
-                DoubtfulBlock<Kernel> block;
-                unsigned bits = 0;
-                for (int k = 0; k < Registers; ++k) {
-                    simd::store(&block.x[k * width], x[k]);
-                    simd::store(&block.y[k * width], r[k]);
-                    bits |= simd::lane_bits(doubt[k]) << (k * width);
-                }
-                settle(block, bits, i, Registers * width, a, y);
-                return;
-            }
-        } else {
-            for (int k = 0; k < Registers; ++k) r[k] = Kernel::lanes(x[k] = a.load(i + k * width));
-        }
-        for (int k = 0; k < Registers; ++k) y.store(i + k * width, r[k]);
-    }
-}
-
-// At most one register's worth, or one block's: through buffers, so that nothing outside the arrays is touched.
-template <class Kernel, int Registers, class In, class Out>
-inline void map_part([[maybe_unused]] const typename Kernel::Frame& frame, int32_t i, int32_t count,
-                     typename Kernel::Element fill, In a, Out y) {
-    constexpr int width = simd::Lanes<typename Kernel::Element>::width;
-    using V = LanesOf<Kernel>;
-    DoubtfulBlock<Kernel> block;
-    for (int32_t lane = 0; lane < Registers * width; ++lane) block.x[lane] = lane < count ? *a.at(i + lane) : fill;
-    unsigned bits = 0;
-    for (int k = 0; k < Registers; ++k) {
-        const V x = simd::load(&block.x[k * width]);
-        if constexpr (Doubtful<Kernel>) {
+    } else if constexpr (Doubtful<Kernel>) {
+        V any;
+#pragma GCC unroll 16
+        for (int k = 0; k < Registers; ++k) {
             V doubt;
-            simd::store(&block.y[k * width], lanes_and_doubt<Kernel>(frame, x, doubt));
-            bits |= simd::lane_bits(doubt) << (k * width);
-        } else {
-            simd::store(&block.y[k * width], Kernel::lanes(x));
+            r[k] = Kernel::lanes(a.load(i + k * width), doubt);
+            any = k == 0 ? doubt : simd::bit_or(any, doubt);
         }
+        if (simd::lane_bits(any) != 0) [[unlikely]]
+            return map_buffered<Kernel>(i, Registers * width, a, y, frame);
+    } else {
+#pragma GCC unroll 16
+        for (int k = 0; k < Registers; ++k) r[k] = sure_lanes<Kernel>(a.load(i + k * width), frame);
     }
-    if constexpr (Doubtful<Kernel>) {
-        if (bits != 0) [[unlikely]] {
-            settle(block, bits, i, count, a, y);
-            return;
-        }
-    }
-    for (int32_t lane = 0; lane < count; ++lane) *y.at(i + lane) = block.y[lane];
+#pragma GCC unroll 16
+    for (int k = 0; k < Registers; ++k) y.store(i + k * width, r[k]);
 }
 
-// One element; the other lanes hold it too, and so add nothing to its exceptions.
+// Fewer elements than a register holds, the absent lanes filled.
 template <class Kernel, class In, class Out>
-inline void map_element(const typename Kernel::Frame& frame, int32_t i, In a, Out y) {
-    LanesOf<Kernel> doubt;
-    const auto x = simd::load_splat(a.at(i));
-    const auto r = lanes_and_doubt<Kernel>(frame, x, doubt);
-    if (simd::lane_bits(doubt) == 0) [[likely]] {
-        simd::store_one(y.at(i), r);
-        return;
+inline void map_group(int32_t i, int32_t count, In a, Out y, [[maybe_unused]] typename Kernel::Frame& frame) {
+    using Scalar = typename simd::Lanes<typename Kernel::Element>::Scalar;
+    using V = typename simd::Lanes<typename Kernel::Element>::V;
+    const V x = simd::load_part(a.at(i), a.increment, count, Scalar{harmless});
+    if constexpr (Doubtful<Kernel>) {
+        V doubt;
+        const V r = doubtful_lanes<Kernel>(x, doubt, frame);
+        if (simd::lane_bits(doubt) != 0) [[unlikely]]
+            return map_buffered<Kernel>(i, count, a, y, frame);
+        simd::store_part(y.at(i), y.increment, count, r);
+    } else {
+        simd::store_part(y.at(i), y.increment, count, sure_lanes<Kernel>(x, frame));
     }
-    DoubtfulBlock<Kernel> block;
-    block.x[0] = *a.at(i);
-    settle(block, 1, i, 1, a, y);
+}
+
+// One element. In a kernel with doubts every lane holds it, so that the others add nothing to its exceptions.
+template <class Kernel, class In, class Out>
+inline void map_element(int32_t i, In a, Out y, typename Kernel::Frame& frame) {
+    if constexpr (Doubtful<Kernel>) {
+        LanesOf<Kernel> doubt;
+        const auto r = doubtful_lanes<Kernel>(simd::load_splat(a.at(i)), doubt, frame);
+        if (simd::lane_bits(doubt) != 0) [[unlikely]]
+            return map_buffered<Kernel>(i, 1, a, y, frame);
+        simd::store_one(y.at(i), r);
+    } else {
+        simd::store_one(y.at(i), sure_lanes<Kernel>(simd::load_one(a.at(i)), frame));
+    }
+}
+
+// Fewer elements than a block holds, in a block filled up with the first of them: what it raises has been raised.
+template <class Kernel, class In, class Out>
+inline void map_padded(int32_t i, int32_t count, In a, Out y) {
+    constexpr int width = simd::Lanes<typename Kernel::Element>::width;
+    alignas(16) typename Kernel::Element x[Kernel::block];
+    alignas(16) typename Kernel::Result r[Kernel::block];
+    for (int32_t lane = 0; lane < Kernel::block; ++lane) x[lane] = *a.at(i + (lane < count ? lane : 0));
+    for (int k = 0; k < Kernel::block; k += width) simd::store(r + k, Kernel::lanes(simd::load(x + k)));
+    for (int32_t lane = 0; lane < count; ++lane) *y.at(i + lane) = r[lane];
 }
 
 template <class Kernel, class In, class Out>
@@ -226,21 +220,18 @@ inline void map(int32_t n, In a, Out y) {
     using Element = typename Kernel::Element;
     constexpr int width = simd::Lanes<Element>::width;
     constexpr int registers = Kernel::block / width;
-    const typename Kernel::Frame frame;
+    typename Kernel::Frame frame;
 
     int32_t i = 0;
-    for (; i <= n - Kernel::block; i += Kernel::block) map_block<Kernel, registers>(frame, i, a, y);
+    for (; i <= n - Kernel::block; i += Kernel::block) map_registers<Kernel, registers>(i, a, y, frame);
 
     if constexpr (Kernel::tail == Tail::by_element) {
-        if constexpr (Doubtful<Kernel>)
-            for (; i < n; ++i) map_element<Kernel>(frame, i, a, y);
-        else
-            for (; i < n; ++i) simd::store_one(y.at(i), Kernel::lanes(simd::load_one(a.at(i))));
+        for (; i < n; ++i) map_element<Kernel>(i, a, y, frame);
     } else if constexpr (Kernel::tail == Tail::padded) {
-        if (i < n) map_part<Kernel, registers>(frame, i, n - i, *a.at(i), a, y);
+        if (i < n) map_padded<Kernel>(i, n - i, a, y);
     } else {
-        for (; i <= n - width; i += width) map_block<Kernel, 1>(frame, i, a, y);
-        if (i < n) map_part<Kernel, 1>(frame, i, n - i, static_cast<Element>(harmless), a, y);
+        for (; i <= n - width; i += width) map_registers<Kernel, 1>(i, a, y, frame);
+        if (i < n) map_group<Kernel>(i, n - i, a, y, frame);
     }
 }
 

@@ -73,38 +73,6 @@ inline auto splat(double x) {
     return _mm_set1_pd(x);
 }
 
-// A constant in every lane, as a constant block holds it: lanes among lanes, a number among numbers.
-template <class Scalar>
-struct alignas(16) Splat {
-    Scalar lanes[16 / sizeof(Scalar)];
-
-    constexpr Splat(Scalar x) : lanes{} {
-        for (Scalar& lane : lanes) lane = x;
-    }
-    operator typename Lanes<Scalar>::V() const { return load_aligned(lanes); }
-    constexpr operator Scalar() const { return lanes[0]; }
-};
-#define ORV_SPLAT_OPERATOR(V, Scalar, symbol)                                                      \
-    inline V operator symbol(V a, const Splat<Scalar>& b) { return a symbol load_aligned(b.lanes); } \
-    inline V operator symbol(const Splat<Scalar>& a, V b) { return load_aligned(a.lanes) symbol b; }
-ORV_SPLAT_OPERATOR(__m128, float, +)
-ORV_SPLAT_OPERATOR(__m128, float, -)
-ORV_SPLAT_OPERATOR(__m128, float, *)
-ORV_SPLAT_OPERATOR(__m128d, double, +)
-ORV_SPLAT_OPERATOR(__m128d, double, -)
-ORV_SPLAT_OPERATOR(__m128d, double, *)
-#undef ORV_SPLAT_OPERATOR
-// The same for bits: 32-bit or 64-bit words, as integer lanes.
-template <class Word>
-struct alignas(16) SplatBits {
-    Word lanes[16 / sizeof(Word)];
-
-    constexpr SplatBits(Word x) : lanes{} {
-        for (Word& lane : lanes) lane = x;
-    }
-    operator __m128i() const { return _mm_load_si128(reinterpret_cast<const __m128i*>(lanes)); }
-};
-
 // One element in every lane.
 inline __m128 load_splat(const float* p) { return _mm_load1_ps(p); }
 inline __m128d load_splat(const double* p) { return _mm_loaddup_pd(p); }
@@ -137,10 +105,10 @@ inline __m128 load_strided(const orv_complex_s* p, ptrdiff_t step) {
 inline __m128d load_strided(const orv_complex_d* p, ptrdiff_t) { return load(p); }
 
 inline void store_strided(float* p, ptrdiff_t step, __m128 v) {
-    const __m128i bits = _mm_castps_si128(v);
     _mm_store_ss(p, v);
-    const int lanes[3] = {_mm_extract_epi32(bits, 1), _mm_extract_epi32(bits, 2), _mm_extract_epi32(bits, 3)};
-    for (int lane = 0; lane < 3; ++lane) __builtin_memcpy(p + (lane + 1) * step, &lanes[lane], sizeof(float));
+    _mm_store_ss(p + step, _mm_shuffle_ps(v, v, 1));
+    _mm_store_ss(p + 2 * step, _mm_movehl_ps(v, v));
+    _mm_store_ss(p + 3 * step, _mm_shuffle_ps(v, v, 3));
 }
 inline void store_strided(double* p, ptrdiff_t step, __m128d v) {
     _mm_store_sd(p, v);
@@ -151,6 +119,25 @@ inline void store_strided(orv_complex_s* p, ptrdiff_t step, __m128 v) {
     _mm_storeh_pi(reinterpret_cast<__m64*>(p + step), v);
 }
 inline void store_strided(orv_complex_d* p, ptrdiff_t, __m128d v) { store(p, v); }
+
+// ---- The first `count` lanes, at least one and fewer than all; a load fills the others -------------------------------
+
+inline __m128 load_part(const float* p, ptrdiff_t step, int32_t count, float fill) {
+    __m128 v = _mm_move_ss(_mm_set1_ps(fill), _mm_load_ss(p));
+    if (count > 1) v = _mm_insert_ps(v, _mm_load_ss(p + step), 0x10);
+    if (count > 2) v = _mm_insert_ps(v, _mm_load_ss(p + 2 * step), 0x20);
+    return v;
+}
+inline __m128d load_part(const double* p, ptrdiff_t, int32_t, double fill) {
+    return _mm_unpacklo_pd(_mm_load_sd(p), _mm_set1_pd(fill));
+}
+
+inline void store_part(float* p, ptrdiff_t step, int32_t count, __m128 v) {
+    _mm_store_ss(p, v);
+    if (count > 1) _mm_store_ss(p + step, _mm_shuffle_ps(v, v, 1));
+    if (count > 2) _mm_store_ss(p + 2 * step, _mm_movehl_ps(v, v));
+}
+inline void store_part(double* p, ptrdiff_t, int32_t, __m128d v) { _mm_store_sd(p, v); }
 
 // ---- Bits ------------------------------------------------------------------------------------------------------------
 
@@ -197,24 +184,8 @@ inline __m128d not_finite(__m128d x) {
     return _mm_castsi128_pd(_mm_cmpeq_epi32(_mm_and_si128(high_words, exponent), exponent));
 }
 
-// ---- Table rows by lane ----------------------------------------------------------------------------------------------
-
-// The low words of 64-bit lanes, as indices or byte offsets; below 65536.
-struct Offsets2 {
-    uint32_t at0, at1;
-};
-inline Offsets2 offsets_of(__m128i low_words) {
-    return {static_cast<uint32_t>(_mm_cvtsi128_si32(low_words)), static_cast<uint32_t>(_mm_extract_epi16(low_words, 4))};
-}
-// What stands `offset` bytes behind `start`.
-template <class T>
-inline const T* behind(const T* start, uint32_t offset) {
-    return reinterpret_cast<const T*>(reinterpret_cast<const char*>(start) + offset);
-}
-inline __m128d gather(const double* p0, const double* p1) { return _mm_loadh_pd(_mm_load_sd(p0), p1); }
-inline __m128i gather(const uint64_t* p0, const uint64_t* p1) {
-    return bits_of(gather(reinterpret_cast<const double*>(p0), reinterpret_cast<const double*>(p1)));
-}
+inline bool any_bit(__m128 x) { return !_mm_testz_si128(_mm_castps_si128(x), _mm_castps_si128(x)); }
+inline bool any_bit(__m128d x) { return !_mm_testz_si128(_mm_castpd_si128(x), _mm_castpd_si128(x)); }
 
 // One bit per lane, lane 0 lowest.
 inline unsigned lane_bits(__m128 mask) { return static_cast<unsigned>(_mm_movemask_ps(mask)); }

@@ -13,6 +13,7 @@
 //
 // Worst errors measured: "LA" 3.6 ulp, "HA" 0.52 ulp, "EP" 2^-28.1 relative; subnormal results 1.0 ("LA") and 0.5 ("HA") ulp of their own.
 #include "frame/kernel_loops.h"
+#include "simd/constants.h"
 #include "vecmath/exp_log/special.h"
 
 namespace {
