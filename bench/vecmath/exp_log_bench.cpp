@@ -82,6 +82,9 @@ const bool registered = [] {
 
     FUNCTION(d, double, Exp, exp, -100, 100, 1000)
     SLEEF("dExp", Sleef_expd2_u10sse4, -100, 100)
+    FUNCTION(d, double, Ln, log, 0.001, 1000, 0)
+    SLEEF("dLn", Sleef_logd2_u10sse4, 0.001, 1000)
+    SLEEF("dLn", Sleef_logd2_u35sse4, 0.001, 1000)
     return true;
 }();
 

@@ -105,7 +105,7 @@
     ROW(LATER, d, Cbrt,       ONE,        LA_EP, MEASURED(dCbrt))                 \
     ROW(LATER, d, InvCbrt,    ONE,        ALL,   MEASURED(dInvCbrt))              \
     ROW(HERE,  d, Exp,        ONE,        EACH,  COST(11.07, 16.065, 8.56))       \
-    ROW(LATER, d, Ln,         ONE,        LA_HA, COST(18, 18, 11.07))             \
+    ROW(HERE,  d, Ln,         ONE,        LA_HA, COST(18, 18, 11.07))             \
     ROW(LATER, d, Log10,      ONE,        LA_EP, MEASURED(dLog10))                \
     ROW(LATER, d, Cos,        ONE,        LA_HA, MEASURED(dCos))                  \
     ROW(LATER, d, Sin,        ONE,        EACH,  COST(20.147, 21.88, 14.681))     \

@@ -18,5 +18,6 @@
     CARD(Sub, "a - b", "As IEC 60559 subtraction.", "Correctly rounded.", "IEC 60559") \
     CARD(Mul, "a * b", "As IEC 60559 multiplication.", "Correctly rounded.", "IEC 60559") \
     CARD(Exp, "e to the power a", "Above 709.78 (s: 88.72) infinity, reported as overflow; below -708.40 (s: -87.34) a subnormal or zero, reported as underflow; minus infinity gives +0.", "Correct to about half an ulp in HA.", "P. T. P. Tang, Table-driven implementation of the exponential function, ACM TOMS 15 (1989)") \
+    CARD(Ln, "the natural logarithm of a", "Zero gives minus infinity, reported as singularity; negative values a NaN, reported as domain; plus infinity comes back.", "Correct to about half an ulp in HA.", "P. T. P. Tang, Table-driven implementation of the logarithm function, ACM TOMS 16 (1990)") \
     CARD(Conj, "the complex conjugate of a", "The sign bit of the imaginary part is turned whatever it is the sign of; no flag is raised.", "Exact.", "C99 7.3.9.4")
 // clang-format on
