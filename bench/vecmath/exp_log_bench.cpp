@@ -85,6 +85,11 @@ const bool registered = [] {
     FUNCTION(d, double, Ln, log, 0.001, 1000, 0)
     SLEEF("dLn", Sleef_logd2_u10sse4, 0.001, 1000)
     SLEEF("dLn", Sleef_logd2_u35sse4, 0.001, 1000)
+    FUNCTION(s, float, Exp, expf, -80, 80, 1000)
+    SLEEF("sExp", Sleef_expf4_u10sse4, -80, 80)
+    FUNCTION(s, float, Ln, logf, 0.001, 1000, 0)
+    SLEEF("sLn", Sleef_logf4_u10sse4, 0.001, 1000)
+    SLEEF("sLn", Sleef_logf4_u35sse4, 0.001, 1000)
     return true;
 }();
 

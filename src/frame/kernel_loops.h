@@ -37,6 +37,18 @@ enum class Rejected {
     whole_block,  // all lanes go through scalar(), in order
 };
 
+// What most kernels of one element type say of themselves, to be inherited.
+template <class T, int Block, Tail TheTail, Rejected WhatOfRejected = Rejected::by_lane>
+struct OneInput {
+    using Element = T;
+    using Result = T;
+    using Frame = GeneralFrame;
+    using V = typename simd::Lanes<T>::V;
+    static constexpr int block = Block;
+    static constexpr Tail tail = TheTail;
+    static constexpr Rejected rejected = WhatOfRejected;
+};
+
 // An array as a kernel sees it. The two forms of a kernel differ in nothing else.
 template <class T>
 struct Dense {

@@ -49,8 +49,8 @@
     ROW(LATER, s, InvSqrt,    ONE,        EACH,  MEASURED(sInvSqrt))              \
     ROW(LATER, s, Cbrt,       ONE,        EACH,  MEASURED(sCbrt))                 \
     ROW(LATER, s, InvCbrt,    ONE,        EACH,  MEASURED(sInvCbrt))              \
-    ROW(LATER, s, Exp,        ONE,        EACH,  COST(5.667, 6.42, 3.633))        \
-    ROW(LATER, s, Ln,         ONE,        EACH,  COST(6.823, 8.138, 4.498))       \
+    ROW(HERE,  s, Exp,        ONE,        EACH,  COST(5.667, 6.42, 3.633))        \
+    ROW(HERE,  s, Ln,         ONE,        EACH,  COST(6.823, 8.138, 4.498))       \
     ROW(LATER, s, Log10,      ONE,        EACH,  MEASURED(sLog10))                \
     ROW(LATER, s, Cos,        ONE,        EACH,  MEASURED(sCos))                  \
     ROW(LATER, s, Sin,        ONE,        EACH,  COST(7.451, 13.009, 5.954))      \

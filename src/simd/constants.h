@@ -57,4 +57,21 @@ inline __m128i gather(const uint64_t* p0, const uint64_t* p1) {
     return bits_of(gather(reinterpret_cast<const double*>(p0), reinterpret_cast<const double*>(p1)));
 }
 
+// The low words of 32-bit lanes, likewise.
+struct Offsets4 {
+    uint32_t at0, at1, at2, at3;
+};
+inline Offsets4 offsets_of_4(__m128i words) {
+    return {static_cast<uint32_t>(_mm_cvtsi128_si32(words)), static_cast<uint32_t>(_mm_extract_epi16(words, 2)),
+            static_cast<uint32_t>(_mm_extract_epi16(words, 4)), static_cast<uint32_t>(_mm_extract_epi16(words, 6))};
+}
+// The first and the second members of four pairs.
+inline void gather_pairs(const float (*rows)[2], Offsets4 j, __m128& first, __m128& second) {
+    const auto pair = [&](uint32_t i) { return reinterpret_cast<const __m64*>(rows[i]); };
+    const __m128 low = _mm_loadh_pi(_mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows[j.at0]))), pair(j.at1));
+    const __m128 high = _mm_loadh_pi(_mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows[j.at2]))), pair(j.at3));
+    first = _mm_shuffle_ps(low, high, _MM_SHUFFLE(2, 0, 2, 0));
+    second = _mm_shuffle_ps(low, high, _MM_SHUFFLE(3, 1, 3, 1));
+}
+
 }  // namespace orv::simd

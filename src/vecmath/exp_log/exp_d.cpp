@@ -58,13 +58,7 @@ constexpr Exp128 exp_la{"vdExp", false, 0x1.8p+52, 0x1.71547652b82fep+7, 0x1.62e
 constexpr Exp128 exp_ep{"vdExp", true, 0x1.8p+52, 0x1.71547652b82fep+7, 0x1.62e42fefa39efp-8, 0.0, 0.5, 0.0, 0.0};
 
 template <const Exp128& K>
-struct Exp {
-    using Element = double;
-    using Result = double;
-    using Frame = frame::GeneralFrame;
-    static constexpr int block = 4;
-    static constexpr frame::Tail tail = frame::Tail::by_element;
-    static constexpr frame::Rejected rejected = frame::Rejected::whole_block;
+struct Exp : frame::OneInput<double, 4, frame::Tail::by_element, frame::Rejected::whole_block> {
     static constexpr const char* name = K.name;
 
     static __m128d doubt(__m128d x) { return beyond_vector_path(x, K.magnitude_mask, K.limit); }
@@ -169,12 +163,7 @@ constexpr Exp64 exp_ha{
     .scalar_c6 = 0x1.6c16a1c2a3ffdp-10,
 };
 
-struct ExpHa {
-    using Element = double;
-    using Result = double;
-    using Frame = frame::GeneralFrame;
-    static constexpr int block = 4;
-    static constexpr frame::Tail tail = frame::Tail::masked;
+struct ExpHa : frame::OneInput<double, 4, frame::Tail::masked> {
     static constexpr const Exp64& K = exp_ha;
     static constexpr const char* name = K.name;
 

@@ -92,13 +92,7 @@ constexpr Ln513 ln_ha{
     .c5 = 0x1.9999b39037e04p-3,
 };
 
-struct LnHa {
-    using Element = double;
-    using Result = double;
-    using Frame = frame::GeneralFrame;
-    static constexpr int block = 4;
-    static constexpr frame::Tail tail = frame::Tail::by_element;
-    static constexpr frame::Rejected rejected = frame::Rejected::whole_block;
+struct LnHa : frame::OneInput<double, 4, frame::Tail::by_element, frame::Rejected::whole_block> {
     static constexpr const Ln513& K = ln_ha;
     static constexpr const char* name = K.name;
 
@@ -153,12 +147,7 @@ struct Ln257 {
 
 constexpr Ln257 ln_ep{.name = "vdLn", .ln2 = 0x1.62e42fefa4p-1, .c2 = -0x1.fffffffffcaaep-2};
 
-struct LnEp {
-    using Element = double;
-    using Result = double;
-    using Frame = frame::GeneralFrame;
-    static constexpr int block = 4;
-    static constexpr frame::Tail tail = frame::Tail::by_element;
+struct LnEp : frame::OneInput<double, 4, frame::Tail::by_element> {
     static constexpr const Ln257& K = ln_ep;
     static constexpr const char* name = K.name;
 
