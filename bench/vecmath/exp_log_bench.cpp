@@ -94,6 +94,15 @@ const bool registered = [] {
     SLEEF("dExp2", Sleef_exp2d2_u10sse4, -100, 100)
     FUNCTION(d, double, Exp10, exp10, -30, 30, 5000)
     SLEEF("dExp10", Sleef_exp10d2_u10sse4, -30, 30)
+    FUNCTION(d, double, Log10, log10, 0.001, 1000, 0)
+    SLEEF("dLog10", Sleef_log10d2_u10sse4, 0.001, 1000)
+    FUNCTION(d, double, Log2, log2, 0.001, 1000, 0)
+    SLEEF("dLog2", Sleef_log2d2_u10sse4, 0.001, 1000)
+    FUNCTION(d, double, Log1p, log1p, -0.9, 10, -1)
+    SLEEF("dLog1p", Sleef_log1pd2_u10sse4, -0.9, 10)
+    FUNCTION(d, double, Logb, logb, 0.001, 1000, 0)
+    FUNCTION(d, double, Expm1, expm1, -10, 10, 1000)
+    SLEEF("dExpm1", Sleef_expm1d2_u10sse4, -10, 10)
     return true;
 }();
 

@@ -106,7 +106,7 @@
     ROW(LATER, d, InvCbrt,    ONE,        ALL,   MEASURED(dInvCbrt))              \
     ROW(HERE,  d, Exp,        ONE,        EACH,  COST(11.07, 16.065, 8.56))       \
     ROW(HERE,  d, Ln,         ONE,        LA_HA, COST(18, 18, 11.07))             \
-    ROW(LATER, d, Log10,      ONE,        LA_EP, MEASURED(dLog10))                \
+    ROW(HERE,  d, Log10,      ONE,        LA_EP, MEASURED(dLog10))                \
     ROW(LATER, d, Cos,        ONE,        LA_HA, MEASURED(dCos))                  \
     ROW(LATER, d, Sin,        ONE,        EACH,  COST(20.147, 21.88, 14.681))     \
     ROW(LATER, d, Tan,        ONE,        EACH,  COST(23.031, 60.573, 20.467))    \
@@ -123,8 +123,8 @@
     ROW(LATER, d, Erfc,       ONE,        ALL,   MEASURED(dErfc))                 \
     ROW(LATER, d, ErfInv,     ONE,        EACH,  MEASURED(dErfInv))               \
     ROW(HERE,  d, Sqr,        ONE,        ALL,   MEASURED(dSqr))                  \
-    ROW(LATER, d, Expm1,      ONE,        EACH,  MEASURED(dExpm1))                \
-    ROW(LATER, d, Log1p,      ONE,        EACH,  MEASURED(dLog1p))                \
+    ROW(HERE,  d, Expm1,      ONE,        EACH,  MEASURED(dExpm1))                \
+    ROW(HERE,  d, Log1p,      ONE,        EACH,  MEASURED(dLog1p))                \
     ROW(LATER, d, Pow3o2,     ONE,        EACH,  MEASURED(dPow3o2))               \
     ROW(LATER, d, Pow2o3,     ONE,        EACH,  MEASURED(dPow2o3))               \
     ROW(LATER, d, ErfcInv,    ONE,        EACH,  MEASURED(dErfcInv))              \
@@ -141,11 +141,11 @@
     ROW(LATER, d, Atanpi,     ONE,        EACH,  MEASURED(dAtanpi))               \
     ROW(HERE,  d, Exp2,       ONE,        ALL,   MEASURED(dExp2))                 \
     ROW(HERE,  d, Exp10,      ONE,        ALL,   MEASURED(dExp10))                \
-    ROW(LATER, d, Log2,       ONE,        EACH,  MEASURED(dLog2))                 \
+    ROW(HERE,  d, Log2,       ONE,        EACH,  MEASURED(dLog2))                 \
     ROW(LATER, d, Sind,       ONE,        EACH,  MEASURED(dSind))                 \
     ROW(LATER, d, Cosd,       ONE,        EACH,  MEASURED(dCosd))                 \
     ROW(LATER, d, Tand,       ONE,        EACH,  MEASURED(dTand))                 \
-    ROW(LATER, d, Logb,       ONE,        ALL,   MEASURED(dLogb))                 \
+    ROW(HERE,  d, Logb,       ONE,        ALL,   MEASURED(dLogb))                 \
     ROW(LATER, c, Cos,        ONE,        ALL,   MEASURED(cCos))                  \
     ROW(LATER, c, Sin,        ONE,        ALL,   MEASURED(cSin))                  \
     ROW(LATER, c, Tan,        ONE,        ALL,   MEASURED(cTan))                  \
