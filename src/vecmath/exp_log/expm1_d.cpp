@@ -5,8 +5,8 @@
 // offset of its row, 16 (8) bytes each; and the exponent bias above the index is part of the shifter.
 //
 // s - 1 is exact or, beyond 2 and below 1/2, far above the rest. With a = s - 1, s r = r + a r, and e^x - 1 is
-// a + r, taken with its rounding error, plus the small terms: a r, s q(r), the low part of s, and in "HA" the low part of r
-// and the rounding error of a. Next to zero a is zero, and nothing is lost.
+// a + r, taken with its rounding error, plus the small terms: a r, s q(r), the low part of s and the rounding error of a, and in "HA" the low
+// part of r. Next to zero a is zero, and nothing is lost.
 // "EP": a + s (r + r^2/2 + r^3/6).
 //
 // Above 707.7 the scalar path takes over; below -40 the result is -1.
@@ -36,9 +36,23 @@ struct Limits {
 };
 constexpr Limits limits;
 
-// Beyond the vector path e^x - 1 is e^x to the last bit, and e^x is 4 e^(x - 2 ln 2), for which `lanes` will do. The high
-// part of 2 ln 2 comes off exactly.
-int32_t scalar_expm1(const double* at, double* y, __m128d (*lanes)(__m128d)) {
+struct Expm1Pairs {
+    char name[8];
+    bool r_in_two_parts;
+    Splat<double> shifter{0x1.80000001ff8p+48};
+    Splat<double> ln2_high{0x1.62e42fef8p-8}, ln2_low{0x1.1cf79abc9e3b4p-43};  // ln 2 / 128
+    Splat<double> c2{0x1.ffffffffffe5cp-2}, c3{0x1.555555555541dp-3}, c4{0x1.55555c2a9c0f3p-5}, c5{0x1.1111168877f38p-7};
+    SplatBits<uint64_t> offset_mask{0x7F0};
+    alignas(16) double rows[128][2] = {  // 2^(j/128) and what rounding took from it
+#include "vecmath/tables/exp2_128.inc"
+    };
+};
+constexpr Expm1Pairs expm1_la{.name = "vdExpm1", .r_in_two_parts = false};
+constexpr Expm1Pairs expm1_ha{.name = "vdExpm1", .r_in_two_parts = true};
+
+// Beyond the vector path e^x - 1 is e^x to the last bit, of which the power of two is taken last.
+int32_t scalar_expm1(const double* at, double* y) {
+    const Expm1Pairs& K = expm1_ha;
     const double x = *at;
     if (!(x - x == 0)) {
         *y = x * 1.0;
@@ -48,25 +62,14 @@ int32_t scalar_expm1(const double* at, double* y, __m128d (*lanes)(__m128d)) {
         *y = vecmath::overflow<double>();
         return frame::status_overflow;
     }
-    constexpr double high = 0x1.62e42fefap+0, low = 0x1.cf79abc9e3b3ap-39;
-    const double power = _mm_cvtsd_f64(lanes(simd::splat(x - high)));
-    *y = (power - power * low) * 4.0;
+    const double k = _mm_cvtsd_f64(simd::round<_MM_FROUND_TO_NEAREST_INT>(simd::splat(x * limits.scale)));
+    const int32_t whole = static_cast<int32_t>(k);
+    const double* row = K.rows[whole & 0x7F];
+    const double r = (x - k * K.ln2_high) - k * K.ln2_low;
+    const double p = r + r * r * (K.c2 + r * (K.c3 + r * (K.c4 + r * K.c5)));
+    *y = vecmath::scaled_sum(row[0], p * row[0] + row[1], whole >> 7);
     return frame::status_ok;
 }
-
-struct Expm1Pairs {
-    char name[8];
-    bool low_parts;  // of r and of s - 1
-    Splat<double> shifter{0x1.80000001ff8p+48};
-    Splat<double> ln2_high{0x1.62e42fef8p-8}, ln2_low{0x1.1cf79abc9e3b4p-43};  // ln 2 / 128
-    Splat<double> c2{0x1.ffffffffffe5cp-2}, c3{0x1.555555555541dp-3}, c4{0x1.55555c2a9c0f3p-5}, c5{0x1.1111168877f38p-7};
-    SplatBits<uint64_t> offset_mask{0x7F0};
-    alignas(16) double rows[128][2] = {  // 2^(j/128) and what rounding took from it
-#include "vecmath/tables/exp2_128.inc"
-    };
-};
-constexpr Expm1Pairs expm1_la{.name = "vdExpm1", .low_parts = false};
-constexpr Expm1Pairs expm1_ha{.name = "vdExpm1", .low_parts = true};
 
 template <const Expm1Pairs& K>
 struct Expm1 : frame::OneInput<double, 4, frame::Tail::masked> {
@@ -91,21 +94,17 @@ struct Expm1 : frame::OneInput<double, 4, frame::Tail::masked> {
         __m128d small = (a - sum) + r;
         const __m128d s_low = _mm_unpackhi_pd(row0, row1) * power;
         __m128d low = (a + s_low) * r + s_low;
-        if constexpr (K.low_parts) {
-            const __m128d r_low = (leading - r) - k * K.ln2_low;
-            const __m128d greater = _mm_max_pd(s, limits.one), smaller = _mm_min_pd(s, limits.one);
-            // The rounding error of s - 1 is that of the greater less the smaller, with its sign.
-            const __m128d difference = greater - smaller;
-            const __m128d a_low = (greater - difference) - smaller;
-            const __m128d turned = simd::bit_and(_mm_cmplt_pd(s, limits.one), simd::splat(-0.0));
-            low = low + (r_low + simd::bit_xor(a_low, turned));
-        }
+        // The rounding error of s - 1 is that of the greater less the smaller, with its sign.
+        const __m128d greater = _mm_max_pd(s, limits.one), smaller = _mm_min_pd(s, limits.one);
+        const __m128d a_low = (greater - (greater - smaller)) - smaller;
+        low = low + simd::bit_xor(a_low, simd::bit_and(_mm_cmplt_pd(s, limits.one), simd::splat(-0.0)));
+        if constexpr (K.r_in_two_parts) low = low + ((leading - r) - k * K.ln2_low);
         const __m128d q = r * r * (K.c2 + r * (K.c3 + r * (K.c4 + r * K.c5)));
         const __m128d y = sum + (small + (low + s * q));
         return _mm_blendv_pd(y, limits.minus_one, _mm_cmplt_pd(x, limits.saturated));
     }
 
-    static int32_t scalar(const double* x, double* y) { return scalar_expm1(x, y, lanes); }
+    static int32_t scalar(const double* x, double* y) { return scalar_expm1(x, y); }
 };
 
 struct Expm1Words {
@@ -137,7 +136,7 @@ struct Expm1Ep : frame::OneInput<double, 4, frame::Tail::masked> {
         return _mm_blendv_pd(y, limits.minus_one, _mm_cmplt_pd(x, limits.saturated));
     }
 
-    static int32_t scalar(const double* x, double* y) { return scalar_expm1(x, y, lanes); }
+    static int32_t scalar(const double* x, double* y) { return scalar_expm1(x, y); }
 };
 
 }  // namespace
