@@ -103,6 +103,19 @@ const bool registered = [] {
     FUNCTION(d, double, Logb, logb, 0.001, 1000, 0)
     FUNCTION(d, double, Expm1, expm1, -10, 10, 1000)
     SLEEF("dExpm1", Sleef_expm1d2_u10sse4, -10, 10)
+    FUNCTION(s, float, Exp2, exp2f, -80, 80, 5000)
+    SLEEF("sExp2", Sleef_exp2f4_u10sse4, -80, 80)
+    FUNCTION(s, float, Exp10, exp10f, -30, 30, 5000)
+    SLEEF("sExp10", Sleef_exp10f4_u10sse4, -30, 30)
+    FUNCTION(s, float, Log10, log10f, 0.001, 1000, 0)
+    SLEEF("sLog10", Sleef_log10f4_u10sse4, 0.001, 1000)
+    FUNCTION(s, float, Log2, log2f, 0.001, 1000, 0)
+    SLEEF("sLog2", Sleef_log2f4_u10sse4, 0.001, 1000)
+    FUNCTION(s, float, Log1p, log1pf, -0.9, 10, -1)
+    SLEEF("sLog1p", Sleef_log1pf4_u10sse4, -0.9, 10)
+    FUNCTION(s, float, Expm1, expm1f, -10, 10, 1000)
+    SLEEF("sExpm1", Sleef_expm1f4_u10sse4, -10, 10)
+    FUNCTION(s, float, Logb, logbf, 0.001, 1000, 0)
     return true;
 }();
 

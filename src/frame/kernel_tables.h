@@ -51,7 +51,7 @@
     ROW(LATER, s, InvCbrt,    ONE,        EACH,  MEASURED(sInvCbrt))              \
     ROW(HERE,  s, Exp,        ONE,        EACH,  COST(5.667, 6.42, 3.633))        \
     ROW(HERE,  s, Ln,         ONE,        EACH,  COST(6.823, 8.138, 4.498))       \
-    ROW(LATER, s, Log10,      ONE,        EACH,  MEASURED(sLog10))                \
+    ROW(HERE,  s, Log10,      ONE,        EACH,  MEASURED(sLog10))                \
     ROW(LATER, s, Cos,        ONE,        EACH,  MEASURED(sCos))                  \
     ROW(LATER, s, Sin,        ONE,        EACH,  COST(7.451, 13.009, 5.954))      \
     ROW(LATER, s, Tan,        ONE,        LA_EP, MEASURED(sTan))                  \
@@ -68,8 +68,8 @@
     ROW(LATER, s, Erfc,       ONE,        EACH,  MEASURED(sErfc))                 \
     ROW(LATER, s, ErfInv,     ONE,        EACH,  MEASURED(sErfInv))               \
     ROW(HERE,  s, Sqr,        ONE,        ALL,   COST(0.37, 0.37, 0.37))          \
-    ROW(LATER, s, Expm1,      ONE,        ALL,   MEASURED(sExpm1))                \
-    ROW(LATER, s, Log1p,      ONE,        EACH,  MEASURED(sLog1p))                \
+    ROW(HERE,  s, Expm1,      ONE,        ALL,   MEASURED(sExpm1))                \
+    ROW(HERE,  s, Log1p,      ONE,        EACH,  MEASURED(sLog1p))                \
     ROW(LATER, s, Pow3o2,     ONE,        EACH,  MEASURED(sPow3o2))               \
     ROW(LATER, s, Pow2o3,     ONE,        EACH,  MEASURED(sPow2o3))               \
     ROW(LATER, s, ErfcInv,    ONE,        EACH,  MEASURED(sErfcInv))              \
@@ -84,13 +84,13 @@
     ROW(LATER, s, Acospi,     ONE,        EACH,  MEASURED(sAcospi))               \
     ROW(LATER, s, Asinpi,     ONE,        EACH,  MEASURED(sAsinpi))               \
     ROW(LATER, s, Atanpi,     ONE,        EACH,  MEASURED(sAtanpi))               \
-    ROW(LATER, s, Exp2,       ONE,        ALL,   MEASURED(sExp2))                 \
-    ROW(LATER, s, Exp10,      ONE,        ALL,   MEASURED(sExp10))                \
-    ROW(LATER, s, Log2,       ONE,        EACH,  MEASURED(sLog2))                 \
+    ROW(HERE,  s, Exp2,       ONE,        ALL,   MEASURED(sExp2))                 \
+    ROW(HERE,  s, Exp10,      ONE,        ALL,   MEASURED(sExp10))                \
+    ROW(HERE,  s, Log2,       ONE,        EACH,  MEASURED(sLog2))                 \
     ROW(LATER, s, Sind,       ONE,        EACH,  MEASURED(sSind))                 \
     ROW(LATER, s, Cosd,       ONE,        EACH,  MEASURED(sCosd))                 \
     ROW(LATER, s, Tand,       ONE,        EACH,  MEASURED(sTand))                 \
-    ROW(LATER, s, Logb,       ONE,        ALL,   MEASURED(sLogb))                 \
+    ROW(HERE,  s, Logb,       ONE,        ALL,   MEASURED(sLogb))                 \
     ROW(HERE,  d, Ceil,       ONE,        ALL,   MEASURED(dCeil))                 \
     ROW(HERE,  d, Floor,      ONE,        ALL,   MEASURED(dFloor))                \
     ROW(HERE,  d, Frac,       ONE,        ALL,   MEASURED(dFrac))                 \

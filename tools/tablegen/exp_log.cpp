@@ -52,6 +52,18 @@ void log_513(const Output& output, const std::string& name, Real (*logarithm)(co
     }
 }
 
+// In floats. Row j serves m near 1 + j/256: L times the reciprocal, to 8 bits; minus the logarithm of the reciprocal so
+// rounded, to a multiple of 2^-17; the rest of it; nothing. From the middle on for m/2.
+void log_float_257(const Output& output, const std::string& name, Real (*logarithm)(const Real&), const Real& factor) {
+    Table table(output, name, "L/c, -log of it without L: high and low, 0");
+    for (int j = 0; j <= 256; ++j) {
+        const Real reciprocal = to_bits(factor * Real(256) / Real(256 + j), 8);
+        const Real value = -logarithm((j < 128 ? reciprocal : reciprocal * Real(2)) / factor);
+        const Real high = to_multiple(value, -17);
+        table.row_of_floats({to_float(reciprocal), to_float(high) + 0.0f, to_float(value - high) + 0.0f, 0.0f});
+    }
+}
+
 // Row j serves m near c = 1 + j/steps: log c to a multiple of 2^-39, as log 2's leading part is, so that the two cancel
 // without a rest next to 1; the rest of log c; 1/c to nearest, and the rest of that. From row `folded` on m is taken for
 // twice its half, and the logarithms are those of c/2.
@@ -76,6 +88,7 @@ void exp_log_tables(const Output& output) {
     log_513(output, "ln_513", log, Real(1), 23);
     log_513(output, "log10_513", log10, Real(0x1.bcp-2), 21);
     log_513(output, "log2_513", log2, Real(0x1.72p+0), 23);
+    log_float_257(output, "log10_float_257", log10, Real(0x1.bcp-2));
     const int never = 1 << 30;
     log_centres(output, "ln_257", log, 256, never);
     log_centres(output, "log10_257", log10, 256, never);

@@ -12,9 +12,7 @@
 // Above 707.7 the scalar path takes over; below -40 the result is -1.
 //
 // Worst errors measured: "HA" @ ulp, "LA" @ ulp, "EP" 2^@ relative.
-#include "frame/kernel_loops.h"
-#include "simd/constants.h"
-#include "vecmath/exp_log/special.h"
+#include "vecmath/exp_log/expm1.h"
 
 namespace {
 
@@ -26,15 +24,7 @@ using simd::SplatBits;
 
 constexpr double last_finite = 0x1.62e42fefa39efp+9;  // 709.78
 
-struct Limits {
-    Splat<double> upper{0x1.61da04cbafe43p+9};  // 707.7 = 1021 ln 2
-    Splat<double> saturated{-40.0}, minus_one{-1.0}, one{1.0};
-    Splat<double> scale{0x1.71547652b82fep+7};  // 128 / ln 2
-    SplatBits<uint64_t> exponent_mask{uint64_t{0x7FF} << 52};
-
-    __m128d doubt(__m128d x) const { return _mm_cmpnle_pd(x, upper); }
-};
-constexpr Limits limits;
+constexpr const vecmath::Expm1Limits& limits = vecmath::expm1_limits;
 
 struct Expm1Pairs {
     char name[8];
@@ -101,41 +91,20 @@ struct Expm1 : frame::OneInput<double, 4, frame::Tail::masked> {
         if constexpr (K.r_in_two_parts) low = low + ((leading - r) - k * K.ln2_low);
         const __m128d q = r * r * (K.c2 + r * (K.c3 + r * (K.c4 + r * K.c5)));
         const __m128d y = sum + (small + (low + s * q));
-        return _mm_blendv_pd(y, limits.minus_one, _mm_cmplt_pd(x, limits.saturated));
+        // The sign is that of x, zero included.
+        return simd::bit_or(_mm_blendv_pd(y, limits.minus_one, _mm_cmplt_pd(x, limits.saturated)), simd::sign_of(x));
     }
 
     static int32_t scalar(const double* x, double* y) { return scalar_expm1(x, y); }
 };
 
-struct Expm1Words {
-    char name[8] = "vdExpm1";
-    Splat<double> shifter{0x1.80000000ffcp+49};
-    Splat<double> ln2{0x1.62e42fefa39efp-8};  // ln 2 / 128
-    Splat<double> c2{0x1.ffffffffffe5cp-2}, c3{0x1.555555555541dp-3};
-    SplatBits<uint64_t> offset_mask{0x3F8};
-    uint64_t rows[128] = {  // fraction bits of 2^(j/128)
-#include "vecmath/tables/exp2_bits_128.inc"
-    };
-};
-constexpr Expm1Words expm1_ep;
+constexpr vecmath::Expm1Words expm1_ep{.name = "vdExpm1"};
 
 struct Expm1Ep : frame::OneInput<double, 4, frame::Tail::masked> {
-    static constexpr const Expm1Words& K = expm1_ep;
-    static constexpr const char* name = K.name;
+    static constexpr const char* name = expm1_ep.name;
 
     static __m128d doubt(__m128d x) { return limits.doubt(x); }
-
-    static __m128d lanes(__m128d x) {
-        const __m128d k = simd::round<_MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC>(x * limits.scale);
-        const __m128i words = bits_of(k + K.shifter);
-        const simd::Offsets2 at = simd::offsets_of(_mm_and_si128(words, K.offset_mask));
-        const __m128i row = simd::gather(simd::behind(K.rows, at.at0), simd::behind(K.rows, at.at1));
-        const __m128d s = doubles(_mm_or_si128(_mm_and_si128(_mm_slli_epi64(words, 42), limits.exponent_mask), row));
-        const __m128d r = x - k * K.ln2;
-        const __m128d y = s * (r + r * r * (K.c2 + r * K.c3)) + (s - limits.one);
-        return _mm_blendv_pd(y, limits.minus_one, _mm_cmplt_pd(x, limits.saturated));
-    }
-
+    static __m128d lanes(__m128d x) { return vecmath::expm1_words<expm1_ep>(x); }
     static int32_t scalar(const double* x, double* y) { return scalar_expm1(x, y); }
 };
 

@@ -8,7 +8,7 @@
 // From 2^1023 on t would need a subnormal scale; it is zero there, as t is nothing beside s.
 //
 // The vector path serves x above -1. Worst errors measured: "LA" and "HA" 0.58 ulp, "EP" 2^-31.9 relative.
-#include "vecmath/exp_log/log_d.h"
+#include "vecmath/exp_log/log1p.h"
 
 namespace {
 
@@ -30,46 +30,15 @@ constexpr vecmath::Log513Block log1p_ha{
     },
 };
 
-constexpr vecmath::LogCentresBlock<vecmath::centres_513> log1p_ep{
-    .name = "vdLog1p",
-    .log2_high = 0x1.62e42fefa4p-1,
-    .log2_low = -0x1.8432a1b0e2634p-43,
-    .c1 = 1.0,
-    .c2 = -0.5,
-    .c3 = 0x1.5555555555555p-2,
-    .c4 = 0.0,
-    .c5 = 0.0,
-    .log_of_2_52 = 0.0,
-    .rows = {
-#include "vecmath/tables/ln_centres.inc"
-    },
-};
-
-struct Log1pLimits {
-    simd::Splat<double> one{1.0}, minus_one{-1.0}, infinity{std::numeric_limits<double>::infinity()};
-    simd::SplatBits<uint64_t> exponent{uint64_t{0x7FF} << 52}, twice_bias{uint64_t{0x7FE} << 52};
-};
-constexpr Log1pLimits limits;
-
 template <const auto& K>
 struct Log1p : frame::OneInput<double, 4, frame::Tail::by_element> {
     static constexpr const char* name = K.name;
 
     static __m128d doubt(__m128d x) {
-        return simd::bit_or(_mm_cmpngt_pd(x, limits.minus_one), _mm_cmpnlt_pd(x, limits.infinity));
+        return simd::bit_or(_mm_cmpngt_pd(x, vecmath::log1p_limits.minus_one), _mm_cmpnlt_pd(x, vecmath::log1p_limits.infinity));
     }
 
-    static __m128d lanes(__m128d x) {
-        const __m128d greater = _mm_max_pd(x, limits.one), smaller = _mm_min_pd(x, limits.one);
-        const __m128d s = greater + smaller;
-        const __m128d t = (greater - s) + smaller;
-        const __m128i scale = _mm_sub_epi64(limits.twice_bias, _mm_and_si128(simd::bits_of(s), limits.exponent));
-        const __m128d rest = t * simd::doubles(scale);
-        if constexpr (requires { K.leading_bits; })
-            return vecmath::log_513<K>(s, rest);
-        else
-            return vecmath::log_centres<K>(s, rest);
-    }
+    static __m128d lanes(__m128d x) { return vecmath::log1p_lanes<K>(x); }
 
     static int32_t scalar(const double* at, double* y) {
         const double x = *at;
@@ -90,4 +59,4 @@ struct Log1p : frame::OneInput<double, 4, frame::Tail::by_element> {
 
 ORV_ONE_INPUT(dLog1p, la, Log1p<log1p_ha>)
 ORV_ONE_INPUT(dLog1p, ha, Log1p<log1p_ha>)
-ORV_ONE_INPUT(dLog1p, ep, Log1p<log1p_ep>)
+ORV_ONE_INPUT(dLog1p, ep, Log1p<vecmath::log1p_ep>)

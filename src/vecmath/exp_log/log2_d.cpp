@@ -7,7 +7,7 @@
 // a polynomial of degree 5 in "LA", the Taylor polynomial of degree 3 in "EP".
 //
 // Powers of two are exact in every accuracy. Worst errors measured: "HA" @ ulp, "LA" @ ulp, "EP" 2^@ relative.
-#include "vecmath/exp_log/log_d.h"
+#include "vecmath/exp_log/log2.h"
 
 namespace {
 
@@ -44,23 +44,8 @@ constexpr vecmath::LogCentresBlock<vecmath::centres_513> log2_la{
     },
 };
 
-constexpr vecmath::LogCentresBlock<vecmath::centres_513> log2_ep{
-    .name = "vdLog2",
-    .log2_high = 1.0,
-    .log2_low = 0.0,
-    .c1 = 0x1.71547652b82fep+0,
-    .c2 = -0x1.71547652b82fep-1,
-    .c3 = 0x1.ec709dc3a03fdp-2,
-    .c4 = 0.0,
-    .c5 = 0.0,
-    .log_of_2_52 = 52,
-    .rows = {
-#include "vecmath/tables/log2_centres.inc"
-    },
-};
-
 }  // namespace
 
 ORV_ONE_INPUT(dLog2, la, vecmath::LogD<log2_la>)
 ORV_ONE_INPUT(dLog2, ha, vecmath::LogD<log2_ha>)
-ORV_ONE_INPUT(dLog2, ep, vecmath::LogD<log2_ep>)
+ORV_ONE_INPUT(dLog2, ep, vecmath::LogD<vecmath::log2_ep>)
