@@ -2,28 +2,42 @@
 #ifndef ORV_FRAME_MEASURED_COSTS_H
 #define ORV_FRAME_MEASURED_COSTS_H
 
-#define ORV_COST_sFloor 0.899, 0.899, 0.899
-#define ORV_COST_sFrac 1.72, 1.72, 1.72
-#define ORV_COST_sNearbyInt 0.63, 0.63, 0.63
-#define ORV_COST_sRint 0.629, 0.629, 0.629
-#define ORV_COST_sRound 1.51, 1.51, 1.51
-#define ORV_COST_sTrunc 0.902, 0.902, 0.902
-#define ORV_COST_sAbs 0.858, 0.858, 0.858
-#define ORV_COST_dCeil 1.76, 1.76, 1.76
-#define ORV_COST_dFloor 1.37, 1.37, 1.37
-#define ORV_COST_dFrac 3.88, 3.88, 3.88
-#define ORV_COST_dNearbyInt 1.27, 1.27, 1.27
-#define ORV_COST_dRint 1.26, 1.26, 1.26
-#define ORV_COST_dRound 2.99, 2.99, 2.99
-#define ORV_COST_dTrunc 1.36, 1.36, 1.36
-#define ORV_COST_dAbs 1.72, 1.72, 1.72
-#define ORV_COST_dSqr 0.923, 0.923, 0.923
-#define ORV_COST_cConj 0.923, 0.923, 0.923
-#define ORV_COST_zConj 1.76, 1.76, 1.76
-#define ORV_COST_sSub 0.738, 0.738, 0.738
-#define ORV_COST_sMul 0.738, 0.738, 0.738
-#define ORV_COST_dAdd 1.24, 1.24, 1.24
-#define ORV_COST_dSub 1.28, 1.28, 1.28
-#define ORV_COST_dMul 1.27, 1.27, 1.27
+#define ORV_COST_sFloor 1, 1, 1
+#define ORV_COST_sFrac 1, 1, 1
+#define ORV_COST_sNearbyInt 1, 1, 1
+#define ORV_COST_sRint 1, 1, 1
+#define ORV_COST_sRound 1, 1, 1
+#define ORV_COST_sTrunc 1, 1, 1
+#define ORV_COST_sAbs 1, 1, 1
+#define ORV_COST_dCeil 1, 1, 1
+#define ORV_COST_dFloor 1, 1, 1
+#define ORV_COST_dFrac 1, 1, 1
+#define ORV_COST_dNearbyInt 1, 1, 1
+#define ORV_COST_dRint 1, 1, 1
+#define ORV_COST_dRound 1, 1, 1
+#define ORV_COST_dTrunc 1, 1, 1
+#define ORV_COST_dAbs 1, 1, 1
+#define ORV_COST_dSqr 1, 1, 1
+#define ORV_COST_cConj 1, 1, 1
+#define ORV_COST_zConj 1, 1, 1
+#define ORV_COST_sSub 1, 1, 1
+#define ORV_COST_sMul 1, 1, 1
+#define ORV_COST_dAdd 1, 1, 1
+#define ORV_COST_dSub 1, 1, 1
+#define ORV_COST_dMul 1, 1, 1
+#define ORV_COST_sExpm1 1, 1, 1
+#define ORV_COST_sLog1p 1, 1, 1
+#define ORV_COST_sExp2 1, 1, 1
+#define ORV_COST_sExp10 1, 1, 1
+#define ORV_COST_sLog10 1, 1, 1
+#define ORV_COST_sLog2 1, 1, 1
+#define ORV_COST_sLogb 1, 1, 1
+#define ORV_COST_dExpm1 1, 1, 1
+#define ORV_COST_dLog1p 1, 1, 1
+#define ORV_COST_dExp2 1, 1, 1
+#define ORV_COST_dExp10 1, 1, 1
+#define ORV_COST_dLog10 1, 1, 1
+#define ORV_COST_dLog2 1, 1, 1
+#define ORV_COST_dLogb 1, 1, 1
 
 #endif

@@ -17,5 +17,14 @@
     CARD(Add, "a + b", "As IEC 60559 addition.", "Correctly rounded.", "IEC 60559") \
     CARD(Sub, "a - b", "As IEC 60559 subtraction.", "Correctly rounded.", "IEC 60559") \
     CARD(Mul, "a * b", "As IEC 60559 multiplication.", "Correctly rounded.", "IEC 60559") \
+    CARD(Exp, "e to the power a", "Above 709.78 (s: 88.72) infinity, reported as overflow; below -708.40 (s: -87.34) a subnormal or zero, reported as underflow; minus infinity gives +0.", "Correct to about half an ulp in HA.", "P. T. P. Tang, Table-driven implementation of the exponential function, ACM TOMS 15 (1989)") \
+    CARD(Ln, "the natural logarithm of a", "Zero gives minus infinity, reported as singularity; negative values a NaN, reported as domain; plus infinity comes back.", "Correct to about half an ulp in HA.", "P. T. P. Tang, Table-driven implementation of the logarithm function, ACM TOMS 16 (1990)") \
+    CARD(Expm1, "e to the power a, less 1", "Above 709.78 (s: 88.72) infinity, reported as overflow; minus infinity gives -1; zeros come back.", "About half an ulp in HA; keeps its relative accuracy next to zero.", "P. T. P. Tang, Table-driven implementation of the expm1 function, ACM TOMS 18 (1992)") \
+    CARD(Exp2, "2 to the power a", "From 1024 (s: 128) on infinity, reported as overflow; below -1022 (s: -126) a subnormal or zero, reported as underflow; minus infinity gives +0.", "About half an ulp, one kernel for all accuracies.", "P. T. P. Tang, ACM TOMS 15 (1989)") \
+    CARD(Exp10, "10 to the power a", "Above 308.25 (s: 38.53) infinity, reported as overflow; below -307.65 (s: -37.93) a subnormal or zero, reported as underflow; minus infinity gives +0.", "About half an ulp, one kernel for all accuracies.", "P. T. P. Tang, ACM TOMS 15 (1989)") \
+    CARD(Log10, "the logarithm of a to base 10", "Zero gives minus infinity, reported as singularity; negative values a NaN, reported as domain; plus infinity comes back.", "About half an ulp in HA.", "P. T. P. Tang, ACM TOMS 16 (1990)") \
+    CARD(Log2, "the logarithm of a to base 2", "Zero gives minus infinity, reported as singularity; negative values a NaN, reported as domain; plus infinity comes back; exact for powers of two.", "About half an ulp in HA.", "P. T. P. Tang, ACM TOMS 16 (1990)") \
+    CARD(Log1p, "the natural logarithm of 1 + a", "-1 gives minus infinity, reported as singularity; values below -1 a NaN, reported as domain; plus infinity and zeros come back.", "About half an ulp in HA; keeps its relative accuracy next to zero.", "P. T. P. Tang, ACM TOMS 16 (1990)") \
+    CARD(Logb, "the exponent of a: the integer k with 2^k <= |a| < 2^(k+1)", "Zero gives minus infinity, reported as singularity; infinities give plus infinity.", "Exact, one kernel for all accuracies.", "IEC 60559 logB") \
     CARD(Conj, "the complex conjugate of a", "The sign bit of the imaginary part is turned whatever it is the sign of; no flag is raised.", "Exact.", "C99 7.3.9.4")
 // clang-format on
