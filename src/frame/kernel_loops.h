@@ -80,7 +80,9 @@ struct Strided {
 inline constexpr float harmless = 0.75f;
 
 template <class Kernel>
-concept Doubtful = requires { Kernel::name; };
+concept Doubtful = requires {
+    Kernel::name;
+};
 
 template <class Kernel>
 using LanesOf = typename simd::Lanes<typename Kernel::Element>::V;

@@ -1,0 +1,25 @@
+// Counts of numbers in equal bins, as text and as a picture.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace orv::command {
+
+struct Histogram {
+    double from, to;
+    std::vector<int64_t> counts;
+    int64_t outside;
+};
+
+Histogram make_histogram(double from, double to, size_t bins);
+void count(Histogram& histogram, double value);
+
+// A line for each bin: its lower edge, its count, and a bar.
+std::string as_text(const Histogram& histogram);
+
+// Writes an SVG picture with gnuplot, which must be installed. Ends the command where that fails.
+void draw_plot(const Histogram& histogram, const std::string& title, const std::string& file);
+
+}  // namespace orv::command

@@ -1,0 +1,23 @@
+// How far a long run has come, on standard error.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+
+namespace orv::command {
+
+struct Progress {
+    int64_t total;     // of what `done` counts; 0 when not known
+    bool terminal;     // one line that is written over, else a line now and then
+    int32_t told = 0;  // lines so far
+    std::chrono::steady_clock::time_point start, last;
+};
+
+Progress start_progress(int64_t total);
+
+// Called now and then. Nothing is told in the first second. `what` says in words what has been done.
+void tell_progress(Progress& progress, int64_t done, const std::string& what);
+void end_progress(Progress& progress);
+
+}  // namespace orv::command

@@ -1,0 +1,149 @@
+/* Random numbers: the basic generators, the arithmetic of their jumps, and the distributions.
+ *
+ * A basic generator has four entries, which stand in its row of the registry (streams.h): an initStream that seeds and
+ * jumps, and three kernels that write n numbers to r: single and double precision, uniform on the interval from a to b,
+ * and raw words. A call of n numbers followed by a call of m numbers gives the numbers of one call of n + m.
+ * Statuses are those of streams.h. Every entry uses the C calling convention. */
+#ifndef ORV_RANDOM_H
+#define ORV_RANDOM_H
+
+#include <orv/streams.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---- Basic generators ------------------------------------------------------------------------------------------- */
+
+/* MCG31M1: x(n+1) = 1132489760 x(n) mod 2^31 - 1, the state's x being the first output.
+ * Seed: seed[0] mod 2^31 - 1, where 0 becomes 1; no seed gives 1. Words of 31 bits, never 0. Period 2^31 - 2.
+ * Has leapfrog and skip-ahead. A call with n = 0 writes r[0] and moves on by one.
+ * P. L'Ecuyer, "Tables of linear congruential generators of different sizes and good lattice structure", 1999. */
+int32_t __kuzBRngMCG31M1InitStream(int32_t method, Stream* stream, int32_t n, const void* params);
+int32_t __kuzsBRngMCG31M1(Stream* stream, int32_t n, float* r, float a, float b);
+int32_t __kuzdBRngMCG31M1(Stream* stream, int32_t n, double* r, double a, double b);
+int32_t __kuziBRngMCG31M1(Stream* stream, int32_t n, void* r);
+
+/* MCG59: x(n+1) = 13^13 x(n) mod 2^59, the state's x being the first output.
+ * Seed: seed[0] + 2^32 (seed[1] mod 2^27), where 0 becomes 1. An odd seed gives the period 2^57, an even one a shorter.
+ * Words of 59 bits in 8 bytes. Has leapfrog and skip-ahead.
+ * D. E. Knuth, "The Art of Computer Programming", volume 2, 3.2.1.2 and 3.3.4. */
+int32_t __kuzBRngMCG59InitStream(int32_t method, Stream* stream, int32_t n, const void* params);
+int32_t __kuzsBRngMCG59(Stream* stream, int32_t n, float* r, float a, float b);
+int32_t __kuzdBRngMCG59(Stream* stream, int32_t n, double* r, double a, double b);
+int32_t __kuziBRngMCG59(Stream* stream, int32_t n, void* r);
+
+/* MRG32K3A: the combined multiple recursive generator
+ *   x(n) = 1403580 x(n-2) - 810728 x(n-3) mod 2^32 - 209, y(n) = 527612 y(n-1) - 1370589 y(n-3) mod 2^32 - 22853,
+ *   z(n) = x(n) - y(n) mod 2^32 - 209.
+ * Seed: up to six words x0, x1, x2, y0, y1, y2, missing ones 1; each is brought below its modulus by one subtraction,
+ * and a triple of zeros gets a 1 at its head. Words z of 32 bits. Period about 2^191. Has skip-ahead, also by counts of
+ * several words.
+ * P. L'Ecuyer, "Good parameters and implementations for combined multiple recursive random number generators",
+ * Operations Research 47, 1999. */
+int32_t __kuzBRngMRG32K3AInitStream(int32_t method, Stream* stream, int32_t n, const void* params);
+int32_t __kuzsBRngMRG32K3A(Stream* stream, int32_t n, float* r, float a, float b);
+int32_t __kuzdBRngMRG32K3A(Stream* stream, int32_t n, double* r, double a, double b);
+int32_t __kuziBRngMRG32K3A(Stream* stream, int32_t n, void* r);
+
+/* The kernels of an abstract stream for numbers of another type than its ring's: they return AbstractStatusWrongKernel
+ * and write nothing. */
+int32_t __kuzdBRngiAbstract(Stream* stream, int32_t n, double* r, double a, double b);
+int32_t __kuzsBRngiAbstract(Stream* stream, int32_t n, float* r, float a, float b);
+int32_t __kuziBRngdAbstract(Stream* stream, int32_t n, void* r);
+int32_t __kuzsBRngdAbstract(Stream* stream, int32_t n, float* r, float a, float b);
+int32_t __kuziBRngsAbstract(Stream* stream, int32_t n, void* r);
+int32_t __kuzdBRngsAbstract(Stream* stream, int32_t n, double* r, double a, double b);
+
+/* ---- Arithmetic of jumps ---------------------------------------------------------------------------------------- */
+
+/* a^n mod m, by square and multiply; n = 0 gives 1 for every a and m. m must not be 0. */
+uint32_t __kuziPowMod(uint32_t a, uint64_t n, uint32_t m);
+/* a^n mod 2^31 - 1 */
+uint32_t __kuziPowMod2P31M1(uint32_t a, uint64_t n);
+/* a^n mod 2^59 */
+uint64_t __kuziPowMod2P59(uint64_t a, uint64_t n);
+
+/* Replaces `vector` (3 words below m, oldest first) by C^n vector mod m, where C is the one-step matrix with the rows
+ * (0, 1, 0), (0, 0, 1), (row[2], row[1], row[0]): n steps of v(k) = row[0] v(k-1) + row[1] v(k-2) + row[2] v(k-3) mod m.
+ * Words of row are below m, m is above 1. */
+void __kuziVect3PowMod(uint32_t* vector, const uint32_t* row, uint32_t m, uint64_t n);
+/* The same for a count of n 64-bit words, least significant first. */
+void __kuziVect3PowArrayMod(uint32_t* vector, const uint32_t* row, uint32_t m, int32_t n, const uint64_t* count);
+/* The same modulo 2^32 - 209 and 2^32 - 22853 by a table of 193 matrices (3 rows of 3 words), entry k being the one-step
+ * matrix to the power 2^k. The count is below 2^193: higher bits are ignored. */
+void __kuziVect3PowArrayMod_M1(uint32_t* vector, int32_t n, const uint64_t* count, const uint32_t* table);
+void __kuziVect3PowArrayMod_M2(uint32_t* vector, int32_t n, const uint64_t* count, const uint32_t* table);
+
+/* x^n modulo a polynomial over GF(2) of the given degree; n is read as unsigned. `terms` are the exponents of its nonzero
+ * terms, increasing, the last one being the degree. The result stands in the first `words` 32-bit words of `out` as bits,
+ * bit i the coefficient of x^i. 32 * words is at least the degree, and `out` has room for twice as many words.
+ * Returns StatusOk or StatusNoMemory. */
+int32_t __kuzPolyRem(int64_t n, int64_t degree, int32_t term_count, const int32_t* terms, int32_t words, uint32_t* out);
+
+/* The operations of a generator whose step A is linear over GF(2), on whole stream records. */
+typedef void (*JumpZeroState)(Stream* state);                      /* all state words and the position become 0 */
+typedef void (*JumpAddState)(Stream* dest, const Stream* source);  /* dest ^= source, each from its own position on */
+typedef void (*JumpCopyState)(Stream* dest, const Stream* source); /* dest = source */
+typedef void (*JumpStepState)(Stream* state);                      /* one step of the recurrence */
+/* Stores the result in the stream in the form that its kernels expect. */
+typedef void (*JumpFinishState)(Stream* stream, const Stream* state, int32_t adjust);
+/* Takes from the current block what it can serve. Returns 0 when the jump is complete; else *nskip is the rest. */
+typedef int32_t (*JumpPreSkip)(Stream* stream, uint64_t* nskip, int32_t* adjust);
+
+/* Move a stream forward by nskip steps: with g = x^nskip modulo the characteristic polynomial of A (degree and terms as
+ * for __kuzPolyRem), the new state is g(A) times the old one. `words` is the number of 32-bit words of g, `state_bytes`
+ * the size of the record. The first evaluates g by Horner's rule, the second by a sliding window of 8 bits, which costs
+ * a table of 128 states and saves most of the additions; the results are the same. Return StatusOk or StatusNoMemory
+ * (the stream is then as pre_skip left it).
+ * H. Haramoto, M. Matsumoto, T. Nishimura, F. Panneton, P. L'Ecuyer, "Efficient jump ahead for F2-linear random number
+ * generators", INFORMS Journal on Computing 20, 2008. */
+int32_t __kuz_SkipAheadHorner(Stream* stream, JumpZeroState zero, JumpAddState add, JumpCopyState copy,
+                              JumpStepState step, JumpFinishState finish, JumpPreSkip pre_skip, uint64_t nskip,
+                              int32_t words, int32_t degree, int32_t state_bytes, int32_t term_count,
+                              const int32_t* terms);
+int32_t __kuz_SkipAheadSWin(Stream* stream, JumpZeroState zero, JumpAddState add, JumpCopyState copy,
+                            JumpStepState step, JumpFinishState finish, JumpPreSkip pre_skip, uint64_t nskip,
+                            int32_t words, int32_t degree, int32_t state_bytes, int32_t term_count,
+                            const int32_t* terms);
+
+/* ---- Distributions ---------------------------------------------------------------------------------------------- */
+
+/* Method bits of Uniform. */
+#ifdef __cplusplus
+enum UniformMethod : int32_t {
+#else
+enum UniformMethod {
+#endif
+    UniformStandard = 0,         /* values as the basic generator delivers them */
+    UniformAccurate = 0x40000000 /* every value is clamped to the interval */
+};
+
+/* n numbers, uniform on the interval from a to b, by the stream's basic generator. Only bit 30 of `method` is read.
+ * Rounding may give a value just outside the interval; UniformAccurate clamps it to min(b, max(a, value)).
+ * A negative status of the generator is returned, with no clamping. */
+int32_t _kuzsRngUniform(int32_t method, Stream* stream, int32_t n, float* r, float a, float b);
+int32_t _kuzdRngUniform(int32_t method, Stream* stream, int32_t n, double* r, double a, double b);
+
+/* n integers, uniform on a to b - 1: the double-precision uniforms rounded down. `method` is not read. An n of 0 draws
+ * nothing. */
+int32_t _kuziRngUniform(int32_t method, Stream* stream, int32_t n, int32_t* r, int32_t a, int32_t b);
+
+/* n raw words of the generator, of its row's wordBytes each. */
+int32_t _kuziRngUniformBits(int32_t method, Stream* stream, int32_t n, void* r);
+
+/* n words of 32 or 64 random bits. MCG59 gives the upper 32 bits of its words, the earlier one in the low half of a
+ * 64-bit word; MT19937, MT2203, SFMT19937, TRNG, ARS5 and PHILOX4X32X10 give their words as they are, two for 64 bits.
+ * The other generators, and registered ones, return BrngStatusNoFullWidth. n for 64 bits is at most 2^30 - 1. */
+int32_t _kuziRngUniformBits32(int32_t method, Stream* stream, int32_t n, uint32_t* r);
+int32_t _kuziRngUniformBits64(int32_t method, Stream* stream, int32_t n, uint64_t* r);
+
+/* n integers, 1 with probability p and 0 otherwise: 1 where the single-precision uniform on 0 to 1 is below the float of
+ * p. `method` is not read. */
+int32_t _kuziRngBernoulli(int32_t method, Stream* stream, int32_t n, int32_t* r, double p);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,63 @@
+// The task record as the kernels read it, and the bucket table on which search in unsorted sites rests.
+#pragma once
+
+#include "platform/export.h"
+
+#include <orv/fitting.h>
+
+#include <stddef.h>
+#include <stdint.h>
+
+namespace orv::fit {
+
+static_assert(offsetof(DFTask, recordTag) == 4 && offsetof(DFTask, isDouble) == 8 && offsetof(DFTask, editable) == 12);
+static_assert(offsetof(DFTask, breakCount) == 16 && offsetof(DFTask, breaks) == 24 &&
+              offsetof(DFTask, breakHint) == 32);
+static_assert(offsetof(DFTask, funcCount) == 40 && offsetof(DFTask, funcs) == 48 && offsetof(DFTask, funcHint) == 56);
+static_assert(offsetof(DFTask, splineOrder) == 64 && offsetof(DFTask, splineType) == 72);
+static_assert(offsetof(DFTask, icType) == 80 && offsetof(DFTask, icData) == 88);
+static_assert(offsetof(DFTask, bcType) == 96 && offsetof(DFTask, bcData) == 104);
+static_assert(offsetof(DFTask, coeffs) == 108 && offsetof(DFTask, coeffHint) == 112);
+static_assert(offsetof(DFTask, checkFlag) == 120 && offsetof(DFTask, cellTableSize) == 128);
+static_assert(offsetof(DFTask, cellTable) == 136 && offsetof(DFTask, cellScale) == 144 && sizeof(DFTask) == 152);
+
+constexpr int32_t block_alignment = 128;
+
+inline double& cell_scale(DFTask& task, double) { return task.cellScale.d; }
+inline float& cell_scale(DFTask& task, float) { return task.cellScale.s; }
+inline double cell_scale(const DFTask& task, double) { return task.cellScale.d; }
+inline float cell_scale(const DFTask& task, float) { return task.cellScale.s; }
+
+inline bool is_uniform(const DFTask& task) { return (task.breakHint & ORV_DF_BREAKS_UNIFORM) != 0; }
+
+// A partition in the element type. On a uniform one break i is first + i * width.
+template <class T>
+struct Partition {
+    const T* breaks;
+    int32_t count;
+    T first, last;
+    T width, inverse_width;
+};
+
+template <class T>
+Partition<T> partition_of(const T* breaks, int64_t count, bool uniform) {
+    Partition<T> partition;
+    partition.breaks = breaks;
+    partition.count = static_cast<int32_t>(count);
+    partition.first = breaks[0];
+    partition.last = uniform ? breaks[1] : breaks[count - 1];
+    partition.width = (partition.last - partition.first) / static_cast<T>(count - 1);
+    partition.inverse_width = static_cast<T>(count - 1) / (partition.last - partition.first);
+    return partition;
+}
+
+template <class T>
+Partition<T> partition_of(const DFTask& task) {
+    return partition_of(static_cast<const T*>(task.breaks), task.breakCount, is_uniform(task));
+}
+
+// Gives the task a bucket table built from its partition; the pointer to an older one is overwritten.
+template <class T>
+orv_df_status build_bucket_table(DFTask& task);
+
+}  // namespace orv::fit

@@ -1,0 +1,330 @@
+// Interpolation: evaluators, placement of results, cells, callbacks, order 0, statuses.
+#include "fit/support.h"
+
+#include <cmath>
+
+namespace orv::test {
+namespace {
+
+template <class T>
+class FitInterpolate : public testing::Test {};
+using Elements = testing::Types<double, float>;
+TYPED_TEST_SUITE(FitInterpolate, Elements);
+
+struct Callbacks {
+    orv_df_run_callback left = nullptr, right = nullptr, inside = nullptr;
+    void* param = nullptr;
+    orv_df_search_callback search = nullptr;
+};
+
+template <class T>
+int32_t interpolate(const Fit<T>& fit, const std::vector<T>& x, const std::vector<int32_t>& wanted, T* results,
+                    int64_t layout = 0, int64_t type = 1, void* cells = nullptr, int64_t hint = 0,
+                    const T* data = nullptr, const Callbacks& c = {}) {
+    return DFInterpolate1D(T{}, fit.task, type, int64_t{0}, static_cast<int64_t>(x.size()), x.data(), hint,
+                           static_cast<int64_t>(wanted.size()), static_cast<const void*>(wanted.data()), data, results,
+                           layout, cells, c.left, c.param, c.right, c.param, c.inside, c.param, c.search, c.param);
+}
+
+template <class T>
+Problem<T> random_pieces(int64_t order, int64_t type, bool uniform, int64_t functions = 1) {
+    Problem<T> p;
+    p.x = breaks<T>(40, uniform);
+    p.uniform = uniform;
+    p.functions = functions;
+    p.y = noise<T>(40 * functions);
+    p.order = order;
+    p.type = type;
+    if (type == ORV_DF_TYPE_KNOTS) {
+        p.ic_type = ORV_DF_INTERNAL_KNOTS;
+        for (size_t i = 0; i + 1 < p.x.size(); ++i) p.ic.push_back(p.x[i] + (p.x[i + 1] - p.x[i]) / 4);
+    }
+    return p;
+}
+
+// The piece that holds a site.
+template <class T>
+int64_t piece_of(const Fit<T>& fit, T x) {
+    std::vector<T> edges(fit.p.x.begin() + 1, fit.p.x.end() - 1);
+    if (fit.p.type == ORV_DF_TYPE_KNOTS) edges = fit.p.ic;
+    return std::upper_bound(edges.begin(), edges.end(), x) - edges.begin();
+}
+
+template <class T>
+std::vector<T> scattered(const std::vector<T>& b, size_t count, bool sorted) {
+    std::mt19937 random(4);
+    std::vector<T> x(b.begin(), b.begin() + static_cast<ptrdiff_t>(std::min(count, b.size())));
+    std::uniform_real_distribution<double> within(b.front() - 0.75, b.back() + 0.75);
+    while (x.size() < count) x.push_back(static_cast<T>(within(random)));
+    if (sorted) std::sort(x.begin(), x.end());
+    return x;
+}
+
+TYPED_TEST(FitInterpolate, EveryOrderAndDerivativeInEveryLayout) {
+    using T = TypeParam;
+    const struct { int64_t order, type; } kinds[] = {{2, 0}, {3, 0}, {3, 1}, {4, 2}, {4, 9}, {6, 0}};
+    for (const auto& kind : kinds)
+        for (const bool uniform : {false, true})
+            for (const size_t count : {size_t{1}, size_t{31}, size_t{33}, size_t{1531}}) {
+                Fit<T> fit(random_pieces<T>(kind.order, kind.type, uniform, 3));
+                fit.coeffs = noise<T>(static_cast<int64_t>(fit.coeffs.size()), 8);
+                orv_df_kernel_iEditVal(fit.task, ORV_DF_BREAK_HINT, fit.task->breakHint);
+                EditPtr(T{}, fit.task, int64_t{ORV_DF_COEFFICIENTS}, fit.coeffs.data());
+                for (const bool sorted : {false, true}) {
+                    const std::vector<T> x = scattered(fit.p.x, count, sorted);
+                    const std::vector<int32_t> wanted = {1, 0, 5, 1, 1, 0};  // value, second, third, fourth
+                    const size_t orders[] = {0, 2, 3, 4}, S = count, F = 3, D = 4;
+                    std::vector<T> rows(S * F * D), out(S * F * D);
+                    ASSERT_EQ(interpolate(fit, x, wanted, rows.data(), 0, 1, nullptr, sorted ? 0x40 : 0), 0);
+                    for (size_t f = 0; f < F; ++f)
+                        for (size_t s = 0; s < S; ++s)
+                            for (size_t d = 0; d < D; ++d) {
+                                const int64_t piece = piece_of(fit, x[s]);
+                                const auto expected = static_cast<double>(
+                                    fit.at(piece, x[s], static_cast<int>(orders[d]), static_cast<int64_t>(f)));
+                                ASSERT_NEAR(rows[(f * S + s) * D + d], expected, 500 * epsilon<T>)
+                                    << "order " << kind.order << " type " << kind.type << " site " << x[s]
+                                    << " derivative " << orders[d] << " uniform " << uniform;
+                            }
+                    std::vector<std::vector<T>> own(F, std::vector<T>(S * D));
+                    T* pointers[] = {own[0].data(), own[1].data(), own[2].data()};
+                    for (const int64_t layout : {0x10, 0x20, 0x100, 0x200, 0x80}) {
+                        const bool by_pointer = layout == 0x80;
+                        ASSERT_EQ(interpolate(fit, x, wanted, by_pointer ? reinterpret_cast<T*>(pointers) : out.data(),
+                                              layout, 1, nullptr, sorted ? 0x40 : 0),
+                                  0);
+                        for (size_t f = 0; f < F; ++f)
+                            for (size_t s = 0; s < S; ++s)
+                                for (size_t d = 0; d < D; ++d) {
+                                    const T got = layout == 0x10    ? out[(f * S + s) * D + d]
+                                                  : layout == 0x20  ? out[(s * F + f) * D + d]
+                                                  : layout == 0x100 ? out[(f * D + d) * S + s]
+                                                  : layout == 0x200 ? out[(s * D + d) * F + f]
+                                                                    : own[f][s * D + d];
+                                    ASSERT_EQ(got, rows[(f * S + s) * D + d]) << "layout " << layout;
+                                }
+                    }
+                }
+            }
+}
+
+TYPED_TEST(FitInterpolate, CellsAreStoredTakenAndSearchedForAlone) {
+    using T = TypeParam;
+    for (const int32_t wide : {0, 1})
+        for (const size_t count : {size_t{20}, size_t{900}}) {
+            Problem<T> p = random_pieces<T>(4, 2, false);
+            p.wide = wide;
+            Fit<T> fit(p);
+            ASSERT_EQ(fit.construct(natural), 0);
+            const std::vector<T> x = scattered(p.x, count, false);
+            std::vector<int64_t> wide_cells(count, -1), wide_wanted = {1};
+            std::vector<int32_t> narrow_cells(count, -1), narrow_wanted = {1, 0};
+            void* cells = wide ? static_cast<void*>(wide_cells.data()) : narrow_cells.data();
+            const void* wanted = wide ? static_cast<const void*>(wide_wanted.data()) : narrow_wanted.data();
+            const auto run = [&](int64_t type, T* out) {
+                return DFInterpolate1D(T{}, fit.task, type, int64_t{0}, static_cast<int64_t>(count), x.data(),
+                                       int64_t{0}, int64_t{1}, wanted, nullptr, out, int64_t{0}, cells, nullptr,
+                                       nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+            };
+            std::vector<T> found(count), given(count, 7), stored(count), searched(count, 7);
+            const int64_t type = fit.task->splineType;
+            fit.task->splineType = 6;  // search alone does not look at the spline codes
+            ASSERT_EQ(run(4, searched.data()), 0);
+            fit.task->splineType = type;
+            EXPECT_EQ(searched, std::vector<T>(count, 7));
+            for (size_t i = 0; i < count; ++i) {
+                const auto cell = std::upper_bound(p.x.begin(), p.x.end(), x[i]) - p.x.begin();
+                EXPECT_EQ(wide ? wide_cells[i] : narrow_cells[i], x[i] == p.x.back() ? cell - 1 : cell);
+            }
+            ASSERT_EQ(run(1, found.data()), 0);
+            ASSERT_EQ(run(2, given.data()), 0);
+            EXPECT_EQ(found, given);
+            std::fill(wide_cells.begin(), wide_cells.end(), 99999);
+            std::fill(narrow_cells.begin(), narrow_cells.end(), -99999);
+            ASSERT_EQ(run(2, given.data()), 0);  // cells out of range count as the ends
+            for (size_t i = 0; i < count; ++i)
+                ASSERT_NEAR(given[i], static_cast<double>(fit.at(wide ? 38 : 0, x[i])),
+                            std::fabs(given[i]) * 1e-4 + 1e-3);
+            ASSERT_EQ(run(5, stored.data()), 0);
+            EXPECT_EQ(found, stored);
+            EXPECT_LE(wide ? wide_cells[0] : narrow_cells[0], 40);
+        }
+}
+
+TYPED_TEST(FitInterpolate, SearchMethodsAndThreadsGiveTheSameValues) {
+    using T = TypeParam;
+    Problem<T> p = random_pieces<T>(4, 2, false);
+    p.x = breaks<T>(1000);
+    p.y = noise<T>(1000);
+    Fit<T> fit(p);
+    ASSERT_EQ(fit.construct(natural), 0);
+    for (const bool sorted : {false, true}) {
+        const std::vector<T> x = scattered(p.x, 60001, sorted);
+        std::vector<T> plain(x.size()), other(x.size());
+        ASSERT_EQ(interpolate(fit, x, {1}, plain.data()), 0);
+        for (size_t i = 0; i < x.size(); i += 101) {
+            T one;
+            ASSERT_EQ(interpolate(fit, {x[i]}, {1}, &one), 0);
+            ASSERT_EQ(one, plain[i]);
+        }
+        const T peak[] = {0, 1, 0, 0, 500}, neither[] = {0, 3, 0, 0, 0};
+        ASSERT_EQ(interpolate(fit, x, {1}, other.data(), 0, 1, nullptr, 0, peak), 0);
+        EXPECT_EQ(plain, other);
+        EXPECT_EQ(interpolate(fit, x, {1}, other.data(), 0, 1, nullptr, 0, neither), -1026);
+        Callbacks c;
+        c.search = [](const int64_t* count, const void*, int64_t* cells, uint8_t* unfinished, const orv_df_partition*,
+                      void*) {
+            for (int64_t i = 0; i < *count; ++i) cells[i] = 400, unfinished[i] = 1;
+            return int32_t{0};
+        };
+        ASSERT_EQ(interpolate(fit, x, {1}, other.data(), 0, 1, nullptr, 0, static_cast<const T*>(nullptr), c), 0);
+        EXPECT_EQ(plain, other);
+        if (sorted) {
+            ASSERT_EQ(interpolate(fit, x, {1}, other.data(), 0, 1, nullptr, 0x40), 0);
+        }
+        EXPECT_EQ(plain, other);
+        orv_df_kernel_iEditVal(fit.task, ORV_DF_BREAK_HINT, ORV_DF_BREAKS_QUASI_UNIFORM);
+        ASSERT_EQ(interpolate(fit, x, {1}, other.data()), 0);
+        EXPECT_EQ(plain, other);
+        orv_df_kernel_iEditVal(fit.task, ORV_DF_BREAK_HINT, 0);
+    }
+}
+
+TYPED_TEST(FitInterpolate, StepsAndLookUp) {
+    using T = TypeParam;
+    const T nan = std::numeric_limits<T>::quiet_NaN();
+    for (const bool uniform : {false, true})
+        for (const bool interleaved : {false, true}) {
+            Problem<T> p;
+            p.x = {0, 1, 2, 3};
+            p.y = {10, 20, 11, 21, 12, 22, 13, 23};
+            if (!interleaved) p.y = {10, 11, 12, 13, 20, 21, 22, 23};
+            p.functions = 2;
+            p.layout = interleaved ? 0x20 : 0;
+            p.uniform = uniform;
+            p.order = 0;
+            const std::vector<T> x = {-1, 0, 0.5, 1, 1.5, 2, 3, 4, 2.5};
+            const struct {
+                int64_t type;
+                std::vector<T> expected;
+            } kinds[] = {
+                {6, {nan, 10, nan, 11, nan, 12, 13, nan, nan}},
+                {7, {10, 10, 10, 11, 11, 12, 13, 13, 12}},
+                {8, {10, 10, 11, 11, 12, 12, 13, 13, 13}},
+            };
+            for (const auto& kind : kinds) {
+                p.type = kind.type;
+                const Fit<T> fit(p);
+                std::vector<T> out(18), slopes(18);
+                ASSERT_EQ(interpolate(fit, x, {1}, out.data()), 0);
+                ASSERT_EQ(interpolate(fit, x, {0, 1}, slopes.data()), 0);
+                for (size_t i = 0; i < 18; ++i) {
+                    const T want = kind.expected[i % 9] + (i < 9 ? 0 : 10);
+                    EXPECT_TRUE(out[i] == want || (want != want && out[i] != out[i]))
+                        << kind.type << " site " << x[i % 9];
+                    EXPECT_EQ(slopes[i] == 0, kind.type != 6);
+                }
+            }
+        }
+}
+
+// Each callback writes its own mark and the derivative it was asked for.
+template <class T, int mark>
+int32_t marking(const orv_df_run* run, void* param) {
+    auto& runs = *static_cast<std::vector<int>*>(param);
+    runs.push_back(mark);
+    for (int64_t i = 0; i < run->siteCount; ++i)
+        static_cast<T*>(run->values)[i] =
+            static_cast<T>(mark + 10 * run->derivative + 100 * run->funcIndex + 1000 * run->cells[i]);
+    return mark == 2 ? 1000 : 0;
+}
+
+TYPED_TEST(FitInterpolate, CallbacksTakeTheirSites) {
+    using T = TypeParam;
+    Fit<T> fit(random_pieces<T>(4, 2, false, 2));
+    ASSERT_EQ(fit.construct(natural), 0);
+    for (const size_t count : {size_t{8}, size_t{2000}}) {
+        std::vector<T> x = scattered(fit.p.x, count, false);
+        x[2] = fit.p.x.front() - 1, x[5] = fit.p.x.back() + 1;
+        std::vector<T> plain(count * 4), out(count * 4);
+        std::vector<int> runs;
+        ASSERT_EQ(interpolate(fit, x, {1, 1}, plain.data()), 0);
+        for (const bool all : {false, true}) {
+            Callbacks c;
+            c.left = marking<T, 1>;
+            c.right = marking<T, 2>;
+            if (all) c.inside = marking<T, 3>;
+            c.param = &runs;
+            ASSERT_EQ(interpolate(fit, x, {1, 1}, out.data(), 0, 1, nullptr, 0, static_cast<const T*>(nullptr), c), 0);
+            for (size_t f = 0; f < 2; ++f)
+                for (size_t s = 0; s < count; ++s)
+                    for (size_t d = 0; d < 2; ++d) {
+                        const size_t at = (f * count + s) * 2 + d;
+                        const bool left = x[s]<fit.p.x.front(), right = x[s]> fit.p.x.back();
+                        const auto cell = std::upper_bound(fit.p.x.begin(), fit.p.x.end() - 1, x[s]) - fit.p.x.begin();
+                        const auto marked = static_cast<T>((left    ? 1
+                                                            : right ? 2
+                                                                    : 3) +
+                                                           10 * d + 100 * f) +
+                                            static_cast<T>(1000 * (right ? cell + 1 : cell));
+                        ASSERT_EQ(out[at], left || right || all ? marked : plain[at]) << s;
+                    }
+        }
+        // A negative answer ends the call; order 0 with another type lives on the three callbacks alone.
+        Callbacks c;
+        c.left = c.right = c.inside = [](const orv_df_run*, void*) { return int32_t{-5}; };
+        EXPECT_EQ(interpolate(fit, x, {1}, out.data(), 0, 1, nullptr, 0, static_cast<const T*>(nullptr), c), -5);
+        c = {marking<T, 1>, marking<T, 2>, marking<T, 3>, &runs, nullptr};
+        fit.task->splineOrder = 0;
+        EXPECT_EQ(interpolate(fit, x, {1}, out.data(), 0, 1, nullptr, 0, static_cast<const T*>(nullptr), c), 0);
+        EXPECT_EQ(out[2], 1);
+        c.inside = nullptr;
+        EXPECT_EQ(interpolate(fit, x, {1}, out.data(), 0, 1, nullptr, 0, static_cast<const T*>(nullptr), c), -1011);
+        fit.task->splineOrder = 4;
+    }
+}
+
+TEST(FitInterpolateEntry, CodesStatusesAndScratch) {
+    Fit<double> fit(random_pieces<double>(6, 0, false));
+    fit.coeffs.assign(fit.coeffs.size(), 1);
+    const std::vector<double> few(31, 1.0), many(32, 1.0);
+    double out[64];
+    const struct {
+        int64_t order, type;
+        int32_t status;
+    } codes[] = {{2, 77, 0}, {3, 0, 0},     {3, 2, -1011}, {4, 1, -1011}, {4, 6, -1011},
+                 {4, 9, 0},  {1, 0, -1011}, {5, 1, 0},     {0, 0, -1011}};
+    for (const auto& c : codes) {
+        fit.task->splineOrder = c.order, fit.task->splineType = c.type;
+        EXPECT_EQ(interpolate(fit, few, {1}, out), c.status) << c.order << " " << c.type;
+        EXPECT_EQ(interpolate(fit, few, {1}, out, 0x40), c.status == 0 ? -1028 : -1011);
+    }
+    fit.task->splineOrder = 6, fit.task->splineType = 0;
+    EXPECT_EQ(interpolate(fit, {}, {1}, out), 0);
+    // Up to 31 sites need no scratch, unless integers are wide or cells are stored.
+    const struct {
+        const std::vector<double>& x;
+        int32_t wide;
+        int64_t type;
+        int32_t status;
+    } cases[] = {{few, 0, 1, 0}, {many, 0, 1, -1001}, {few, 1, 1, -1001}, {few, 0, 5, -1001}, {few, 0, 4, -1001}};
+    for (const auto& c : cases) {
+        fit.task->wideInts = c.wide;
+        std::fill(out, out + 64, -7);
+        int64_t cells[64];
+        cells[0] = -7;
+        const int32_t before = orv_serv_live_blocks();
+        orv_serv_fail_allocation(1);
+        EXPECT_EQ(DFInterpolate1D(0.0, fit.task, c.type, int64_t{0}, static_cast<int64_t>(c.x.size()), c.x.data(),
+                                  int64_t{0}, int64_t{1}, nullptr, nullptr, out, int64_t{0}, static_cast<void*>(cells),
+                                  nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr),
+                  c.status);
+        orv_serv_fail_allocation(0);
+        EXPECT_EQ(out[0] == -7, c.status != 0);
+        EXPECT_EQ(cells[0], -7);
+        EXPECT_EQ(orv_serv_live_blocks(), before);
+    }
+}
+
+}  // namespace
+}  // namespace orv::test

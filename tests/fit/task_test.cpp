@@ -1,0 +1,243 @@
+// The task's life: what creation, edits and queries store, refuse and leave behind.
+#include "fit/support.h"
+
+#include <cmath>
+#include <cstddef>
+
+namespace orv::test {
+namespace {
+
+constexpr double x[] = {0, 1, 3, 4, 7}, y[10] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10};
+
+struct Task {
+    DFTask* task = nullptr;
+    explicit Task(int64_t hint = 0, int64_t functions = 2, int64_t layout = 0, int32_t wide = 0) {
+        EXPECT_EQ(orv_df_kernel_dNewTask1D(&task, 5, x, hint, functions, y, layout, wide), 0);
+    }
+    ~Task() { orv_df_kernel_DeleteTask(&task); }
+    Task(const Task&) = delete;
+    Task& operator=(const Task&) = delete;
+};
+
+TEST(FitTask, CreationRefusesInOrder) {
+    const struct {
+        int64_t count;
+        const double* breaks;
+        int64_t hint, functions;
+        const double* values;
+        int64_t layout;
+        int32_t status;
+    } cases[] = {
+        {1, nullptr, 9, 0, y, 9, -1004}, {2, nullptr, 9, 0, y, 9, -1005}, {2, x, 3, 0, y, 9, -1006},
+        {2, x, 4, 0, y, 9, -1007},       {2, x, 4, 1, nullptr, 9, -1008}, {2, x, 4, 1, y, 9, -1009},
+        {2, x, 2, 0, nullptr, 0x80, 0},  {2, x, 1, 1, y, 0x10, 0},
+    };
+    for (const auto& c : cases) {
+        DFTask* task = nullptr;
+        EXPECT_EQ(orv_df_kernel_dNewTask1D(&task, c.count, c.breaks, c.hint, c.functions, c.values, c.layout, 0),
+                  c.status);
+        EXPECT_EQ(task != nullptr, c.status == 0);
+        EXPECT_EQ(orv_df_kernel_DeleteTask(&task), c.status == 0 ? 0 : -1000);
+    }
+}
+
+TEST(FitTask, LayoutsFillThePointers) {
+    for (const int64_t layout : {0, 0x10, 0x20, 0x80}) {
+        const Task t(0, 2, layout);
+        EXPECT_EQ(t.task->funcs[0], y);
+        if (layout == 0 || layout == 0x10) {
+            EXPECT_EQ(t.task->funcs[1], y + 5);
+        }
+        double* queried = nullptr;
+        EXPECT_EQ(orv_df_kernel_dEditIdxPtr(t.task, 2, 1, y + 3), layout == 0x20 ? -1009 : 0);
+        EXPECT_EQ(orv_df_kernel_dQueryIdxPtr(t.task, 2, 1, &queried), layout == 0x20 ? -1009 : 0);
+        EXPECT_EQ(queried, layout == 0x20 ? nullptr : y + 3);
+    }
+}
+
+TEST(FitTask, CoefficientBlocksByTypeAndHint) {
+    double c[64];
+    for (const int64_t type : {0, 1}) {
+        const Task t;
+        EXPECT_EQ(orv_df_kernel_dEditPPSpline1D(t.task, 3, type, 0, nullptr, 0, nullptr, c, 0), 0);
+        EXPECT_EQ(t.task->coeffs[1], c + (type == 1 ? 15 : 12));
+    }
+    const Task t;
+    EXPECT_EQ(orv_df_kernel_dEditPPSpline1D(t.task, 3, 0, 0, nullptr, 0, nullptr, c, 0x80), 0);
+    EXPECT_EQ(orv_df_kernel_dEditIdxPtr(t.task, 5, 1, c + 40), 0);
+    EXPECT_EQ(orv_df_kernel_dEditIdxPtr(t.task, 5, 2, c), -1020);
+    double* queried = nullptr;
+    EXPECT_EQ(orv_df_kernel_dQueryPtr(t.task, 5, &queried), 0);
+    EXPECT_EQ(queried, c);
+    EXPECT_EQ(orv_df_kernel_dQueryIdxPtr(t.task, 5, 1, &queried), 0);
+    EXPECT_EQ(queried, c + 40);
+    // One past the last passes the range test of the query.
+    EXPECT_EQ(orv_df_kernel_dQueryIdxPtr(t.task, 5, 2, &queried), 0);
+    EXPECT_EQ(orv_df_kernel_dQueryIdxPtr(t.task, 5, 3, &queried), -1020);
+}
+
+TEST(FitTask, SplineEditsKeepWhatStandsBeforeTheRefusal) {
+    const Task t;
+    EXPECT_EQ(orv_df_kernel_dEditPPSpline1D(nullptr, 4, 2, 2, nullptr, 0, nullptr, nullptr, 0), -1000);
+    const struct {
+        int64_t order, type, bc;
+        const double* bc_data;
+        int64_t ic;
+        const double* ic_data;
+        int32_t status;
+    } cases[] = {
+        {-1, 2, 0, nullptr, 0, nullptr, -1010}, {4, -1, 0, nullptr, 0, nullptr, -1011},
+        {5, 6, 12, nullptr, 0, nullptr, -1015}, {4, 2, 12, y, 1, nullptr, -1013},
+        {4, 2, 64, nullptr, 0, y, -1012},       {4, 2, 0, nullptr, 0, nullptr, 0},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(orv_df_kernel_dEditPPSpline1D(t.task, c.order, c.type, c.bc, c.bc_data, c.ic, c.ic_data, nullptr, 0),
+                  c.status);
+        if (c.status < -1011) {
+            EXPECT_EQ(t.task->splineOrder, c.order);
+        }
+        if (c.status == -1013) {
+            EXPECT_EQ(t.task->bcType, 12);
+        }
+    }
+    double c[40];
+    orv_df_kernel_iEditVal(t.task, ORV_DF_FUNCTION_COUNT, 2);
+    t.task->funcCount = 0;
+    EXPECT_EQ(orv_df_kernel_dEditPPSpline1D(t.task, 4, 2, 0, nullptr, 0, nullptr, c, 0), -1007);
+    EXPECT_EQ(orv_df_kernel_dEditPtr(t.task, ORV_DF_COEFFICIENTS, c), -1007);
+}
+
+TEST(FitTask, ValuesAreCheckedStoredAndReadInBothWidths) {
+    const struct {
+        int64_t id, good, bad;
+        int32_t status;
+    } cases[] = {
+        {14, 3, 1, -1004},
+        {15, 2, 3, -1006},
+        {16, 1, 0, -1007},
+        {17, 0x20, 1, -1009},
+        {18, 0, -1, -1010},
+        {19, 9, 6, -1011},
+        {20, 12, 4, -1012},
+        {21, 77, -1, -1014},
+        {22, 0x80, 4, -1017},
+        {23, 1, 2, -1036},
+        {21, int64_t{1} << 33, -5, -1014},
+    };
+    for (const int32_t wide : {0, 1}) {
+        const Task t(0, 2, 0, wide);
+        for (const auto& c : cases) {
+            EXPECT_EQ(orv_df_kernel_iEditVal(t.task, c.id, c.good), 0) << c.id;
+            EXPECT_EQ(orv_df_kernel_iEditVal(t.task, c.id, c.bad), c.status) << c.id;
+            int64_t value = -1;
+            EXPECT_EQ(orv_df_kernel_iQueryVal(t.task, c.id, &value), 0);
+            const int64_t mask = int64_t{0xffffffff};
+            EXPECT_EQ(value, wide ? c.good : (c.good & mask) | (~mask)) << c.id;
+        }
+        for (const int64_t id : {13, 24}) {
+            EXPECT_EQ(orv_df_kernel_iEditVal(t.task, id, 1), -1019);
+            int64_t value = 0;
+            EXPECT_EQ(orv_df_kernel_iQueryVal(t.task, id, &value), -1019);
+        }
+        EXPECT_EQ(orv_df_kernel_iQueryVal(t.task, 14, nullptr), -1037);
+    }
+}
+
+TEST(FitTask, PointersAreCheckedAndATaskThatIsNotEditableIsLeftAlone) {
+    const Task t;
+    double* queried = nullptr;
+    const int32_t refusals[] = {-1005, -1008, -1013, -1015, -1016};
+    for (int64_t id = 1; id <= 5; ++id) {
+        EXPECT_EQ(orv_df_kernel_dEditPtr(t.task, id, nullptr), refusals[id - 1]);
+        EXPECT_EQ(orv_df_kernel_dEditPtr(t.task, id, y + id), 0);
+        EXPECT_EQ(orv_df_kernel_dQueryPtr(t.task, id, &queried), 0);
+        EXPECT_EQ(queried, y + id);
+    }
+    EXPECT_EQ(orv_df_kernel_dEditPtr(t.task, 6, y), -1019);
+    EXPECT_EQ(orv_df_kernel_dQueryPtr(t.task, 0, &queried), -1019);
+    EXPECT_EQ(orv_df_kernel_dQueryPtr(t.task, 1, nullptr), -1037);
+    t.task->editable = 0;
+    EXPECT_EQ(orv_df_kernel_dEditPtr(t.task, 9, nullptr), 0);
+    EXPECT_EQ(orv_df_kernel_iEditVal(t.task, 14, 0), 0);
+    EXPECT_EQ(orv_df_kernel_dEditPPSpline1D(t.task, -1, 0, 0, nullptr, 0, nullptr, nullptr, 0), 0);
+    EXPECT_EQ(orv_df_kernel_dEditIdxPtr(t.task, 2, 99, nullptr), 0);
+    EXPECT_EQ(orv_df_kernel_dQueryIdxPtr(t.task, 9, 1, &queried), 0);
+    EXPECT_EQ(orv_df_kernel_dQueryIdxPtr(t.task, 9, 9, &queried), -1020);
+    EXPECT_EQ(t.task->breakCount, 5);
+    EXPECT_EQ(t.task->breaks, y + 1);
+    t.task->editable = 1;
+}
+
+// Every site's bucket must bound its cell.
+template <class T>
+void check_bucket_table(const DFTask& task, const std::vector<T>& b, T scale) {
+    const auto count = static_cast<int32_t>(b.size());
+    for (int step = 0; step <= 4096; ++step) {
+        const T site = b.front() + (b.back() - b.front()) * static_cast<T>(step) / 4096;
+        if (!(site < b.back())) continue;
+        const auto c = static_cast<int64_t>((site - b.front()) * scale);
+        ASSERT_LE(c, task.cellTableSize);
+        int32_t cell = 0;
+        while (cell < count && b[static_cast<size_t>(cell)] <= site) ++cell;
+        ASSERT_LE(task.cellTable[c].lo, cell) << step;
+        ASSERT_GE(task.cellTable[c].hi, cell) << step;
+    }
+}
+
+TEST(FitTask, BucketsBoundTheCells) {
+    for (const int64_t count : {2, 3, 17, 300, 5000, 20000}) {
+        const std::vector<double> b = breaks<double>(count);
+        DFTask* task = nullptr;
+        ASSERT_EQ(orv_df_kernel_dNewTask1D(&task, count, b.data(), 0, 0, nullptr, 0, 0), 0);
+        EXPECT_EQ(task->cellTableSize, std::min<int64_t>(std::max<int64_t>(count / 16, 16), 1024));
+        check_bucket_table(*task, b, task->cellScale.d);
+        orv_df_kernel_DeleteTask(&task);
+    }
+    // A uniform task gets its table when the partition is replaced and the hint set.
+    const std::vector<float> b = {0, 1e-3f, 2e-3f, 1, 1, 1, 50, 51}, ends = {0, 51};
+    DFTask* task = nullptr;
+    ASSERT_EQ(orv_df_kernel_sNewTask1D(&task, 8, ends.data(), 4, 0, nullptr, 0, 0), 0);
+    EXPECT_EQ(task->cellTable, nullptr);
+    EXPECT_EQ(task->cellTableSize, 0);
+    orv_df_kernel_sEditPtr(task, ORV_DF_BREAKS, b.data());
+    EXPECT_EQ(task->cellTable, nullptr);
+    EXPECT_EQ(orv_df_kernel_iEditVal(task, 15, 1), 0);
+    ASSERT_NE(task->cellTable, nullptr);
+    check_bucket_table(*task, b, task->cellScale.s);
+    orv_df_kernel_DeleteTask(&task);
+    // A partition of no width or of NaNs builds a table without a fault.
+    for (const double bad : {3.0, std::nan("")}) {
+        const double same[] = {3, bad, bad};
+        ASSERT_EQ(orv_df_kernel_dNewTask1D(&task, 3, same, 0, 0, nullptr, 0, 0), 0);
+        orv_df_kernel_DeleteTask(&task);
+    }
+}
+
+TEST(FitTask, FailedAllocationsLeaveADeletableTask) {
+    const int32_t before = orv_serv_live_blocks();
+    for (int32_t nth = 1; nth <= 3; ++nth) {
+        DFTask* task = nullptr;
+        orv_serv_fail_allocation(nth);
+        EXPECT_EQ(orv_df_kernel_dNewTask1D(&task, 5, x, 0, 2, y, 0, 0), -1001);
+        EXPECT_EQ(task != nullptr, nth > 1);
+        orv_df_kernel_DeleteTask(&task);
+    }
+    {
+        const Task t;
+        double c[32];
+        orv_serv_fail_allocation(1);
+        EXPECT_EQ(orv_df_kernel_dEditPPSpline1D(t.task, 4, 2, 0, nullptr, 0, nullptr, c, 0), -1001);
+        EXPECT_EQ(t.task->coeffs, nullptr);
+        orv_serv_fail_allocation(1);
+        EXPECT_EQ(orv_df_kernel_dEditPtr(t.task, ORV_DF_FUNCTIONS, y), -1001);
+        EXPECT_EQ(t.task->funcs, nullptr);
+        orv_serv_fail_allocation(1);
+        EXPECT_EQ(orv_df_kernel_iEditVal(t.task, 15, 1), -1001);
+        EXPECT_EQ(t.task->cellTable, nullptr);
+    }
+    orv_serv_fail_allocation(0);
+    EXPECT_EQ(orv_serv_live_blocks(), before);
+}
+
+}  // namespace
+}  // namespace orv::test
