@@ -76,10 +76,9 @@ void add_lanes(const std::string& name, double low, double high) {
 #endif
 
 const bool registered = [] {
-#define FUNCTION(type, T, Name, libm, low, high, special)                                                 \
+#define FUNCTION(type, T, Name, libm, low, high, special)                                                \
     add_entries<T>(#type #Name, orv_arq_kernel_##type##Name##_ttab, low, high, static_cast<T>(special)); \
     add_scalar<T, libm>(#type #Name "/libm", low, high);
-
     FUNCTION(d, double, Exp, exp, -100, 100, 1000)
     SLEEF("dExp", Sleef_expd2_u10sse4, -100, 100)
     FUNCTION(d, double, Ln, log, 0.001, 1000, 0)

@@ -89,7 +89,9 @@ using LanesOf = typename simd::Lanes<typename Kernel::Element>::V;
 
 // The mask of lanes in doubt comes from a test of its own.
 template <class Kernel>
-concept Tested = requires(LanesOf<Kernel> x) { Kernel::doubt(x); };
+concept Tested = requires(LanesOf<Kernel> x) {
+    Kernel::doubt(x);
+};
 
 template <class Kernel>
 constexpr bool rejects_whole_blocks() {
@@ -127,7 +129,7 @@ inline auto sure_lanes(V x, typename Kernel::Frame& frame) {
 // there; the block is stored at the end. Nothing outside the arrays is touched.
 template <class Kernel, class In, class Out>
 [[gnu::noinline, gnu::cold]] void map_buffered(int32_t i, int32_t count, In a, Out y,
-                                             const typename Kernel::Frame& frame) {
+                                               const typename Kernel::Frame& frame) {
     using Element = typename Kernel::Element;
     using V = typename simd::Lanes<Element>::V;
     constexpr int width = simd::Lanes<Element>::width;
@@ -253,13 +255,13 @@ inline void map(int32_t n, In a, Out y) {
 
 // Defines orv_kernel_<row>_<accuracy> and orv_kernel_<row>I_<accuracy>. `accuracy` is the first that the kernel serves.
 // They are flattened: a call to lanes() in the loop would send every constant to and fro.
-#define ORV_ONE_INPUT(row, accuracy, Kernel)                                                                            \
-    extern "C" [[gnu::flatten]] void orv_kernel_##row##_##accuracy(int32_t n, const Kernel::Element* a,                 \
-                                                                   Kernel::Result* y) {                                 \
-        orv::frame::map<Kernel>(n, orv::frame::Dense<const Kernel::Element>{a}, orv::frame::Dense<Kernel::Result>{y});   \
-    }                                                                                                                   \
-    extern "C" [[gnu::flatten]] void orv_kernel_##row##I_##accuracy(int32_t n, const Kernel::Element* a, int32_t inca,  \
-                                                                    Kernel::Result* y, int32_t incy) {                  \
-        orv::frame::map<Kernel>(n, orv::frame::Strided<const Kernel::Element>{a, inca},                                  \
-                                orv::frame::Strided<Kernel::Result>{y, incy});                                          \
+#define ORV_ONE_INPUT(row, accuracy, Kernel)                                                                           \
+    extern "C"                                                                                                         \
+        [[gnu::flatten]] void orv_kernel_##row##_##accuracy(int32_t n, const Kernel::Element* a, Kernel::Result* y) {  \
+        orv::frame::map<Kernel>(n, orv::frame::Dense<const Kernel::Element>{a}, orv::frame::Dense<Kernel::Result>{y}); \
+    }                                                                                                                  \
+    extern "C" [[gnu::flatten]] void orv_kernel_##row##I_##accuracy(int32_t n, const Kernel::Element* a, int32_t inca, \
+                                                                    Kernel::Result* y, int32_t incy) {                 \
+        orv::frame::map<Kernel>(n, orv::frame::Strided<const Kernel::Element>{a, inca},                                \
+                                orv::frame::Strided<Kernel::Result>{y, incy});                                         \
     }

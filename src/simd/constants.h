@@ -45,7 +45,8 @@ struct Offsets2 {
     uint32_t at0, at1;
 };
 inline Offsets2 offsets_of(__m128i low_words) {
-    return {static_cast<uint32_t>(_mm_cvtsi128_si32(low_words)), static_cast<uint32_t>(_mm_extract_epi16(low_words, 4))};
+    return {static_cast<uint32_t>(_mm_cvtsi128_si32(low_words)),
+            static_cast<uint32_t>(_mm_extract_epi16(low_words, 4))};
 }
 // What stands `offset` bytes behind `start`.
 template <class T>
@@ -68,8 +69,10 @@ inline Offsets4 offsets_of_4(__m128i words) {
 // The first and the second members of four pairs.
 inline void gather_pairs(const float (*rows)[2], Offsets4 j, __m128& first, __m128& second) {
     const auto pair = [&](uint32_t i) { return reinterpret_cast<const __m64*>(rows[i]); };
-    const __m128 low = _mm_loadh_pi(_mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows[j.at0]))), pair(j.at1));
-    const __m128 high = _mm_loadh_pi(_mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows[j.at2]))), pair(j.at3));
+    const __m128 low =
+        _mm_loadh_pi(_mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows[j.at0]))), pair(j.at1));
+    const __m128 high =
+        _mm_loadh_pi(_mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows[j.at2]))), pair(j.at3));
     first = _mm_shuffle_ps(low, high, _MM_SHUFFLE(2, 0, 2, 0));
     second = _mm_shuffle_ps(low, high, _MM_SHUFFLE(3, 1, 3, 1));
 }

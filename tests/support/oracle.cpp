@@ -30,14 +30,10 @@ long double fast_exp10(long double x) {
 double quick_exp10(double x) { return static_cast<double>(fast_exp10(x)); }
 
 constexpr Function functions[] = {
-    {"Exp", EXACT(mpfr_exp), expl, exp},
-    {"Expm1", EXACT(mpfr_expm1), expm1l, expm1},
-    {"Exp2", EXACT(mpfr_exp2), exp2l, exp2},
-    {"Exp10", EXACT(mpfr_exp10), fast_exp10, quick_exp10},
-    {"Ln", EXACT(mpfr_log), logl, log},
-    {"Log10", EXACT(mpfr_log10), log10l, log10},
-    {"Log2", EXACT(mpfr_log2), log2l, log2},
-    {"Log1p", EXACT(mpfr_log1p), log1pl, log1p},
+    {"Exp", EXACT(mpfr_exp), expl, exp},      {"Expm1", EXACT(mpfr_expm1), expm1l, expm1},
+    {"Exp2", EXACT(mpfr_exp2), exp2l, exp2},  {"Exp10", EXACT(mpfr_exp10), fast_exp10, quick_exp10},
+    {"Ln", EXACT(mpfr_log), logl, log},       {"Log10", EXACT(mpfr_log10), log10l, log10},
+    {"Log2", EXACT(mpfr_log2), log2l, log2},  {"Log1p", EXACT(mpfr_log1p), log1pl, log1p},
     {"Logb", EXACT(exact_logb), logbl, logb},
 };
 

@@ -40,7 +40,8 @@ void exp2_significands(const Output& output, int rows) {
 // a multiple of 2^-43; the same again; minus the logarithm of the reciprocal so rounded, cut to 25 significant bits, so
 // that its sum with a multiple of the high part of log 2 and with that product is exact; and the rest of that logarithm.
 // From the middle on, where m is taken for twice its half, the logarithms are those of m/2.
-void log_513(const Output& output, const std::string& name, Real (*logarithm)(const Real&), const Real& factor, int bits) {
+void log_513(const Output& output, const std::string& name, Real (*logarithm)(const Real&), const Real& factor,
+             int bits) {
     Table table(output, name, "L/c, again, -log of it without L: high and low");
     for (int j = 0; j <= 512; ++j) {
         const Real reciprocal = to_bits(factor * Real(512) / Real(512 + j), bits);

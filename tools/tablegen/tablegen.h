@@ -37,11 +37,11 @@ struct Real {
     ~Real() { mpfr_clear(value); }
 };
 
-#define TABLEGEN_OPERATOR(symbol, function)                    \
+#define TABLEGEN_OPERATOR(symbol, function)                     \
     inline Real operator symbol(const Real& a, const Real& b) { \
-        Real result;                                           \
-        function(result.value, a.value, b.value, MPFR_RNDN);   \
-        return result;                                         \
+        Real result;                                            \
+        function(result.value, a.value, b.value, MPFR_RNDN);    \
+        return result;                                          \
     }
 TABLEGEN_OPERATOR(+, mpfr_add)
 TABLEGEN_OPERATOR(-, mpfr_sub)
@@ -110,8 +110,8 @@ struct Table {
     Table(const Table&) = delete;
     Table& operator=(const Table&) = delete;
 
-    void row(std::initializer_list<double> values);        // hex floats
-    void row_of_floats(std::initializer_list<float> values);  // hex floats with f
+    void row(std::initializer_list<double> values);             // hex floats
+    void row_of_floats(std::initializer_list<float> values);    // hex floats with f
     void row_of_words(std::initializer_list<uint64_t> values);  // hex integers
     // The value to nearest double, and what it leaves, to nearest double.
     static std::pair<double, double> split(const Real& x);

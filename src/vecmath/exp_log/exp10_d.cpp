@@ -28,9 +28,10 @@ constexpr vecmath::ExpBaseBlock<128> exp10_block{
     .c3 = 0x1.0470591ccea8bp+1,
     .c4 = 0x1.2bd767584db59p+0,
     .c5 = 0x1.144c03efafb54p-1,
-    .rows = {
+    .rows =
+        {
 #include "vecmath/tables/exp2_128.inc"
-    },
+        },
 };
 
 }  // namespace

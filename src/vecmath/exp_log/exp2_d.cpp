@@ -26,9 +26,10 @@ constexpr vecmath::ExpBaseBlock<64> exp2_block{
     .c3 = 0x1.c6b08d7076268p-5,
     .c4 = 0x1.3b2ad33f8b48bp-7,
     .c5 = 0x1.5d870c4d8440ap-10,
-    .rows = {
+    .rows =
+        {
 #include "vecmath/tables/exp2_64.inc"
-    },
+        },
 };
 
 }  // namespace

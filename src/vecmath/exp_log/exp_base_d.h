@@ -14,9 +14,10 @@ namespace orv::vecmath {
 template <int Rows>
 struct ExpBaseBlock {
     char name[8];
-    bool exact_reduction;            // x + shifter rounds x itself, and r = x - k / N is exact
-    double last_finite, first_zero, last_normal;  // where overflow, zero and subnormal results begin, the last two going down
-    uint32_t last_vector_high;       // the greatest high word of |x| that the vector path serves
+    bool exact_reduction;  // x + shifter rounds x itself, and r = x - k / N is exact
+    double last_finite, first_zero,
+        last_normal;            // where overflow, zero and subnormal results begin, the last two going down
+    uint32_t last_vector_high;  // the greatest high word of |x| that the vector path serves
     simd::Splat<double> scale, shifter;
     simd::Splat<double> unit_high, unit_low;  // log_b(2) / N in two parts
     simd::Splat<double> c1, c2, c3, c4, c5;

@@ -13,10 +13,10 @@ namespace orv::vecmath {
 
 struct ExpBaseSBlock {
     char name[8];
-    bool exact_reduction;      // x + shifter rounds x itself, and r = x - k / 128 is exact
+    bool exact_reduction;  // x + shifter rounds x itself, and r = x - k / 128 is exact
     float last_finite, first_zero, last_normal;
     double log2_base;
-    uint32_t last_vector;      // the greatest bits of |x| that the vector path serves
+    uint32_t last_vector;  // the greatest bits of |x| that the vector path serves
     simd::Splat<float> scale, shifter;
     simd::Splat<float> unit_high, unit_low;  // log_b(2) / 128 in two parts
     simd::Splat<float> c1, c2;

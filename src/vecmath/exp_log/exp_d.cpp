@@ -24,7 +24,7 @@ using simd::SplatBits;
 using vecmath::high_word;
 using vecmath::power_of_two_d;
 
-constexpr double last_finite = 0x1.62e42fefa39efp+9;      // 709.78, the last argument with a finite result
+constexpr double last_finite = 0x1.62e42fefa39efp+9;       // 709.78, the last argument with a finite result
 constexpr double last_above_zero = -0x1.74910d52d3051p+9;  // -745.13, the last with a result above zero
 constexpr double last_normal = -0x1.6232bdd7abcd2p+9;      // -708.396, the last with a normal result
 constexpr uint32_t last_vector_high = 0x4086232A;
@@ -43,18 +43,27 @@ struct Exp128 {
     Splat<double> scale;     // 128 / ln 2
     Splat<double> ln2_high;  // ln 2 / 128
     Splat<double> ln2_low;
-    Splat<double> c2, c3, c4;                 // of r^2, r^3, r^4
-    SplatBits<uint64_t> bias{0x1FF80};        // 1023 above the 7 index bits
+    Splat<double> c2, c3, c4;           // of r^2, r^3, r^4
+    SplatBits<uint64_t> bias{0x1FF80};  // 1023 above the 7 index bits
     SplatBits<uint64_t> exponent_mask{uint64_t{0x7FF} << 52};
     SplatBits<uint64_t> index_mask{0x7F};
     SplatBits<uint32_t> magnitude_mask{0x7FFFFFFF};
     SplatBits<uint32_t> limit{last_vector_high};
-    uint64_t rows[128] = {                    // fraction bits of 2^(j/128)
+    uint64_t rows[128] = {
+        // fraction bits of 2^(j/128)
 #include "vecmath/tables/exp2_bits_128.inc"
     };
 };
 
-constexpr Exp128 exp_la{"vdExp", false, 0x1.8p+52, 0x1.71547652b82fep+7, 0x1.62e42feep-8, 0x1.a39ef35793c76p-40, 0x1.ffffffffffebp-2, 0x1.55555b7bae976p-3, 0x1.55555c2a9c0fap-5};
+constexpr Exp128 exp_la{"vdExp",
+                        false,
+                        0x1.8p+52,
+                        0x1.71547652b82fep+7,
+                        0x1.62e42feep-8,
+                        0x1.a39ef35793c76p-40,
+                        0x1.ffffffffffebp-2,
+                        0x1.55555b7bae976p-3,
+                        0x1.55555c2a9c0fap-5};
 constexpr Exp128 exp_ep{"vdExp", true, 0x1.8p+52, 0x1.71547652b82fep+7, 0x1.62e42fefa39efp-8, 0.0, 0.5, 0.0, 0.0};
 
 template <const Exp128& K>
@@ -134,12 +143,13 @@ struct Exp64 {
     Splat<double> ln2_high;  // ln 2 / 64
     Splat<double> ln2_low;
     Splat<double> c2, c3, c4, c5;
-    Splat<double> overflow, underflow;        // the last arguments with a finite result and with one above zero
+    Splat<double> overflow, underflow;  // the last arguments with a finite result and with one above zero
     SplatBits<uint64_t> index_mask{0x3F};
     SplatBits<uint32_t> magnitude_mask{0x7FFFFFFF};
     SplatBits<uint32_t> limit{last_vector_high};
     double scalar_c2, scalar_c3, scalar_c4, scalar_c5, scalar_c6;
-    alignas(16) double rows[64][2] = {        // 2^(j/64) and what rounding took from it
+    alignas(16) double rows[64][2] = {
+        // 2^(j/64) and what rounding took from it
 #include "vecmath/tables/exp2_64.inc"
     };
 };

@@ -53,8 +53,8 @@ inline bool settled(float x, float* y, int32_t* status) {
 
 struct ExpPolynomial {
     char name[8];
-    Splat<float> ln2_high, ln2_low;    // zero where the polynomial is one of 2^f
-    Splat<float> c1, c2, c3, c4, c5;   // the leading coefficient is 1
+    Splat<float> ln2_high, ln2_low;   // zero where the polynomial is one of 2^f
+    Splat<float> c1, c2, c3, c4, c5;  // the leading coefficient is 1
     Splat<float> one{1.0f};
     Splat<float> shifter{0x1.8p+23f};
     Splat<float> scale{0x1.715476p+0f};  // 1 / ln 2
@@ -95,8 +95,9 @@ struct Exp : frame::OneInput<float, 16, frame::Tail::masked> {
         const float shifted = x * exp_la.scale + exp_la.shifter;
         const float k = shifted - exp_la.shifter;
         const float r = (x - k * exp_la.ln2_high) - k * exp_la.ln2_low;
-        const float p =
-            0x1.000002p+0f + r * (0x1.000002p+0f + r * (0x1.fffd0ap-2f + r * (0x1.55538cp-3f + r * (0x1.57636cp-5f + r * 0x1.12a1dep-7f))));
+        const float p = 0x1.000002p+0f +
+                        r * (0x1.000002p+0f +
+                             r * (0x1.fffd0ap-2f + r * (0x1.55538cp-3f + r * (0x1.57636cp-5f + r * 0x1.12a1dep-7f))));
         const int n = static_cast<int>(k);
         if (x < last_normal) {
             *y = p * power_of_two_s(n + 60) * 0x1p-60f;
@@ -112,12 +113,13 @@ struct Exp : frame::OneInput<float, 16, frame::Tail::masked> {
 struct ExpPairs {
     char name[8] = "vsExp";
     Splat<float> shifter{0x1.6p+23f};
-    Splat<float> scale{0x1.715476p+7f};               // 128 / ln 2
+    Splat<float> scale{0x1.715476p+7f};                            // 128 / ln 2
     Splat<float> ln2_high{0x1.63p-8f}, ln2_low{-0x1.bd0106p-20f};  // ln 2 / 128
     Splat<float> half{0.5f};
     SplatBits<uint32_t> index_mask{0x7F}, bias{0x7F};
     MagnitudeTest test{};
-    alignas(16) float rows[128][2] = {  // 2^(j/128), and the relative rest of it
+    alignas(16) float rows[128][2] = {
+        // 2^(j/128), and the relative rest of it
 #include "vecmath/tables/exp2_float_128.inc"
     };
 };

@@ -23,7 +23,8 @@ struct Expm1Words {
     simd::Splat<double> ln2{0x1.62e42fefa39efp-8};  // ln 2 / 128
     simd::Splat<double> c2{0x1.ffffffffffe5cp-2}, c3{0x1.555555555541dp-3};
     simd::SplatBits<uint64_t> offset_mask{0x3F8};
-    uint64_t rows[128] = {  // fraction bits of 2^(j/128)
+    uint64_t rows[128] = {
+        // fraction bits of 2^(j/128)
 #include "vecmath/tables/exp2_bits_128.inc"
     };
 };

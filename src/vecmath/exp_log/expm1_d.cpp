@@ -31,9 +31,11 @@ struct Expm1Pairs {
     bool r_in_two_parts;
     Splat<double> shifter{0x1.80000001ff8p+48};
     Splat<double> ln2_high{0x1.62e42fef8p-8}, ln2_low{0x1.1cf79abc9e3b4p-43};  // ln 2 / 128
-    Splat<double> c2{0x1.ffffffffffe5cp-2}, c3{0x1.555555555541dp-3}, c4{0x1.55555c2a9c0f3p-5}, c5{0x1.1111168877f38p-7};
+    Splat<double> c2{0x1.ffffffffffe5cp-2}, c3{0x1.555555555541dp-3}, c4{0x1.55555c2a9c0f3p-5},
+        c5{0x1.1111168877f38p-7};
     SplatBits<uint64_t> offset_mask{0x7F0};
-    alignas(16) double rows[128][2] = {  // 2^(j/128) and what rounding took from it
+    alignas(16) double rows[128][2] = {
+        // 2^(j/128) and what rounding took from it
 #include "vecmath/tables/exp2_128.inc"
     };
 };

@@ -27,9 +27,10 @@ constexpr vecmath::Log513Block ln_ha{
     .q3 = -0x1.00000d588d052p-2,
     .q4 = 0x1.9999b39037e04p-3,
     .log_of_2_52 = ln_of_2_52,
-    .rows = {
+    .rows =
+        {
 #include "vecmath/tables/ln_513.inc"
-    },
+        },
 };
 
 struct LnHa : vecmath::LogD<ln_ha> {
@@ -46,9 +47,10 @@ constexpr vecmath::LogCentresBlock<vecmath::centres_257> ln_ep{
     .c4 = 0.0,
     .c5 = 0.0,
     .log_of_2_52 = ln_of_2_52,
-    .rows = {
+    .rows =
+        {
 #include "vecmath/tables/ln_257.inc"
-    },
+        },
 };
 
 }  // namespace

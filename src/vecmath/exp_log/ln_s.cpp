@@ -51,8 +51,7 @@ struct LnHa : vecmath::LogS<LnHa> {
     static __m128 log(__m128 x, __m128i k_shift) {
         __m128 k, r;
         const __m128i m = K.reduction.reduce(x, k_shift, k, r);
-        const __m128 p =
-            K.c3 + r * (K.c4 + r * (K.c5 + r * (K.c6 + r * (K.c7 + r * (K.c8 + r * (K.c9 + r * K.c10))))));
+        const __m128 p = K.c3 + r * (K.c4 + r * (K.c5 + r * (K.c6 + r * (K.c7 + r * (K.c8 + r * (K.c9 + r * K.c10))))));
         const __m128i m_high = _mm_and_si128(m, K.upper);
         const __m128 r_high = floats(m_high) - K.reduction.one;
         const __m128 leading = r - r_high * (r_high * K.half);

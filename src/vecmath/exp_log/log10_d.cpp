@@ -24,9 +24,10 @@ constexpr vecmath::Log513Block log10_ha{
     .q3 = -0x1.8930aac7d7c5p+1,
     .q4 = 0x1.6aba0f9751ec1p+2,
     .log_of_2_52 = log10_of_2_52,
-    .rows = {
+    .rows =
+        {
 #include "vecmath/tables/log10_513.inc"
-    },
+        },
 };
 
 constexpr vecmath::LogCentresBlock<vecmath::centres_257> log10_la{
@@ -39,9 +40,10 @@ constexpr vecmath::LogCentresBlock<vecmath::centres_257> log10_la{
     .c4 = -0x1.bcb80df8c56d7p-4,
     .c5 = 0x1.63c6841b96ed4p-4,
     .log_of_2_52 = log10_of_2_52,
-    .rows = {
+    .rows =
+        {
 #include "vecmath/tables/log10_257.inc"
-    },
+        },
 };
 
 }  // namespace

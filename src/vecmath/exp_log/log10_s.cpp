@@ -35,9 +35,7 @@ struct Log10La : vecmath::LogS<Log10La> {
     static __m128 log(__m128 x, __m128i k_shift) {
         __m128 k, r;
         K.reduction.reduce(x, k_shift, k, r);
-        const __m128 p =
-            K.c2 +
-            r * (K.c3 + r * (K.c4 + r * (K.c5 + r * (K.c6 + r * (K.c7 + r * (K.c8 + r * K.c9))))));
+        const __m128 p = K.c2 + r * (K.c3 + r * (K.c4 + r * (K.c5 + r * (K.c6 + r * (K.c7 + r * (K.c8 + r * K.c9))))));
         return k * K.log2_high + (r * (K.c1 + r * p) + k * K.log2_low);
     }
 };
@@ -68,10 +66,11 @@ struct Log10HaBlock {
     Splat<float> q0{0x1.a7a6ccp-10f}, q1{-0x1.27afc8p+0f}, q2{0x1.c6a206p+0f};
     SplatBits<uint32_t> fraction{0x007FFFFF}, exponent_0{0x3F800000}, upper{0xFFFFFF00};
     SplatBits<uint32_t> half_row{0x4000}, row_offset{0x1FF0};  // m + 2^-9 to 8 bits, at 16 bytes a row
-    SplatBits<uint32_t> to_exponent{0x00404000};  // raises the exponent from row 128 on
+    SplatBits<uint32_t> to_exponent{0x00404000};               // raises the exponent from row 128 on
     SplatBits<uint32_t> bias{127};
     vecmath::LogReduction reduction{};
-    alignas(16) float rows[257][4] = {  // rcp, -log10(rcp / L) (or its half's) high and low, zero
+    alignas(16) float rows[257][4] = {
+        // rcp, -log10(rcp / L) (or its half's) high and low, zero
 #include "vecmath/tables/log10_float_257.inc"
     };
 };
@@ -86,8 +85,8 @@ struct Log10Ha : vecmath::LogS<Log10Ha> {
         const __m128i m = _mm_or_si128(_mm_and_si128(bits, K.fraction), K.exponent_0);
         const __m128i to_row = _mm_add_epi32(_mm_and_si128(bits, K.fraction), K.half_row);
         __m128 rcp, log_high, log_low;
-        simd::gather_triples(K.rows[0], simd::offsets_of_4(_mm_and_si128(_mm_srli_epi32(to_row, 11), K.row_offset)), rcp,
-                             log_high, log_low);
+        simd::gather_triples(K.rows[0], simd::offsets_of_4(_mm_and_si128(_mm_srli_epi32(to_row, 11), K.row_offset)),
+                             rcp, log_high, log_low);
         const __m128i exponent = _mm_srli_epi32(_mm_add_epi32(bits, K.to_exponent), 23);
         const __m128 k = _mm_cvtepi32_ps(_mm_add_epi32(_mm_sub_epi32(exponent, K.bias), k_shift));
 

@@ -38,9 +38,10 @@ inline constexpr LogCentresBlock<centres_513> log1p_ep{
     .c4 = 0.0,
     .c5 = 0.0,
     .log_of_2_52 = 0.0,
-    .rows = {
+    .rows =
+        {
 #include "vecmath/tables/ln_centres.inc"
-    },
+        },
 };
 
 }  // namespace orv::vecmath

@@ -25,9 +25,10 @@ constexpr vecmath::Log513Block log1p_ha{
     .q3 = -0x1.00000d588d052p-2,
     .q4 = 0x1.9999b39037e04p-3,
     .log_of_2_52 = 0.0,
-    .rows = {
+    .rows =
+        {
 #include "vecmath/tables/ln_513.inc"
-    },
+        },
 };
 
 template <const auto& K>
@@ -35,7 +36,8 @@ struct Log1p : frame::OneInput<double, 4, frame::Tail::by_element> {
     static constexpr const char* name = K.name;
 
     static __m128d doubt(__m128d x) {
-        return simd::bit_or(_mm_cmpngt_pd(x, vecmath::log1p_limits.minus_one), _mm_cmpnlt_pd(x, vecmath::log1p_limits.infinity));
+        return simd::bit_or(_mm_cmpngt_pd(x, vecmath::log1p_limits.minus_one),
+                            _mm_cmpnlt_pd(x, vecmath::log1p_limits.infinity));
     }
 
     static __m128d lanes(__m128d x) { return vecmath::log1p_lanes<K>(x); }

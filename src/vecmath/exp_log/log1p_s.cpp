@@ -80,7 +80,8 @@ struct Log1pLa : Log1pSingle {
         const __m128 r = reduced.r;
         const __m128 p =
             K.la2 +
-            r * (K.la3 + r * (K.la4 + r * (K.la5 + r * (K.la6 + r * (K.la7 + r * (K.la8 + r * (K.la9 + r * K.la10)))))));
+            r * (K.la3 +
+                 r * (K.la4 + r * (K.la5 + r * (K.la6 + r * (K.la7 + r * (K.la8 + r * (K.la9 + r * K.la10)))))));
         const __m128 k_high = reduced.k * K.ln2_high;
         const __m128 sum = k_high + r;
         const __m128 lost = (k_high - sum) + r;

@@ -15,9 +15,10 @@ inline constexpr LogCentresBlock<centres_513> log2_ep{
     .c4 = 0.0,
     .c5 = 0.0,
     .log_of_2_52 = 52,
-    .rows = {
+    .rows =
+        {
 #include "vecmath/tables/log2_centres.inc"
-    },
+        },
 };
 
 }  // namespace orv::vecmath

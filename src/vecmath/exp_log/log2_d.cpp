@@ -24,9 +24,10 @@ constexpr vecmath::Log513Block log2_ha{
     .q3 = -0x1.528dcb9fa72e1p-4,
     .q4 = 0x1.76c9d289ed1dp-5,
     .log_of_2_52 = 52,
-    .rows = {
+    .rows =
+        {
 #include "vecmath/tables/log2_513.inc"
-    },
+        },
 };
 
 constexpr vecmath::LogCentresBlock<vecmath::centres_513> log2_la{
@@ -39,9 +40,10 @@ constexpr vecmath::LogCentresBlock<vecmath::centres_513> log2_la{
     .c4 = -0x1.715494c3e7c9bp-2,
     .c5 = 0x1.2776e996da1d2p-2,
     .log_of_2_52 = 52,
-    .rows = {
+    .rows =
+        {
 #include "vecmath/tables/log2_centres.inc"
-    },
+        },
 };
 
 }  // namespace

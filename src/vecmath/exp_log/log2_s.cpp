@@ -28,9 +28,7 @@ struct Log2La : vecmath::LogS<Log2La> {
     static __m128 log(__m128 x, __m128i k_shift) {
         __m128 k, r;
         K.reduction.reduce(x, k_shift, k, r);
-        const __m128 p =
-            K.c2 +
-            r * (K.c3 + r * (K.c4 + r * (K.c5 + r * (K.c6 + r * (K.c7 + r * (K.c8 + r * K.c9))))));
+        const __m128 p = K.c2 + r * (K.c3 + r * (K.c4 + r * (K.c5 + r * (K.c6 + r * (K.c7 + r * (K.c8 + r * K.c9))))));
         return k + r * (K.c1 + r * p);
     }
 };

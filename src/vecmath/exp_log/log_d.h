@@ -60,7 +60,7 @@ struct Log513Block {
     simd::Splat<double> leading;             // L
     simd::Splat<double> q0, q1, q2, q3, q4;  // of q, from the constant term
     double log_of_2_52;
-    alignas(16) double rows[513][4];                     // rcp, rcp again, -log_b(rcp / L) (or its half's), high and low
+    alignas(16) double rows[513][4];  // rcp, rcp again, -log_b(rcp / L) (or its half's), high and low
     NormalTest normal{};
     // The leading 10 bits of the fraction, rounded to 9: the row, at 32 bytes a row once it is shifted.
     simd::SplatBits<uint64_t> leading_bits{in_high_word(0xFFC00)}, half_row{in_high_word(0x400)};
