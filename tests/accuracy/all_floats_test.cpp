@@ -37,7 +37,7 @@ TEST_P(AllFloats, StayWithinTheBounds) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Functions, AllFloats, testing::ValuesIn(functions()),
+INSTANTIATE_TEST_SUITE_P(Exhaustive, AllFloats, testing::ValuesIn(functions()),
                          [](const auto& instance) { return std::string(instance.param); });
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <ostream>
 
 namespace orv::accuracy {
 
@@ -85,6 +86,8 @@ std::vector<Worst> measure_all_floats(const std::vector<Kernel>& of_function) {
     for (Worst& w : worst) w.count = int64_t{1} << 32;
     return worst;
 }
+
+void PrintTo(const Kernel& kernel, std::ostream* out) { *out << kernel.type << kernel.function << " " << kernel.slots; }
 
 const std::vector<Kernel>& kernels() {
     static const std::vector<Kernel> list = [] {

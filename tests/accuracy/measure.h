@@ -6,6 +6,7 @@
 #include <orv/vecmath.h>
 
 #include <cstdint>
+#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,9 @@ struct Kernel {
     orv_arq_kernel dense, strided;
     const oracle::Function* oracle;
 };
+// How a kernel shows in the name of a test.
+void PrintTo(const Kernel& kernel, std::ostream* out);
+
 const std::vector<Kernel>& kernels();
 
 // What bounds.inc says of a kernel; null if it says nothing.

@@ -119,7 +119,7 @@ struct ExpPairs {
     SplatBits<uint32_t> index_mask{0x7F}, bias{0x7F};
     MagnitudeTest test{};
     alignas(16) float rows[128][2] = {
-        // 2^(j/128), and the relative rest of it
+    // 2^(j/128), and the relative rest of it
 #include "vecmath/tables/exp2_float_128.inc"
     };
 };

@@ -35,7 +35,7 @@ struct Expm1Pairs {
         c5{0x1.1111168877f38p-7};
     SplatBits<uint64_t> offset_mask{0x7F0};
     alignas(16) double rows[128][2] = {
-        // 2^(j/128) and what rounding took from it
+    // 2^(j/128) and what rounding took from it
 #include "vecmath/tables/exp2_128.inc"
     };
 };
@@ -47,7 +47,7 @@ int32_t scalar_expm1(const double* at, double* y) {
     const Expm1Pairs& K = expm1_ha;
     const double x = *at;
     if (!(x - x == 0)) {
-        *y = x * 1.0;
+        *y = vecmath::quieted(x);
         return frame::status_ok;
     }
     if (x > last_finite) {

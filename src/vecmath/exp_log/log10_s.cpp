@@ -70,7 +70,7 @@ struct Log10HaBlock {
     SplatBits<uint32_t> bias{127};
     vecmath::LogReduction reduction{};
     alignas(16) float rows[257][4] = {
-        // rcp, -log10(rcp / L) (or its half's) high and low, zero
+    // rcp, -log10(rcp / L) (or its half's) high and low, zero
 #include "vecmath/tables/log10_float_257.inc"
     };
 };

@@ -36,7 +36,7 @@ int32_t scalar_log1p(const float* at, float* y) {
     if (x < std::numeric_limits<float>::infinity())
         simd::store_one(y, log1p_ha_lanes(simd::splat(x)));
     else
-        *y = x * 1.0f;
+        *y = vecmath::quieted(x);
     return frame::status_ok;
 }
 

@@ -16,6 +16,13 @@ inline T at_run_time(T x) {
     return x;
 }
 
+// A NaN made quiet, with invalid raised for a signalling one; any other value as it is. The compiler would take a product
+// with a one that it knows for the other factor.
+template <class T>
+inline T quieted(T x) {
+    return x * at_run_time(T{1});
+}
+
 template <class T>
 inline T overflow() {
     const T huge = at_run_time(std::numeric_limits<T>::max());
