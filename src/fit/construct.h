@@ -117,8 +117,7 @@ void cell_widths(const Partition<T>& p, int32_t from, int32_t to, T* h, T* inver
 
 // Inverse widths and divided differences of cells `from` to `to` - 1 in one pass, for a single function.
 template <bool uniform, class T, bool interleaved>
-void widths_and_slopes(const Partition<T>& p, Values<T, interleaved> y, int32_t from, int32_t to, T* inverse,
-                       T* s) {
+void widths_and_slopes(const Partition<T>& p, Values<T, interleaved> y, int32_t from, int32_t to, T* inverse, T* s) {
     constexpr int32_t width = Lanes<T>::width;
     const auto one = splat(T{1});
     int32_t i = from;
