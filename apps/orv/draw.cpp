@@ -25,7 +25,7 @@ struct Request {
     std::string skip;
     std::string leapfrog;
     std::string save, load;
-    std::string output, picture;
+    std::string output, plot;
     bool histogram = false;
     size_t bins = 20;
     // Of uniform:
@@ -69,7 +69,7 @@ struct Receiver {
 
 Receiver make_receiver(const Request& request, double from, double to) {
     Receiver receiver = {request, std::nullopt, "", false, false};
-    if (request.histogram || !request.picture.empty()) receiver.histogram = make_histogram(from, to, request.bins);
+    if (request.histogram || !request.plot.empty()) receiver.histogram = make_histogram(from, to, request.bins);
     receiver.to_file = !request.output.empty() && request.output != "-";
     receiver.as_lines = !receiver.histogram || !request.output.empty();
     return receiver;
@@ -99,22 +99,23 @@ void finish(Receiver& receiver, const std::string& title) {
     const Request& request = receiver.request;
     if (receiver.to_file) write_output(request.output, receiver.text);
     if (request.histogram) write_output("", as_text(*receiver.histogram));
-    if (!request.picture.empty()) draw_picture(*receiver.histogram, title, request.picture);
+    if (!request.plot.empty()) draw_plot(*receiver.histogram, title, request.plot);
 }
 
 // fill(numbers, n) -> status, block by block.
 template <class Number, class Fill>
 void draw_all(Receiver& receiver, Fill fill) {
     std::vector<Number> numbers(static_cast<size_t>(block));
-    Progress progress;
     const int64_t n = receiver.request.n;
+    Progress progress = start_progress(n);
     for (int64_t done = 0; done < n;) {
         const int64_t count = std::min(block, n - done);
         require(fill(numbers.data(), static_cast<int32_t>(count)), "draw");
         receive(receiver, numbers.data(), count);
         done += count;
-        show_progress(progress, done, n);
+        tell_progress(progress, done, std::to_string(done) + " of " + std::to_string(n) + " numbers");
     }
+    end_progress(progress);
 }
 
 void draw_uniform(Stream* stream, const Request& request) {
@@ -178,7 +179,7 @@ void add_common(CLI::App& draw, Request& request) {
         ->capture_default_str();
     draw.add_flag("--histogram", request.histogram,
                   "print a histogram; the numbers too only if --output says where to");
-    draw.add_option("--picture", request.picture, "draw the histogram to this SVG file, with gnuplot");
+    draw.add_option("--plot", request.plot, "draw the histogram to this SVG file, with gnuplot");
     draw.add_option("--bins", request.bins, "of the histogram")->check(CLI::Range(1, 10000))->capture_default_str();
     draw.add_option("--output", request.output, "the file to write; standard output if not given");
 }

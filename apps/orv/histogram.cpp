@@ -2,18 +2,11 @@
 
 #include "failure.h"
 #include "numbers.h"
+#include "plot.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <filesystem>
-
-#ifdef _WIN32
-#define popen _popen
-#define pclose _pclose
-#else
-#include <csignal>
-#endif
 
 namespace orv::command {
 
@@ -22,13 +15,6 @@ namespace {
 double edge(const Histogram& histogram, size_t bin) {
     const double share = static_cast<double>(bin) / static_cast<double>(histogram.counts.size());
     return histogram.from + (histogram.to - histogram.from) * share;
-}
-
-// gnuplot reads a text between single quotes as it stands, two of them for one.
-std::string quoted(const std::string& text) {
-    std::string result = "'";
-    for (const char letter : text) result += letter == '\'' ? std::string("''") : std::string(1, letter);
-    return result + "'";
 }
 
 }  // namespace
@@ -59,31 +45,15 @@ std::string as_text(const Histogram& histogram) {
     return text;
 }
 
-void draw_picture(const Histogram& histogram, const std::string& title, const std::string& file) {
-    if (file.find_first_of("\r\n") != std::string::npos) fail("a line end in the picture's name");
-    std::string script = "set terminal svg size 800,500 background rgb 'white'\nset output " + quoted(file) +
-                         "\nset title " + quoted(title) +
-                         " noenhanced\nset style fill solid 0.6\nset ylabel 'count'\nset yrange [0:*]\nunset key\n";
+void draw_plot(const Histogram& histogram, const std::string& title, const std::string& file) {
+    std::string script = "set title " + plot_quoted(title) +
+                         "\nset style fill solid 0.6\nset ylabel 'count'\nset yrange [0:*]\nunset key\n";
     script += "plot '-' using 1:2 with boxes\n";
     for (size_t bin = 0; bin < histogram.counts.size(); ++bin) {
         append_number(script, (edge(histogram, bin) + edge(histogram, bin + 1)) / 2);
         script += " " + std::to_string(histogram.counts[bin]) + "\n";
     }
-    script += "e\n";
-    // What stood there before is no sign that gnuplot is.
-    std::error_code ignored;
-    std::filesystem::remove(file, ignored);
-#ifndef _WIN32
-    // A gnuplot that is not there closes the pipe; that is an error to tell, not an end.
-    std::signal(SIGPIPE, SIG_IGN);
-#endif
-    std::fflush(nullptr);
-    FILE* const gnuplot = popen("gnuplot", "w");
-    if (!gnuplot) fail(file + ": gnuplot cannot be started");
-    const bool written = std::fwrite(script.data(), 1, script.size(), gnuplot) == script.size();
-    const int ended = pclose(gnuplot);
-    if (!written || ended != 0 || !std::filesystem::exists(file, ignored))
-        fail(file + ": gnuplot did not draw it (is it installed?)");
+    write_plot(file, 800, 500, script + "e\n");
 }
 
 }  // namespace orv::command

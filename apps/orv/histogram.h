@@ -20,6 +20,6 @@ void count(Histogram& histogram, double value);
 std::string as_text(const Histogram& histogram);
 
 // Writes an SVG picture with gnuplot, which must be installed. Ends the command where that fails.
-void draw_picture(const Histogram& histogram, const std::string& title, const std::string& file);
+void draw_plot(const Histogram& histogram, const std::string& title, const std::string& file);
 
 }  // namespace orv::command

@@ -14,6 +14,7 @@ int run(int argc, char** argv) {
     orv::command::add_info(app, status);
     orv::command::add_math(app, status);
     orv::command::add_draw(app, status);
+    orv::command::add_stats(app, status);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& help) {

@@ -29,8 +29,13 @@ Parsed parse_number(std::string_view text, T& value) {
 
 template <class T>
 void append_number(std::string& text, T value) {
+    // The fewest digits that give the number back; without an exponent where a person would write none.
     char digits[64];
-    text.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+    const T magnitude = std::fabs(value);
+    const bool plain = magnitude == 0 || (magnitude >= T(1e-5) && magnitude < T(1e15));
+    const auto end = plain ? std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed)
+                           : std::to_chars(digits, digits + sizeof digits, value);
+    text.append(digits, end.ptr);
 }
 
 template Parsed parse_number(std::string_view, float&);

@@ -1,17 +1,49 @@
 #include "progress.h"
 
 #include <cstdio>
+#ifdef _WIN32
+#include <io.h>
+#else
+#include <unistd.h>
+#endif
 
 namespace orv::command {
 
-void show_progress(Progress& progress, int64_t done, int64_t total) {
-    const bool last = done == total;
-    if (last ? !progress.shown : Progress::Clock::now() < progress.next) return;
-    std::fprintf(stderr, "\rorv: %3d %% of %lld%s", static_cast<int>(100.0 * static_cast<double>(done) / total),
-                 static_cast<long long>(total), last ? "\n" : "");
+namespace {
+
+bool errors_go_to_a_terminal() {
+#ifdef _WIN32
+    return _isatty(2) != 0;
+#else
+    return isatty(2) != 0;
+#endif
+}
+
+double seconds(std::chrono::steady_clock::duration span) { return std::chrono::duration<double>(span).count(); }
+
+}  // namespace
+
+Progress start_progress(int64_t total) {
+    const auto now = std::chrono::steady_clock::now();
+    return {total, errors_go_to_a_terminal(), 0, now, now};
+}
+
+void tell_progress(Progress& progress, int64_t done, const std::string& what) {
+    const auto now = std::chrono::steady_clock::now();
+    // Nobody waits for what takes under a second; a log wants fewer lines than an eye.
+    if (seconds(now - progress.start) < 1) return;
+    if (progress.told != 0 && seconds(now - progress.last) < (progress.terminal ? 0.2 : 5)) return;
+    progress.last = now;
+    ++progress.told;
+    std::fprintf(stderr, "%sorv: %s", progress.terminal ? "\r" : "", what.c_str());
+    if (progress.total > 0)
+        std::fprintf(stderr, ", %.0f %%", 100 * static_cast<double>(done) / static_cast<double>(progress.total));
+    std::fputs(progress.terminal ? "   " : "\n", stderr);
     std::fflush(stderr);
-    progress.shown = true;
-    progress.next = Progress::Clock::now() + std::chrono::milliseconds(500);
+}
+
+void end_progress(Progress& progress) {
+    if (progress.terminal && progress.told != 0) std::fputc('\n', stderr);
 }
 
 }  // namespace orv::command

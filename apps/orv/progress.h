@@ -1,18 +1,23 @@
-// A line on standard error that tells how far a long piece of work is.
+// How far a long run has come, on standard error.
 #pragma once
 
 #include <chrono>
 #include <cstdint>
+#include <string>
 
 namespace orv::command {
 
 struct Progress {
-    using Clock = std::chrono::steady_clock;
-    Clock::time_point next = Clock::now() + std::chrono::seconds(1);
-    bool shown = false;
+    int64_t total;     // of what `done` counts; 0 when not known
+    bool terminal;     // one line that is written over, else a line now and then
+    int32_t told = 0;  // lines so far
+    std::chrono::steady_clock::time_point start, last;
 };
 
-// Called now and then. Nothing is shown in the first second, and then two lines a second at most, each over the last.
-void show_progress(Progress& progress, int64_t done, int64_t total);
+Progress start_progress(int64_t total);
+
+// Called now and then. Nothing is told in the first second. `what` says in words what has been done.
+void tell_progress(Progress& progress, int64_t done, const std::string& what);
+void end_progress(Progress& progress);
 
 }  // namespace orv::command

@@ -188,4 +188,25 @@ TEST(Published, Mrg32k3aSum) {
     EXPECT_NEAR(sum, 5001090.95, 0.005);
 }
 
+// The multiplier is a primitive root: a period visits every value from 1 to 2^31 - 2 once and comes back.
+TEST(ExhaustiveCongruential, Mcg31m1VisitsEveryValue) {
+    constexpr uint64_t period = 2147483646;
+    constexpr int32_t piece = 1 << 16;
+    OwnedStream stream(BrngMCG31M1, {1});
+    std::vector<uint32_t> words(piece);
+    uint64_t sum = 0, squares = 0;  // the squares modulo 2^64
+    for (uint64_t left = period; left > 0;) {
+        const int32_t n = left < piece ? static_cast<int32_t>(left) : piece;
+        __kuziBRngMCG31M1(stream, n, words.data());
+        for (int32_t i = 0; i < n; ++i) {
+            sum += words[static_cast<size_t>(i)];
+            squares += uint64_t{words[static_cast<size_t>(i)]} * words[static_cast<size_t>(i)];
+        }
+        left -= static_cast<uint64_t>(n);
+    }
+    EXPECT_EQ(sum, period * (period + 1) / 2);
+    EXPECT_EQ(squares, period / 6 * (period + 1) * (2 * period + 1)) << "the period is a multiple of 6";
+    EXPECT_EQ(draw(stream, 1)[0], 1u);
+}
+
 }  // namespace

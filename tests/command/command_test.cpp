@@ -1,7 +1,5 @@
-// The command as its user meets it: arguments and input in; output, messages and exit status out.
-#include "command/command_line.h"
-
-using namespace command_line;
+// The command line, `orv math` and `orv info`.
+#include "command/command.h"
 
 namespace {
 

@@ -1,9 +1,7 @@
 // `orv draw`: the numbers are the library's own, whole draws may be cut by saving and loading, and bad requests are told.
-#include "command/command_line.h"
+#include "command/command.h"
 
 #include <algorithm>
-
-using namespace command_line;
 
 namespace {
 

@@ -1,7 +1,5 @@
 // `orv fit`: values that can be checked by hand, and what it refuses.
-#include "command/command_line.h"
-
-using namespace command_line;
+#include "command/command.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-// Runs the command in a directory of the test's own.
+// Runs the command as its user would: arguments and input in; output, messages and exit status out.
 #pragma once
 
 #include <cstdlib>
@@ -11,8 +11,6 @@
 #ifndef _WIN32
 #include <sys/wait.h>
 #endif
-
-namespace command_line {
 
 struct Outcome {
     int status;
@@ -57,5 +55,3 @@ inline Outcome orv(const std::string& arguments, std::string_view input = "") {
 #endif
     return {status, get("out"), get("err")};
 }
-
-}  // namespace command_line

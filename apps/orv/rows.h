@@ -1,0 +1,27 @@
+// The rows of a CSV file one after another, in memory that does not grow with the file.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace orv::command {
+
+struct Row {
+    std::span<const std::string_view> fields;  // valid during the call
+    int64_t line;                              // that the row ends on, counted from 1
+    int64_t bytes;                             // read so far
+};
+
+// "<stdin>" for "-", which stands for standard input.
+std::string source_name(const std::string& file);
+
+// Calls `take` for each row. A file that cannot be read, broken quoting and rows of different widths end the command.
+void read_rows(const std::string& file, const std::function<void(const Row&)>& take);
+
+// The first row of a file names the columns if no field of it is a number.
+bool is_header(std::span<const std::string_view> fields);
+
+}  // namespace orv::command

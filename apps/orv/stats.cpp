@@ -1,0 +1,282 @@
+// `orv stats`: moments and matrices of the columns of a CSV file, which is read once, block by block.
+#include "commands.h"
+#include "failure.h"
+#include "numbers.h"
+#include "output.h"
+#include "plot.h"
+#include "progress.h"
+#include "rows.h"
+#include "table.h"
+
+#include <cmath>
+#include <filesystem>
+#include <limits>
+#include <memory>
+#include <orv/statistics.h>
+
+namespace orv::command {
+
+namespace {
+
+struct Request {
+    std::string file = "-";
+    std::vector<std::string> columns;
+    std::string weights;
+    int32_t threads = 0;
+    bool csv = false;
+    std::string output, plot;
+};
+
+constexpr size_t block_values = 1 << 18;  // 2 MB of numbers between two calls
+
+constexpr uint64_t estimates = ORV_SS_SKEWNESS | ORV_SS_KURTOSIS | ORV_SS_CENTRAL_MOMENT3 | ORV_SS_COV | ORV_SS_COR;
+
+// The thread services with a limit of the user's.
+int32_t asked_threads = 0;
+int32_t thread_limit() {
+    const int32_t most = orv_serv_services()->thread_limit();
+    return asked_threads > 0 && asked_threads < most ? asked_threads : most;
+}
+
+const orv_services* services() {
+    static const orv_services table = {orv_serv_services()->parallel_for, nullptr, orv_serv_services()->fan_out,
+                                       nullptr, thread_limit};
+    return &table;
+}
+
+void check(int32_t status) {
+    if (status == SSStatusAllocation) fail("no memory");
+    if (status != SSStatusOk) fail("the statistics kernel returned status " + std::to_string(status));
+}
+
+struct DeleteTask {
+    void operator()(SSTask* task) const { __kuzSSDeleteTask(&task); }
+};
+
+// The data set so far: a block that fills up, and what the calls for the blocks before have left.
+struct Accumulation {
+    std::vector<std::string> names;
+    std::vector<size_t> columns;
+    size_t weight_column = SIZE_MAX;
+    int32_t p = 0, n = 0, form = StorageColumns, full = SSMatrixFull;
+    int64_t rows = 0;
+    std::vector<double> x, w, minimum, maximum, cov, cor;
+    std::vector<double> moments[9];  // mean to skewness, in the order of their ids
+    double weights[2] = {0, 0};
+    std::unique_ptr<SSTask, DeleteTask> task;
+
+    const std::vector<double>& moment(int id) const { return moments[id - SSIdMean]; }
+};
+
+void choose_columns_of(Accumulation& data, const Request& request, const Table& head) {
+    if (!request.weights.empty()) data.weight_column = find_column(head, request.weights);
+    for (const std::string& name : request.columns) data.columns.push_back(find_column(head, name));
+    if (request.columns.empty())
+        for (size_t column = 0; column < head.width; ++column)
+            if (column != data.weight_column) data.columns.push_back(column);
+    if (data.columns.empty()) fail_at(head.source, 1, "no column left beside the weights");
+    for (const size_t column : data.columns)
+        data.names.push_back(head.names.empty() ? std::to_string(column + 1) : head.names[column]);
+}
+
+void start(Accumulation& data) {
+    const size_t p = data.columns.size();
+    data.p = static_cast<int32_t>(p);
+    data.x.reserve(block_values + p);
+    data.minimum.assign(p, std::numeric_limits<double>::infinity());
+    data.maximum.assign(p, -std::numeric_limits<double>::infinity());
+    data.cov.resize(p * p);
+    data.cor.resize(p * p);
+    SSTask* task = nullptr;
+    check(__kuzdSSNewTask(&task, &data.p, &data.n, &data.form, nullptr, nullptr, nullptr, 0));
+    data.task.reset(task);
+    for (int id = SSIdMean; id <= SSIdSkewness; ++id) {
+        data.moments[id - SSIdMean].resize(p);
+        check(__kuzdSSEditTask(task, id, data.moments[id - SSIdMean].data()));
+    }
+    check(__kuzdSSEditCovCor(task, nullptr, data.cov.data(), &data.full, data.cor.data(), &data.full));
+    check(__kuzdSSEditTask(task, SSIdAccumWeight, data.weights));
+}
+
+void flush(Accumulation& data) {
+    if (data.x.empty()) return;
+    data.n = static_cast<int32_t>(data.x.size() / static_cast<size_t>(data.p));
+    check(__kuzdSSEditTask(data.task.get(), SSIdX, data.x.data()));
+    if (!data.w.empty()) check(__kuzdSSEditTask(data.task.get(), SSIdW, data.w.data()));
+    check(_kuzdSSBasic(data.task.get(), estimates, BasicOnePass, services()));
+    data.x.clear();
+    data.w.clear();
+}
+
+double number(const Table& head, const Row& row, size_t column) {
+    double value;
+    const Parsed parsed = parse_number(row.fields[column], value);
+    if (parsed == Parsed::number) return value;
+    const std::string name = head.names.empty() ? std::to_string(column + 1) : head.names[column];
+    const std::string field(row.fields[column]);
+    fail_at(head.source, row.line,
+            "column " + name + ": " +
+                (field.empty()                    ? "missing value"
+                 : parsed == Parsed::not_a_number ? "'" + field + "' is not a number"
+                                                  : "'" + field + "' is too large for the type"));
+}
+
+void add_row(Accumulation& data, const Table& head, const Row& row) {
+    for (size_t j = 0; j < data.columns.size(); ++j) {
+        const double value = number(head, row, data.columns[j]);
+        if (value < data.minimum[j]) data.minimum[j] = value;
+        if (value > data.maximum[j]) data.maximum[j] = value;
+        data.x.push_back(value);
+    }
+    if (data.weight_column != SIZE_MAX) {
+        data.w.push_back(number(head, row, data.weight_column));
+        if (!(data.w.back() >= 0)) fail_at(head.source, row.line, "a weight must be 0 or more");
+    }
+    ++data.rows;
+    if (data.x.size() >= block_values) flush(data);
+}
+
+void read(const Request& request, Accumulation& data) {
+    Table head;
+    head.source = source_name(request.file);
+    std::error_code error;
+    const uintmax_t size = request.file == "-" ? 0 : std::filesystem::file_size(request.file, error);
+    Progress progress = start_progress(error ? 0 : static_cast<int64_t>(size));
+    read_rows(request.file, [&](const Row& row) {
+        if (head.width == 0) {
+            head.width = row.fields.size();
+            const bool names = is_header(row.fields);
+            if (names) head.names.assign(row.fields.begin(), row.fields.end());
+            choose_columns_of(data, request, head);
+            start(data);
+            if (names) return;
+        }
+        add_row(data, head, row);
+        if (data.x.empty())
+            tell_progress(progress, row.bytes,
+                          std::to_string(row.bytes / 1000000) + " MB, " + std::to_string(data.rows) + " rows");
+    });
+    if (data.rows == 0) fail(head.source + ": no rows of numbers");
+    flush(data);
+    end_progress(progress);
+    if (data.weights[0] == 0) fail(head.source + ": the weights add up to 0");
+}
+
+// ---- Output --------------------------------------------------------------------------------------------------------
+
+using Cells = std::vector<std::vector<std::string>>;
+
+std::string cell(double value, bool csv) {
+    std::string text;
+    if (csv) {
+        append_number(text, value);
+    } else {
+        char digits[32];
+        std::snprintf(digits, sizeof digits, "%.10g", value);
+        text = std::isnan(value) ? "nan" : digits;
+    }
+    return text;
+}
+
+Cells moments_table(const Accumulation& data, bool csv) {
+    Cells cells = {{"column", "count", "mean", "standard deviation", "skewness", "kurtosis", "minimum", "maximum"}};
+    for (size_t j = 0; j < data.names.size(); ++j)
+        cells.push_back({data.names[j], std::to_string(data.rows), cell(data.moment(SSIdMean)[j], csv),
+                         cell(std::sqrt(data.moment(SSIdCentralMoment2)[j]), csv),
+                         cell(data.moment(SSIdSkewness)[j], csv), cell(data.moment(SSIdKurtosis)[j], csv),
+                         cell(data.minimum[j], csv), cell(data.maximum[j], csv)});
+    return cells;
+}
+
+Cells matrix_table(const Accumulation& data, const char* title, const std::vector<double>& matrix, bool csv) {
+    Cells cells = {{title}};
+    cells[0].insert(cells[0].end(), data.names.begin(), data.names.end());
+    for (size_t j = 0; j < data.names.size(); ++j) {
+        cells.push_back({data.names[j]});
+        for (size_t k = 0; k < data.names.size(); ++k)
+            cells.back().push_back(cell(matrix[j * data.names.size() + k], csv));
+    }
+    return cells;
+}
+
+void append_table(std::string& text, const Cells& cells, bool csv) {
+    if (csv) {
+        for (const auto& row : cells) append_row(text, row);
+        return;
+    }
+    std::vector<size_t> widths(cells[0].size());
+    for (const auto& row : cells)
+        for (size_t k = 0; k < row.size(); ++k) widths[k] = std::max(widths[k], row[k].size());
+    for (const auto& row : cells) {
+        // Names to the left, numbers to the right.
+        text += row[0] + std::string(widths[0] - row[0].size(), ' ');
+        for (size_t k = 1; k < row.size(); ++k) text += "  " + std::string(widths[k] - row[k].size(), ' ') + row[k];
+        text += '\n';
+    }
+}
+
+// The correlation matrix as coloured squares, with its numbers while they can be read.
+void draw(const Accumulation& data, const std::string& file) {
+    const size_t p = data.names.size();
+    constexpr size_t readable = 16;
+    std::string script =
+        "set palette defined (-1 '#2166ac', 0 '#f7f7f7', 1 '#b2182b')\nset cbrange [-1:1]\nunset key\n"
+        "set title 'Correlation'\nset size ratio -1\nset tics scale 0\n";
+    const std::string last = std::to_string(p) + "-0.5";
+    script += "set xrange [-0.5:" + last + "]\nset yrange [" + last + ":-0.5]\n";
+    for (const char* axis : {"set xtics rotate by 45 right (", "set ytics ("}) {
+        script += axis;
+        for (size_t j = 0; j < p; ++j) script += (j ? "," : "") + plot_quoted(data.names[j]) + " " + std::to_string(j);
+        script += ")\n";
+    }
+    script += "$cor << EOD\n";
+    for (size_t j = 0; j < p; ++j)
+        for (size_t k = 0; k < p; ++k) {
+            append_number(script, data.cor[j * p + k]);
+            script += k + 1 < p ? ' ' : '\n';
+        }
+    script += "EOD\nplot $cor matrix with image";
+    if (p <= readable) script += ", $cor matrix using 1:2:(sprintf('%.2f', $3)) with labels";
+    const int side = static_cast<int>(std::min<size_t>(1600, 240 + 60 * p));
+    write_plot(file, side + 80, side, script);
+}
+
+void run(const Request& request) {
+    asked_threads = request.threads;
+    Accumulation data;
+    read(request, data);
+    std::string text;
+    append_table(text, moments_table(data, request.csv), request.csv);
+    append_table(text += '\n', matrix_table(data, "covariance", data.cov, request.csv), request.csv);
+    append_table(text += '\n', matrix_table(data, "correlation", data.cor, request.csv), request.csv);
+    if (!request.plot.empty()) draw(data, request.plot);
+    write_output(request.output, text);
+}
+
+}  // namespace
+
+void add_stats(CLI::App& app, int& status) {
+    const auto request = std::make_shared<Request>();
+    CLI::App* stats = app.add_subcommand("stats", "Moments, covariance and correlation of the columns of a CSV file");
+    stats->footer(
+        "The file is read once and may be of any size. The standard deviation is that of a sample (n - 1); skewness "
+        "and\n"
+        "kurtosis are m3 / s^3 and m4 / s^4 - 3 with that s, m3 and m4 being the mean third and fourth powers of the\n"
+        "deviations.");
+    stats->add_option("file", request->file, "CSV file; standard input if none or -");
+    stats->add_option("--columns", request->columns, "names or positions from 1, with commas between; all if not given")
+        ->delimiter(',')
+        ->allow_extra_args(false);
+    stats->add_option("--weights", request->weights, "the column that holds the weights of the rows");
+    stats->add_option("--threads", request->threads, "at most so many threads; all processors if not given")
+        ->check(CLI::PositiveNumber);
+    stats->add_flag("--csv", request->csv, "write CSV, each number in full");
+    stats->add_option("--output", request->output, "the file to write; standard output if not given");
+    stats->add_option("--plot", request->plot, "an SVG file for a picture of the correlation matrix");
+    stats->callback([request, &status] {
+        run(*request);
+        status = 0;
+    });
+}
+
+}  // namespace orv::command

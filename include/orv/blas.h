@@ -1,0 +1,47 @@
+/* Dense linear algebra: the matrix entries that the kernel library asks of its host.
+ *
+ * Arguments are passed by address, as the BLAS' Fortran interface has them, and mean what they mean there: matrices by
+ * columns, `uplo` 'u' or 'l', `trans` 'n' or 't' in either case, leading dimensions in elements. Nothing is checked.
+ *
+ * liborv_core implements them on the BLAS of the system, which it sets to one thread when it first calls it: threads
+ * are the caller's business or, where an entry below says so, this library's own.
+ *
+ * Source: J. J. Dongarra, J. Du Croz, S. Hammarling, I. Duff, A set of level 3 basic linear algebra subprograms, ACM
+ * Transactions on Mathematical Software 16 (1990). */
+#ifndef ORV_BLAS_H
+#define ORV_BLAS_H
+
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* a = alpha x x' + a on one triangle of the n by n matrix a; x has n elements with stride incx. The x forms may be called
+ * from several threads at once and stay on the thread that calls them; these matrices are too small for others to help. */
+void orv_blas_dsyr(const char* uplo, const int32_t* n, const double* alpha, const double* x, const int32_t* incx,
+                   double* a, const int32_t* lda);
+void orv_blas_ssyr(const char* uplo, const int32_t* n, const float* alpha, const float* x, const int32_t* incx,
+                   float* a, const int32_t* lda);
+void orv_blas_xdsyr(const char* uplo, const int32_t* n, const double* alpha, const double* x, const int32_t* incx,
+                    double* a, const int32_t* lda);
+void orv_blas_xssyr(const char* uplo, const int32_t* n, const float* alpha, const float* x, const int32_t* incx,
+                    float* a, const int32_t* lda);
+
+/* c = alpha op(a) op(a)' + beta c on one triangle of the n by n matrix c, with op(a) = a, n by k, for trans 'n', and a', from
+ * a of k by n, for trans 't'. The plain forms use the threads of the thread service for large products; the x forms stay
+ * on the thread that calls them and may be called from several threads at once. */
+void orv_blas_dsyrk(const char* uplo, const char* trans, const int32_t* n, const int32_t* k, const double* alpha,
+                    const double* a, const int32_t* lda, const double* beta, double* c, const int32_t* ldc);
+void orv_blas_ssyrk(const char* uplo, const char* trans, const int32_t* n, const int32_t* k, const float* alpha,
+                    const float* a, const int32_t* lda, const float* beta, float* c, const int32_t* ldc);
+void orv_blas_xdsyrk(const char* uplo, const char* trans, const int32_t* n, const int32_t* k, const double* alpha,
+                     const double* a, const int32_t* lda, const double* beta, double* c, const int32_t* ldc);
+void orv_blas_xssyrk(const char* uplo, const char* trans, const int32_t* n, const int32_t* k, const float* alpha,
+                     const float* a, const int32_t* lda, const float* beta, float* c, const int32_t* ldc);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
