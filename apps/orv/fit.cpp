@@ -6,6 +6,7 @@
 #include "plot.h"
 #include "table.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <memory>
@@ -192,14 +193,12 @@ struct Fit {
 
     int64_t parse_boundary(const std::string& text) {
         const size_t colon = text.find(':');
-        for (const auto& boundary : boundaries) {
-            if (text.substr(0, colon) != boundary.name) continue;
-            if (colon != std::string::npos) ends = parse_pair<T>(text.substr(colon + 1), "--bc");
-            if (boundary.takes_values && ends.empty())
-                fail("--bc: " + text + " takes two values, as in " + text + ":0,0");
-            return boundary.code;
-        }
-        fail("--bc: " + text + " is none of the ends; see orv fit --help");
+        const auto* boundary = std::find_if(std::begin(boundaries), std::end(boundaries),
+                                            [&](const auto& known) { return text.substr(0, colon) == known.name; });
+        if (boundary == std::end(boundaries)) fail("--bc: " + text + " is none of the ends; see orv fit --help");
+        if (colon != std::string::npos) ends = parse_pair<T>(text.substr(colon + 1), "--bc");
+        if (boundary->takes_values && ends.empty()) fail("--bc: " + text + " takes two values, as in " + text + ":0,0");
+        return boundary->code;
     }
 
     // Rows of value and derivatives up to `highest`.
@@ -220,7 +219,7 @@ std::string table_of_sites(const Request& request, const Fit<T>& fit) {
     const std::vector<T> sites = sites_of(request, fit.data);
     const std::vector<T> results = fit.evaluate(sites, request.derivatives);
     std::vector<std::string> names = {request.x, request.y};
-    for (int k = 1; k <= request.derivatives; ++k) names.push_back(request.y + ".d" + std::to_string(k));
+    for (int k = 1; k <= request.derivatives; ++k) (names.emplace_back(request.y) += ".d") += std::to_string(k);
     std::string text;
     append_row(text, names);
     const size_t wanted = static_cast<size_t>(request.derivatives) + 1;

@@ -122,7 +122,7 @@ void integrate_range(const Integration<T>& job, const T* coeffs, int64_t begin, 
         for (int32_t k = 0; k < count; ++k) {
             const Place a = place_of(job, coeffs, x[0][k], cells[0][k]);
             const Place b = place_of(job, coeffs, x[1][k], cells[1][k]);
-            const bool numbers = x[0][k] == x[0][k] && x[1][k] == x[1][k];
+            const bool numbers = !__builtin_isunordered(x[0][k], x[1][k]);
             const double value = numbers ? between(job, coeffs, a, b) : __builtin_nan("");
             out[static_cast<ptrdiff_t>(at + k) * stride] = static_cast<T>(value);
         }

@@ -92,35 +92,48 @@ EndRow<T> end_row(const Construction<T>& c, bool right, T s0, T s1) {
                                           s0, s1, given, right ? T(-1) : T(1));
 }
 
-// Interior rows of the matrix, 1 to n - 2. Uniform widths cancel.
+// Both couplings of cells `from` to `to` - 1, and the diagonal of the interior rows among breaks `from` to `to` - 1.
+// Uniform widths cancel.
 template <class T, bool uniform>
-void interior_matrix(int32_t n, const Scratch<T>& w) {
+void interior_matrix(int32_t from, int32_t to, const Scratch<T>& w) {
     constexpr int32_t width = Lanes<T>::width;
     const auto two = splat(T{2});
-    int32_t i = 0;
-    for (; i + width < n - 1; i += width) {
-        const auto left = uniform ? splat(T{1}) : load(w.inverse + i);
-        const auto right = uniform ? left : load(w.inverse + i + 1);
-        store(w.lower + i, left);
-        store(w.upper + i, left);
-        store(w.diagonal + i + 1, two * (left + right));
+    int32_t i = from;
+    if (i == 0) {
+        w.lower[0] = w.upper[0] = uniform ? 1 : w.inverse[0];
+        ++i;
     }
-    for (; i < n - 1; ++i) {
+    for (; i + width <= to; i += width) {
+        const auto right = uniform ? splat(T{1}) : load(w.inverse + i);
+        const auto left = uniform ? right : load(w.inverse + i - 1);
+        store(w.lower + i, right);
+        store(w.upper + i, right);
+        store(w.diagonal + i, two * (left + right));
+    }
+    for (; i < to; ++i) {
         w.lower[i] = w.upper[i] = uniform ? 1 : w.inverse[i];
-        if (i + 1 < n - 1) w.diagonal[i + 1] = uniform ? 4 : 2 * (w.inverse[i] + w.inverse[i + 1]);
+        w.diagonal[i] = uniform ? 4 : 2 * (w.inverse[i - 1] + w.inverse[i]);
     }
 }
 
+// Right sides of the interior rows among breaks `from` to `to` - 1.
 template <class T, bool uniform>
-void interior_sides(int32_t n, const T* inverse, const T* s, T* side) {
+void interior_sides(int32_t from, int32_t to, const T* inverse, const T* s, T* side) {
     constexpr int32_t width = Lanes<T>::width;
     const auto three = splat(T{3});
-    int32_t i = 1;
-    for (; i + width <= n - 1; i += width) {
+    int32_t i = from > 0 ? from : 1;
+    for (; i + width <= to; i += width) {
         const auto left = load(s + i - 1), right = load(s + i);
         store(side + i, three * (uniform ? left + right : left * load(inverse + i - 1) + right * load(inverse + i)));
     }
-    for (; i < n - 1; ++i) side[i] = 3 * (uniform ? s[i - 1] + s[i] : s[i - 1] * inverse[i - 1] + s[i] * inverse[i]);
+    for (; i < to; ++i) side[i] = 3 * (uniform ? s[i - 1] + s[i] : s[i - 1] * inverse[i - 1] + s[i] * inverse[i]);
+}
+
+// Runs part(from, to) over tiles of cells that stay in the nearest cache from one pass over them to the next.
+template <class Part>
+void by_tiles(int32_t cells, Part part) {
+    constexpr int32_t tile = 256;
+    for (int32_t from = 0; from < cells; from += tile) part(from, from + tile < cells ? from + tile : cells);
 }
 
 // Number of unknowns of the tridiagonal system: a periodic spline has one derivative for both ends.
@@ -130,10 +143,15 @@ int32_t unknowns(const Construction<T>& c) {
 }
 
 template <class T, bool uniform>
-void build_matrix(const Construction<T>& c, const Scratch<T>& w) {
+void matrix_tile(const Construction<T>& c, const Scratch<T>& w, int32_t from, int32_t to) {
+    cell_widths<uniform>(c.partition, from, to, static_cast<T*>(nullptr), w.inverse + from);
+    interior_matrix<T, uniform>(from, to, w);
+}
+
+// The end rows of the matrix, or what makes it the tridiagonal part of a cyclic one.
+template <class T, bool uniform>
+void end_matrix(const Construction<T>& c, const Scratch<T>& w) {
     const int32_t n = c.partition.count;
-    cell_widths<uniform>(c.partition, 0, n - 1, static_cast<T*>(nullptr), w.inverse);
-    interior_matrix<T, uniform>(n, w);
     if (c.boundary != periodic) {
         const EndRow<T> left = end_row<T, uniform>(c, false, 0, 0);
         const EndRow<T> right = end_row<T, uniform>(c, true, 0, 0);
@@ -154,12 +172,16 @@ void build_matrix(const Construction<T>& c, const Scratch<T>& w) {
     w.diagonal[n - 2] -= corner * corner / g;
 }
 
-// Slopes and right side of one function, into its columns.
+// Slopes and interior right sides of one function, into its columns.
 template <class T, bool interleaved, bool uniform>
-void build_side(const Construction<T>& c, int32_t function, const T* inverse, T* s, T* side) {
+void side_tile(const Construction<T>& c, int32_t function, const T* inverse, T* s, T* side, int32_t from, int32_t to) {
+    slopes(values_of<interleaved>(c, function), from, to, inverse + from, s + from);
+    interior_sides<T, uniform>(from, to, inverse, s, side);
+}
+
+template <class T, bool uniform>
+void end_sides(const Construction<T>& c, const T* inverse, const T* s, T* side) {
     const int32_t n = c.partition.count;
-    slopes(values_of<interleaved>(c, function), 0, n - 1, inverse, s);
-    interior_sides<T, uniform>(n, inverse, s, side);
     if (c.boundary == periodic) {
         side[0] = 3 * (uniform ? s[n - 2] + s[0] : s[n - 2] * inverse[n - 2] + s[0] * inverse[0]);
     } else {
@@ -223,21 +245,30 @@ orv_df_status natural(const Construction<T>& c, const orv_services* services) {
     auto* block = static_cast<T*>(orv_serv_allocate(size, block_alignment));
     if (!block) return ORV_DF_NO_MEMORY;
     const Scratch<T> w = lay_out(block, n, columns);
-    build_matrix<T, uniform>(c, w);
-
-    const auto side_of = [&](int32_t f, int32_t column) {
-        build_side<T, interleaved, uniform>(c, f, w.inverse, w.slopes + static_cast<ptrdiff_t>(column) * (n - 1),
-                                            w.sides + static_cast<ptrdiff_t>(column) * n);
+    const auto slopes_of = [&](int32_t column) { return w.slopes + static_cast<ptrdiff_t>(column) * (n - 1); };
+    const auto sides_of = [&](int32_t column) { return w.sides + static_cast<ptrdiff_t>(column) * n; };
+    const auto build_sides = [&](int32_t f, int32_t column) {
+        by_tiles(n - 1, [&](int32_t from, int32_t to) {
+            side_tile<T, interleaved, uniform>(c, f, w.inverse, slopes_of(column), sides_of(column), from, to);
+        });
+        end_sides<T, uniform>(c, w.inverse, slopes_of(column), sides_of(column));
     };
     const int32_t size_of_system = unknowns(c);
     int32_t info = 0;
     if (functions == 1 && c.boundary != periodic) {
-        side_of(0, 0);
+        by_tiles(n - 1, [&](int32_t from, int32_t to) {
+            matrix_tile<T, uniform>(c, w, from, to);
+            side_tile<T, interleaved, uniform>(c, 0, w.inverse, w.slopes, w.sides, from, to);
+        });
+        end_matrix<T, uniform>(c, w);
+        end_sides<T, uniform>(c, w.inverse, w.slopes, w.sides);
         Solver::both(size_of_system, w.lower, w.diagonal, w.upper, w.sides, info);
         if (info == 0) finish<T, interleaved, uniform>(c, w, 0, 0, true);
         orv_serv_deallocate(block);
         return info == 0 ? ORV_DF_OK : ORV_DF_SINGULAR;
     }
+    by_tiles(n - 1, [&](int32_t from, int32_t to) { matrix_tile<T, uniform>(c, w, from, to); });
+    end_matrix<T, uniform>(c, w);
     Solver::factor(size_of_system, w.lower, w.diagonal, w.upper, info);
     if (info == 0 && c.boundary == periodic)
         Solver::solve(size_of_system, 1, w.lower, w.diagonal, w.upper, w.z, n, info);
@@ -245,14 +276,14 @@ orv_df_status natural(const Construction<T>& c, const orv_services* services) {
         // Each thread takes every threads-th function through its own column.
         const auto work = [&](int32_t index) {
             for (int32_t f = index; f < functions; f += threads) {
-                side_of(f, index);
+                build_sides(f, index);
                 if (!finish<T, interleaved, uniform>(c, w, f, index, false))
                     __atomic_store_n(&info, 1, __ATOMIC_RELAXED);
             }
         };
         parallel(services, threads, work);
     } else if (info == 0) {
-        for (int32_t f = 0; f < functions; ++f) side_of(f, f);
+        for (int32_t f = 0; f < functions; ++f) build_sides(f, f);
         Solver::solve(size_of_system, functions, w.lower, w.diagonal, w.upper, w.sides, n, info);
         for (int32_t f = 0; info == 0 && f < functions; ++f) finish<T, interleaved, uniform>(c, w, f, f, true);
     }
