@@ -50,7 +50,7 @@ struct Exp128 {
     SplatBits<uint32_t> magnitude_mask{0x7FFFFFFF};
     SplatBits<uint32_t> limit{last_vector_high};
     uint64_t rows[128] = {
-        // fraction bits of 2^(j/128)
+    // fraction bits of 2^(j/128)
 #include "vecmath/tables/exp2_bits_128.inc"
     };
 };
@@ -149,7 +149,7 @@ struct Exp64 {
     SplatBits<uint32_t> limit{last_vector_high};
     double scalar_c2, scalar_c3, scalar_c4, scalar_c5, scalar_c6;
     alignas(16) double rows[64][2] = {
-        // 2^(j/64) and what rounding took from it
+    // 2^(j/64) and what rounding took from it
 #include "vecmath/tables/exp2_64.inc"
     };
 };

@@ -11,7 +11,7 @@
 //
 // Above 707.7 the scalar path takes over; below -40 the result is -1.
 //
-// Worst errors measured: "HA" @ ulp, "LA" @ ulp, "EP" 2^@ relative.
+// Worst errors measured: "HA" 0.61 ulp, "LA" 0.94 ulp, "EP" 2^-30.2 relative.
 #include "vecmath/exp_log/expm1.h"
 
 namespace {
@@ -35,7 +35,7 @@ struct Expm1Pairs {
         c5{0x1.1111168877f38p-7};
     SplatBits<uint64_t> offset_mask{0x7F0};
     alignas(16) double rows[128][2] = {
-        // 2^(j/128) and what rounding took from it
+    // 2^(j/128) and what rounding took from it
 #include "vecmath/tables/exp2_128.inc"
     };
 };
