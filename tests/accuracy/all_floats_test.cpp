@@ -28,6 +28,7 @@ TEST_P(AllFloats, StayWithinTheBounds) {
     const std::vector<Worst> worst = measure_all_floats(of_function);
     for (size_t k = 0; k < of_function.size(); ++k) {
         const Worst& w = worst[k];
+        ASSERT_EQ(w.count, int64_t{1} << 32);
         std::printf("s%s %s: %.4f ulp at %a, 2^%.1f relative, subnormal results %.4f at %a\n", GetParam(),
                     of_function[k].slots.c_str(), w.ulp, w.at, std::log2(w.relative), w.subnormal_ulp, w.subnormal_at);
         const Bound* bound = bound_of(of_function[k]);

@@ -58,7 +58,8 @@ Worst measure(const Kernel& kernel, int64_t random_count, uint64_t seed = 1);
 template <class T>
 void fold(Worst& worst, const oracle::Function& f, const T* x, const T* y, int64_t n, bool exact);
 
-// Over all floats: the worst error of each of an `s` function's kernels, in the order of `of_function`.
+// Over all floats: the worst error of each of an `s` function's kernels, in the order of `of_function`. The reference is the
+// "HA" kernel of the function's `d` row, which is judged against the exact values itself.
 std::vector<Worst> measure_all_floats(const std::vector<Kernel>& of_function);
 
 }  // namespace orv::accuracy

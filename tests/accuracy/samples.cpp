@@ -184,6 +184,10 @@ std::vector<T> samples(const char* function, int64_t count, uint64_t seed) {
         // A hair off even for 64-bit patterns: no sample depends on that.
         list.push_back(number<T>(static_cast<OrderOf<T>>(static_cast<uint64_t>(first) + random() % patterns)));
     }
+    // Subnormal arguments of every length.
+    for (int i = 0; i < 20000 && low <= Limits::denorm_min(); ++i)
+        list.push_back(static_cast<T>(1 + random() % (uint64_t{2} << (random() % (Limits::digits - 1)))) *
+                       Limits::denorm_min());
     std::erase_if(list, [&](T x) { return !(x >= low && x <= high) || x == 0; });
     list.push_back(0 > range->low ? T{0} : high);
     return list;

@@ -29,7 +29,6 @@ struct Function {
     std::string_view name;
     Exact exact;
     long double (*fast)(long double x);
-    double (*quick)(double x);  // right to an ulp or so, which is nothing to a float
 };
 
 // The functions of one input that the oracle knows; null for others.

