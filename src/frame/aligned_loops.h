@@ -46,9 +46,11 @@ inline void scalar_run(int32_t first, int32_t end, const T* a, T* y) {
 template <class Kernel, bool AlignedY, class T>
 inline int32_t block_run(int32_t i, int32_t n, const T* a, T* y) {
     constexpr int width = simd::Lanes<T>::width;
-    for (; i <= n - Kernel::block; i += Kernel::block)
+    for (; i <= n - Kernel::block; i += Kernel::block) {
+#pragma GCC unroll 16
         for (int k = 0; k < Kernel::block; k += width)
             store_as<AlignedY>(y + i + k, Kernel::op(simd::load_aligned(a + i + k)));
+    }
     return i;
 }
 
@@ -75,9 +77,11 @@ inline void scalar_run(int32_t first, int32_t end, const T* a, const T* b, T* y)
 template <class Kernel, bool AlignedA, bool AlignedB, class T>
 inline int32_t block_run(int32_t i, int32_t n, const T* a, const T* b, T* y) {
     constexpr int width = simd::Lanes<T>::width;
-    for (; i <= n - Kernel::block; i += Kernel::block)
+    for (; i <= n - Kernel::block; i += Kernel::block) {
+#pragma GCC unroll 16
         for (int k = 0; k < Kernel::block; k += width)
             simd::store_aligned(y + i + k, Kernel::op(load_as<AlignedA>(a + i + k), load_as<AlignedB>(b + i + k)));
+    }
     return i;
 }
 

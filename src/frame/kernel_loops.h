@@ -7,7 +7,8 @@
 //   block              elements computed together; their results are stored together
 //   tail               what happens to the elements after the last whole block
 //   lanes(x)           from lanes to lanes, where the vector path serves every value; or
-//   lanes(x, doubt)    the same with a mask of the lanes that it does not serve
+//   lanes(x, frame)    the same where the frame gathers something on the way; or
+//   lanes(x, doubt)    with a mask of the lanes that the vector path does not serve
 //   name, scalar(x, y) with such a mask: the name that reports carry, and one element's result, returning its status
 //
 // and ORV_ONE_INPUT makes the dense and the strided kernel from it.
@@ -53,87 +54,98 @@ struct Strided {
 };
 
 // The fill of absent lanes: in every function's domain, nowhere special.
-inline constexpr double harmless = 0.75;
+inline constexpr float harmless = 0.75f;
 
 template <class Kernel>
 concept Doubtful = requires { Kernel::name; };
 
-// Lanes of a block that the vector path did not serve: their inputs and results, in buffers.
-template <class Kernel>
-struct DoubtfulBlock {
-    static constexpr int width = simd::Lanes<typename Kernel::Element>::width;
-    alignas(16) typename Kernel::Element x[Kernel::block];
-    alignas(16) typename Kernel::Result y[Kernel::block];
-};
-
-// Settles the lanes of `bits` from lane 0 up, then stores the first `count` results. A reported element is in its place
-// in `y` before the reporter runs, which may change it there.
-template <class Kernel, class In, class Out>
-[[gnu::noinline]] void settle(DoubtfulBlock<Kernel>& block, unsigned bits, int32_t i, int32_t count, In a, Out y) {
-    for (int32_t lane = 0; lane < count; ++lane) {
-        if (!(bits >> lane & 1)) continue;
-        const int32_t status = Kernel::scalar(&block.x[lane], &block.y[lane]);
-        if (status == status_ok) continue;
-        *y.at(i + lane) = block.y[lane];
-        report_error(status, i + lane, a.start, a.increment, a.start, a.increment, y.start, y.increment, y.start,
-                     y.increment, Kernel::name);
-        block.y[lane] = *y.at(i + lane);
-    }
-    for (int32_t lane = 0; lane < count; ++lane) *y.at(i + lane) = block.y[lane];
+// The lanes of a kernel that serves every value.
+template <class Kernel, class V>
+inline auto sure_lanes(V x, typename Kernel::Frame& frame) {
+    if constexpr (requires { Kernel::lanes(x, frame); })
+        return Kernel::lanes(x, frame);
+    else
+        return Kernel::lanes(x);
 }
 
+// A block with lanes that the vector path does not serve goes through buffers, as does a part of a block. The doubted lanes
+// are settled from lane 0 up. A reported element is in its place in `y` before the reporter runs, which may change it
+// there; the block is stored at the end. Nothing outside the arrays is touched.
+template <class Kernel, class In, class Out>
+[[gnu::noinline, gnu::cold]] void map_buffered(int32_t i, int32_t count, In a, Out y) {
+    using Element = typename Kernel::Element;
+    using V = typename simd::Lanes<Element>::V;
+    constexpr int width = simd::Lanes<Element>::width;
+    alignas(16) Element x[Kernel::block];
+    alignas(16) typename Kernel::Result r[Kernel::block];
+    for (int32_t lane = 0; lane < Kernel::block; ++lane) x[lane] = lane < count ? *a.at(i + lane) : Element{harmless};
+    for (int32_t k = 0; k < count; k += width) {
+        V doubt;
+        simd::store(r + k, Kernel::lanes(simd::load(x + k), doubt));
+        const unsigned bits = simd::lane_bits(doubt);
+        for (int32_t lane = k; lane < k + width && lane < count; ++lane) {
+            if (!(bits >> (lane - k) & 1)) continue;
+            const int32_t status = Kernel::scalar(&x[lane], &r[lane]);
+            if (status == status_ok) continue;
+            *y.at(i + lane) = r[lane];
+            report_error(status, i + lane, a.start, a.increment, a.start, a.increment, y.start, y.increment, y.start,
+                         y.increment, Kernel::name);
+            r[lane] = *y.at(i + lane);
+        }
+    }
+    for (int32_t lane = 0; lane < count; ++lane) *y.at(i + lane) = r[lane];
+}
+
+// `Registers` whole registers from element i on.
 template <class Kernel, int Registers, class In, class Out>
-inline void map_block(int32_t i, In a, Out y) {
+inline void map_registers(int32_t i, In a, Out y, [[maybe_unused]] typename Kernel::Frame& frame) {
     constexpr int width = simd::Lanes<typename Kernel::Element>::width;
     using V = typename simd::Lanes<typename Kernel::Element>::V;
-    V x[Registers], r[Registers];
+    V r[Registers];
     if constexpr (Doubtful<Kernel>) {
-        V doubt[Registers];
-        for (int k = 0; k < Registers; ++k) r[k] = Kernel::lanes(x[k] = a.load(i + k * width), doubt[k]);
-        V any = doubt[0];
-        for (int k = 1; k < Registers; ++k) any = simd::bit_or(any, doubt[k]);
-        if (simd::lane_bits(any) != 0) [[unlikely]] {
-            DoubtfulBlock<Kernel> block;
-            unsigned bits = 0;
-            for (int k = 0; k < Registers; ++k) {
-                simd::store(&block.x[k * width], x[k]);
-                simd::store(&block.y[k * width], r[k]);
-                bits |= simd::lane_bits(doubt[k]) << (k * width);
-            }
-            settle(block, bits, i, Registers * width, a, y);
-            return;
+        V any;
+#pragma GCC unroll 16
+        for (int k = 0; k < Registers; ++k) {
+            V doubt;
+            r[k] = Kernel::lanes(a.load(i + k * width), doubt);
+            any = k == 0 ? doubt : simd::bit_or(any, doubt);
         }
+        if (simd::lane_bits(any) != 0) [[unlikely]]
+            return map_buffered<Kernel>(i, Registers * width, a, y);
     } else {
-        for (int k = 0; k < Registers; ++k) r[k] = Kernel::lanes(x[k] = a.load(i + k * width));
+#pragma GCC unroll 16
+        for (int k = 0; k < Registers; ++k) r[k] = sure_lanes<Kernel>(a.load(i + k * width), frame);
     }
+#pragma GCC unroll 16
     for (int k = 0; k < Registers; ++k) y.store(i + k * width, r[k]);
 }
 
-// At most one register's worth, or one block's: through buffers, so that nothing outside the arrays is touched.
-template <class Kernel, int Registers, class In, class Out>
-inline void map_part(int32_t i, int32_t count, typename Kernel::Element fill, In a, Out y) {
-    constexpr int width = simd::Lanes<typename Kernel::Element>::width;
+// Fewer elements than a register holds, the absent lanes filled.
+template <class Kernel, class In, class Out>
+inline void map_group(int32_t i, int32_t count, In a, Out y, [[maybe_unused]] typename Kernel::Frame& frame) {
+    using Scalar = typename simd::Lanes<typename Kernel::Element>::Scalar;
     using V = typename simd::Lanes<typename Kernel::Element>::V;
-    DoubtfulBlock<Kernel> block;
-    for (int32_t lane = 0; lane < Registers * width; ++lane) block.x[lane] = lane < count ? *a.at(i + lane) : fill;
-    unsigned bits = 0;
-    for (int k = 0; k < Registers; ++k) {
-        const V x = simd::load(&block.x[k * width]);
-        if constexpr (Doubtful<Kernel>) {
-            V doubt;
-            simd::store(&block.y[k * width], Kernel::lanes(x, doubt));
-            bits |= simd::lane_bits(doubt) << (k * width);
-        } else {
-            simd::store(&block.y[k * width], Kernel::lanes(x));
-        }
-    }
+    const V x = simd::load_part(a.at(i), a.increment, count, Scalar{harmless});
     if constexpr (Doubtful<Kernel>) {
-        if (bits != 0) [[unlikely]] {
-            settle(block, bits, i, count, a, y);
-            return;
-        }
+        V doubt;
+        const V r = Kernel::lanes(x, doubt);
+        if (simd::lane_bits(doubt) != 0) [[unlikely]]
+            return map_buffered<Kernel>(i, count, a, y);
+        simd::store_part(y.at(i), y.increment, count, r);
+    } else {
+        simd::store_part(y.at(i), y.increment, count, sure_lanes<Kernel>(x, frame));
     }
-    for (int32_t lane = 0; lane < count; ++lane) *y.at(i + lane) = block.y[lane];
+}
+
+// Fewer elements than a block holds, in a block filled up with the first of them: what it raises has been raised.
+template <class Kernel, class In, class Out>
+inline void map_padded(int32_t i, int32_t count, In a, Out y) {
+    constexpr int width = simd::Lanes<typename Kernel::Element>::width;
+    alignas(16) typename Kernel::Element x[Kernel::block];
+    alignas(16) typename Kernel::Result r[Kernel::block];
+    for (int32_t lane = 0; lane < Kernel::block; ++lane) x[lane] = *a.at(i + (lane < count ? lane : 0));
+    for (int k = 0; k < Kernel::block; k += width) simd::store(r + k, Kernel::lanes(simd::load(x + k)));
+    for (int32_t lane = 0; lane < count; ++lane) *y.at(i + lane) = r[lane];
 }
 
 template <class Kernel, class In, class Out>
@@ -141,18 +153,18 @@ inline void map(int32_t n, In a, Out y) {
     using Element = typename Kernel::Element;
     constexpr int width = simd::Lanes<Element>::width;
     constexpr int registers = Kernel::block / width;
-    const typename Kernel::Frame frame;
+    typename Kernel::Frame frame;
 
     int32_t i = 0;
-    for (; i <= n - Kernel::block; i += Kernel::block) map_block<Kernel, registers>(i, a, y);
+    for (; i <= n - Kernel::block; i += Kernel::block) map_registers<Kernel, registers>(i, a, y, frame);
 
     if constexpr (Kernel::tail == Tail::by_element) {
-        for (; i < n; ++i) simd::store_one(y.at(i), Kernel::lanes(simd::load_one(a.at(i))));
+        for (; i < n; ++i) simd::store_one(y.at(i), sure_lanes<Kernel>(simd::load_one(a.at(i)), frame));
     } else if constexpr (Kernel::tail == Tail::padded) {
-        if (i < n) map_part<Kernel, registers>(i, n - i, *a.at(i), a, y);
+        if (i < n) map_padded<Kernel>(i, n - i, a, y);
     } else {
-        for (; i <= n - width; i += width) map_block<Kernel, 1>(i, a, y);
-        if (i < n) map_part<Kernel, 1>(i, n - i, static_cast<Element>(harmless), a, y);
+        for (; i <= n - width; i += width) map_registers<Kernel, 1>(i, a, y, frame);
+        if (i < n) map_group<Kernel>(i, n - i, a, y, frame);
     }
 }
 

@@ -101,10 +101,10 @@ inline __m128 load_strided(const orv_complex_s* p, ptrdiff_t step) {
 inline __m128d load_strided(const orv_complex_d* p, ptrdiff_t) { return load(p); }
 
 inline void store_strided(float* p, ptrdiff_t step, __m128 v) {
-    const __m128i bits = _mm_castps_si128(v);
     _mm_store_ss(p, v);
-    const int lanes[3] = {_mm_extract_epi32(bits, 1), _mm_extract_epi32(bits, 2), _mm_extract_epi32(bits, 3)};
-    for (int lane = 0; lane < 3; ++lane) __builtin_memcpy(p + (lane + 1) * step, &lanes[lane], sizeof(float));
+    _mm_store_ss(p + step, _mm_shuffle_ps(v, v, 1));
+    _mm_store_ss(p + 2 * step, _mm_movehl_ps(v, v));
+    _mm_store_ss(p + 3 * step, _mm_shuffle_ps(v, v, 3));
 }
 inline void store_strided(double* p, ptrdiff_t step, __m128d v) {
     _mm_store_sd(p, v);
@@ -115,6 +115,25 @@ inline void store_strided(orv_complex_s* p, ptrdiff_t step, __m128 v) {
     _mm_storeh_pi(reinterpret_cast<__m64*>(p + step), v);
 }
 inline void store_strided(orv_complex_d* p, ptrdiff_t, __m128d v) { store(p, v); }
+
+// ---- The first `count` lanes, at least one and fewer than all; a load fills the others -------------------------------
+
+inline __m128 load_part(const float* p, ptrdiff_t step, int32_t count, float fill) {
+    __m128 v = _mm_move_ss(_mm_set1_ps(fill), _mm_load_ss(p));
+    if (count > 1) v = _mm_insert_ps(v, _mm_load_ss(p + step), 0x10);
+    if (count > 2) v = _mm_insert_ps(v, _mm_load_ss(p + 2 * step), 0x20);
+    return v;
+}
+inline __m128d load_part(const double* p, ptrdiff_t, int32_t, double fill) {
+    return _mm_unpacklo_pd(_mm_load_sd(p), _mm_set1_pd(fill));
+}
+
+inline void store_part(float* p, ptrdiff_t step, int32_t count, __m128 v) {
+    _mm_store_ss(p, v);
+    if (count > 1) _mm_store_ss(p + step, _mm_shuffle_ps(v, v, 1));
+    if (count > 2) _mm_store_ss(p + 2 * step, _mm_movehl_ps(v, v));
+}
+inline void store_part(double* p, ptrdiff_t, int32_t, __m128d v) { _mm_store_sd(p, v); }
 
 // ---- Bits ------------------------------------------------------------------------------------------------------------
 
@@ -155,6 +174,9 @@ inline __m128d not_finite(__m128d x) {
     const __m128i high_words = _mm_shuffle_epi32(_mm_castpd_si128(x), _MM_SHUFFLE(3, 3, 1, 1));
     return _mm_castsi128_pd(_mm_cmpeq_epi32(_mm_and_si128(high_words, exponent), exponent));
 }
+
+inline bool any_bit(__m128 x) { return !_mm_testz_si128(_mm_castps_si128(x), _mm_castps_si128(x)); }
+inline bool any_bit(__m128d x) { return !_mm_testz_si128(_mm_castpd_si128(x), _mm_castpd_si128(x)); }
 
 // One bit per lane, lane 0 lowest.
 inline unsigned lane_bits(__m128 mask) { return static_cast<unsigned>(_mm_movemask_ps(mask)); }

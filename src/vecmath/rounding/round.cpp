@@ -1,8 +1,14 @@
 // Round: the integer next to x, halves away from zero.
 //
-// On m = |x|, r = m rounded to nearest even is off only where a tie went down, which is where m - r is exactly one half;
-// there r + 1 is the answer. A tie that went up leaves -1/2, a value just below one half leaves something else, so no
-// carry is made up. The sign of x goes back on at the end and is that of a zero result too. Exact for every x.
+// With h the largest number below one half, y = trunc(x + copysign(h, x)). A fraction below one half stays below the next
+// integer: where the sum is not exact it is at most h away from an integer by more than the rounding error. A half comes
+// out as the next integer, since k + 1/2 + h lies halfway between it and its predecessor at the most and rounds to the
+// even one of them, or closer to it. From 2^52 (2^23) on x is an integer and h less than half a unit of it, so x stays. The
+// sign of x is that of the sum and so of a zero result. The same value for every x as rounding |x| to nearest even and
+// adding 1 where that went down by exactly one half, with fewer operations.
+//
+// The addition signals inexact for integers too, which the function must not: the frame takes that back where no element
+// changed.
 #include "frame/kernel_loops.h"
 
 namespace {
@@ -10,19 +16,36 @@ namespace {
 using namespace orv;
 
 template <class T>
+struct RoundFrame {
+    using V = typename simd::Lanes<T>::V;
+    static constexpr uint32_t inexact = 0x20;
+
+    frame::GeneralFrame general;
+    V changed = simd::splat(T{0});  // bits in which any result differs from its argument
+
+    RoundFrame() = default;
+    ~RoundFrame() {
+        if ((general.mxcsr.saved & inexact) || simd::any_bit(changed)) return;
+        frame::write_mxcsr(frame::read_mxcsr() & ~inexact);
+    }
+    RoundFrame(const RoundFrame&) = delete;
+    RoundFrame& operator=(const RoundFrame&) = delete;
+};
+
+template <class T>
 struct Round {
     using Element = T;
     using Result = T;
-    using Frame = frame::GeneralFrame;
+    using Frame = RoundFrame<T>;
     static constexpr int block = 2 * 16 / sizeof(T);
     static constexpr frame::Tail tail = sizeof(T) == 4 ? frame::Tail::by_element : frame::Tail::masked;
+    static constexpr T below_half = sizeof(T) == 4 ? T(0x1.fffffep-2) : T(0x1.fffffffffffffp-2);
     using V = typename simd::Lanes<T>::V;
-    static V lanes(V x) {
-        const V sign = simd::sign_of(x);
-        const V m = simd::bit_xor(x, sign);
-        const V r = simd::round<_MM_FROUND_TO_NEAREST_INT>(m);
-        const V tie_went_down = simd::equal(m - r, simd::splat(T{0.5}));
-        return simd::bit_or(r + simd::bit_and(tie_went_down, simd::splat(T{1})), sign);
+    static V lanes(V x, Frame& frame) {
+        const V h = simd::bit_or(simd::sign_of(x), simd::splat(below_half));
+        const V y = simd::round<_MM_FROUND_TO_ZERO>(x + h);
+        frame.changed = simd::bit_or(frame.changed, simd::bit_xor(x, y));
+        return y;
     }
 };
 
