@@ -10,6 +10,8 @@
 //   lanes(x, frame)    the same where the frame gathers something on the way; or
 //   lanes(x, doubt)    with a mask of the lanes that the vector path does not serve
 //   name, scalar(x, y) with such a mask: the name that reports carry, and one element's result, returning its status
+//   settle(x, y, doubt) where the doubted lanes have a vector path of their own: takes the lanes' results y, returns them
+//                      with the lanes put in that it serves, and leaves the others in doubt
 //
 // and ORV_ONE_INPUT makes the dense and the strided kernel from it.
 #pragma once
@@ -81,7 +83,10 @@ template <class Kernel, class In, class Out>
     for (int32_t lane = 0; lane < Kernel::block; ++lane) x[lane] = lane < count ? *a.at(i + lane) : Element{harmless};
     for (int32_t k = 0; k < count; k += width) {
         V doubt;
-        simd::store(r + k, Kernel::lanes(simd::load(x + k), doubt));
+        V result = Kernel::lanes(simd::load(x + k), doubt);
+        if constexpr (requires { Kernel::settle(result, result, doubt); })
+            if (simd::lane_bits(doubt) != 0) result = Kernel::settle(simd::load(x + k), result, doubt);
+        simd::store(r + k, result);
         const unsigned bits = simd::lane_bits(doubt);
         for (int32_t lane = k; lane < k + width && lane < count; ++lane) {
             if (!(bits >> (lane - k) & 1)) continue;

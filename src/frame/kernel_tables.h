@@ -108,7 +108,7 @@
     ROW(LATER, d, Ln,         ONE,        LA_HA, COST(18, 18, 11.07))             \
     ROW(LATER, d, Log10,      ONE,        LA_EP, MEASURED(dLog10))                \
     ROW(LATER, d, Cos,        ONE,        LA_HA, MEASURED(dCos))                  \
-    ROW(LATER, d, Sin,        ONE,        EACH,  COST(20.147, 21.88, 14.681))     \
+    ROW(HERE,  d, Sin,        ONE,        EACH,  COST(20.147, 21.88, 14.681))     \
     ROW(LATER, d, Tan,        ONE,        EACH,  COST(23.031, 60.573, 20.467))    \
     ROW(LATER, d, Acos,       ONE,        EACH,  MEASURED(dAcos))                 \
     ROW(LATER, d, Acosh,      ONE,        LA_EP, MEASURED(dAcosh))                \

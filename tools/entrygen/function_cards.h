@@ -17,5 +17,6 @@
     CARD(Add, "a + b", "As IEC 60559 addition.", "Correctly rounded.", "IEC 60559") \
     CARD(Sub, "a - b", "As IEC 60559 subtraction.", "Correctly rounded.", "IEC 60559") \
     CARD(Mul, "a * b", "As IEC 60559 multiplication.", "Correctly rounded.", "IEC 60559") \
-    CARD(Conj, "the complex conjugate of a", "The sign bit of the imaginary part is turned whatever it is the sign of; no flag is raised.", "Exact.", "C99 7.3.9.4")
+    CARD(Conj, "the complex conjugate of a", "The sign bit of the imaginary part is turned whatever it is the sign of; no flag is raised.", "Exact.", "C99 7.3.9.4") \
+    CARD(Sin, "the sine of a", "An infinity gives a NaN and status 1, a NaN a quiet NaN; zeros come back.", "HA 0.56 ulp.", "Payne and Hanek, Radian Reduction for Trigonometric Functions, 1983")
 // clang-format on
