@@ -8,12 +8,18 @@
 //   tail               what happens to the elements after the last whole block
 //   lanes(x)           from lanes to lanes, where the vector path serves every value; or
 //   lanes(x, frame)    the same where the frame gathers something on the way; or
-//   lanes(x, doubt)    with a mask of the lanes that the vector path does not serve
-//   name, scalar(x, y) with such a mask: the name that reports carry, and one element's result, returning its status
-//   settle(x, y, doubt) where the doubted lanes have a vector path of their own: takes the lanes' results y, returns them
-//                      with the lanes put in that it serves, and leaves the others in doubt
+//   lanes(x, doubt)    with a mask of the lanes that the vector path does not serve; or
+//   lanes(x), doubt(x) with that mask from a test of the arguments alone. The test comes first, for the whole block, so
+//                      nothing of a block is kept in registers; results of lanes in doubt are thrown away
+//   name, scalar(x, y) with either mask: the name that reports carry, and one element's result, returning its status
+//   rejected           with doubt(x), optional: what becomes of a block with a lane in doubt
+//   settle_silent(x, y, doubt)
+//                      with doubt(x), optional: settles in vector form what it can of the lanes in doubt and takes them
+//                      out of the mask; used where the thread's mode allows no report
+//   settle(x, y, doubt) optional: where the lanes in doubt have a vector path of their own. Takes the results y, returns
+//                      them with the lanes put in that it serves, and leaves the others in doubt
 //
-// and ORV_ONE_INPUT makes the dense and the strided kernel from it.
+// and ORV_ONE_INPUT makes the dense and the strided kernel from it. A mask counts by its lanes' sign bits.
 #pragma once
 
 #include "frame/error_report.h"
@@ -26,6 +32,23 @@ enum class Tail {
     by_element,  // one after another
     padded,      // one whole block, filled up with the first remaining element
     masked,      // groups of one register, filled up with a harmless value
+};
+
+enum class Rejected {
+    by_lane,      // the lanes in doubt go through scalar(), the others keep the vector result
+    whole_block,  // all lanes go through scalar(), in order
+};
+
+// What most kernels of one element type say of themselves, to be inherited.
+template <class T, int Block, Tail TheTail, Rejected WhatOfRejected = Rejected::by_lane>
+struct OneInput {
+    using Element = T;
+    using Result = T;
+    using Frame = GeneralFrame;
+    using V = typename simd::Lanes<T>::V;
+    static constexpr int block = Block;
+    static constexpr Tail tail = TheTail;
+    static constexpr Rejected rejected = WhatOfRejected;
 };
 
 // An array as a kernel sees it. The two forms of a kernel differ in nothing else.
@@ -61,6 +84,35 @@ inline constexpr float harmless = 0.75f;
 template <class Kernel>
 concept Doubtful = requires { Kernel::name; };
 
+template <class Kernel>
+using LanesOf = typename simd::Lanes<typename Kernel::Element>::V;
+
+// The mask of lanes in doubt comes from a test of its own.
+template <class Kernel>
+concept Tested = requires(LanesOf<Kernel> x) { Kernel::doubt(x); };
+
+template <class Kernel>
+constexpr bool rejects_whole_blocks() {
+    if constexpr (requires { Kernel::rejected; })
+        return Kernel::rejected == Rejected::whole_block;
+    else
+        return false;
+}
+
+// One register's results with their mask, whichever form the kernel has.
+template <class Kernel, class V>
+inline auto doubtful_lanes(V x, V& doubt, [[maybe_unused]] const typename Kernel::Frame& frame) {
+    if constexpr (Tested<Kernel>) {
+        doubt = Kernel::doubt(x);
+        auto r = Kernel::lanes(x);
+        if constexpr (requires { Kernel::settle_silent(x, r, doubt); })
+            if (frame.silent()) r = Kernel::settle_silent(x, r, doubt);
+        return r;
+    } else {
+        return Kernel::lanes(x, doubt);
+    }
+}
+
 // The lanes of a kernel that serves every value.
 template <class Kernel, class V>
 inline auto sure_lanes(V x, typename Kernel::Frame& frame) {
@@ -74,7 +126,8 @@ inline auto sure_lanes(V x, typename Kernel::Frame& frame) {
 // are settled from lane 0 up. A reported element is in its place in `y` before the reporter runs, which may change it
 // there; the block is stored at the end. Nothing outside the arrays is touched.
 template <class Kernel, class In, class Out>
-[[gnu::noinline, gnu::cold]] void map_buffered(int32_t i, int32_t count, In a, Out y) {
+[[gnu::noinline, gnu::cold]] void map_buffered(int32_t i, int32_t count, In a, Out y,
+                                             const typename Kernel::Frame& frame) {
     using Element = typename Kernel::Element;
     using V = typename simd::Lanes<Element>::V;
     constexpr int width = simd::Lanes<Element>::width;
@@ -82,12 +135,15 @@ template <class Kernel, class In, class Out>
     alignas(16) typename Kernel::Result r[Kernel::block];
     for (int32_t lane = 0; lane < Kernel::block; ++lane) x[lane] = lane < count ? *a.at(i + lane) : Element{harmless};
     for (int32_t k = 0; k < count; k += width) {
-        V doubt;
-        V result = Kernel::lanes(simd::load(x + k), doubt);
-        if constexpr (requires { Kernel::settle(result, result, doubt); })
-            if (simd::lane_bits(doubt) != 0) result = Kernel::settle(simd::load(x + k), result, doubt);
-        simd::store(r + k, result);
-        const unsigned bits = simd::lane_bits(doubt);
+        unsigned bits = ~0u;
+        if constexpr (!rejects_whole_blocks<Kernel>()) {
+            V doubt;
+            auto result = doubtful_lanes<Kernel>(simd::load(x + k), doubt, frame);
+            if constexpr (requires { Kernel::settle(result, result, doubt); })
+                if (simd::lane_bits(doubt) != 0) result = Kernel::settle(simd::load(x + k), result, doubt);
+            simd::store(r + k, result);
+            bits = simd::lane_bits(doubt);
+        }
         for (int32_t lane = k; lane < k + width && lane < count; ++lane) {
             if (!(bits >> (lane - k) & 1)) continue;
             const int32_t status = Kernel::scalar(&x[lane], &r[lane]);
@@ -106,8 +162,17 @@ template <class Kernel, int Registers, class In, class Out>
 inline void map_registers(int32_t i, In a, Out y, [[maybe_unused]] typename Kernel::Frame& frame) {
     constexpr int width = simd::Lanes<typename Kernel::Element>::width;
     using V = typename simd::Lanes<typename Kernel::Element>::V;
-    V r[Registers];
-    if constexpr (Doubtful<Kernel>) {
+    [[maybe_unused]] V r[Registers];
+    if constexpr (Tested<Kernel>) {
+        V any = Kernel::doubt(a.load(i));
+#pragma GCC unroll 16
+        for (int k = 1; k < Registers; ++k) any = simd::bit_or(any, Kernel::doubt(a.load(i + k * width)));
+        if (simd::lane_bits(any) != 0) [[unlikely]]
+            return map_buffered<Kernel>(i, Registers * width, a, y, frame);
+#pragma GCC unroll 16
+        for (int k = 0; k < Registers; ++k) y.store(i + k * width, Kernel::lanes(a.load(i + k * width)));
+        return;
+    } else if constexpr (Doubtful<Kernel>) {
         V any;
 #pragma GCC unroll 16
         for (int k = 0; k < Registers; ++k) {
@@ -116,7 +181,7 @@ inline void map_registers(int32_t i, In a, Out y, [[maybe_unused]] typename Kern
             any = k == 0 ? doubt : simd::bit_or(any, doubt);
         }
         if (simd::lane_bits(any) != 0) [[unlikely]]
-            return map_buffered<Kernel>(i, Registers * width, a, y);
+            return map_buffered<Kernel>(i, Registers * width, a, y, frame);
     } else {
 #pragma GCC unroll 16
         for (int k = 0; k < Registers; ++k) r[k] = sure_lanes<Kernel>(a.load(i + k * width), frame);
@@ -133,12 +198,26 @@ inline void map_group(int32_t i, int32_t count, In a, Out y, [[maybe_unused]] ty
     const V x = simd::load_part(a.at(i), a.increment, count, Scalar{harmless});
     if constexpr (Doubtful<Kernel>) {
         V doubt;
-        const V r = Kernel::lanes(x, doubt);
+        const V r = doubtful_lanes<Kernel>(x, doubt, frame);
         if (simd::lane_bits(doubt) != 0) [[unlikely]]
-            return map_buffered<Kernel>(i, count, a, y);
+            return map_buffered<Kernel>(i, count, a, y, frame);
         simd::store_part(y.at(i), y.increment, count, r);
     } else {
         simd::store_part(y.at(i), y.increment, count, sure_lanes<Kernel>(x, frame));
+    }
+}
+
+// One element. In a kernel with doubts every lane holds it, so that the others add nothing to its exceptions.
+template <class Kernel, class In, class Out>
+inline void map_element(int32_t i, In a, Out y, typename Kernel::Frame& frame) {
+    if constexpr (Doubtful<Kernel>) {
+        LanesOf<Kernel> doubt;
+        const auto r = doubtful_lanes<Kernel>(simd::load_splat(a.at(i)), doubt, frame);
+        if (simd::lane_bits(doubt) != 0) [[unlikely]]
+            return map_buffered<Kernel>(i, 1, a, y, frame);
+        simd::store_one(y.at(i), r);
+    } else {
+        simd::store_one(y.at(i), sure_lanes<Kernel>(simd::load_one(a.at(i)), frame));
     }
 }
 
@@ -164,7 +243,7 @@ inline void map(int32_t n, In a, Out y) {
     for (; i <= n - Kernel::block; i += Kernel::block) map_registers<Kernel, registers>(i, a, y, frame);
 
     if constexpr (Kernel::tail == Tail::by_element) {
-        for (; i < n; ++i) simd::store_one(y.at(i), sure_lanes<Kernel>(simd::load_one(a.at(i)), frame));
+        for (; i < n; ++i) map_element<Kernel>(i, a, y, frame);
     } else if constexpr (Kernel::tail == Tail::padded) {
         if (i < n) map_padded<Kernel>(i, n - i, a, y);
     } else {

@@ -49,8 +49,8 @@
     ROW(LATER, s, InvSqrt,    ONE,        EACH,  MEASURED(sInvSqrt))              \
     ROW(LATER, s, Cbrt,       ONE,        EACH,  MEASURED(sCbrt))                 \
     ROW(LATER, s, InvCbrt,    ONE,        EACH,  MEASURED(sInvCbrt))              \
-    ROW(LATER, s, Exp,        ONE,        EACH,  COST(5.667, 6.42, 3.633))        \
-    ROW(LATER, s, Ln,         ONE,        EACH,  COST(6.823, 8.138, 4.498))       \
+    ROW(HERE,  s, Exp,        ONE,        EACH,  COST(5.667, 6.42, 3.633))        \
+    ROW(HERE,  s, Ln,         ONE,        EACH,  COST(6.823, 8.138, 4.498))       \
     ROW(LATER, s, Log10,      ONE,        EACH,  MEASURED(sLog10))                \
     ROW(LATER, s, Cos,        ONE,        EACH,  MEASURED(sCos))                  \
     ROW(LATER, s, Sin,        ONE,        EACH,  COST(7.451, 13.009, 5.954))      \
@@ -104,12 +104,12 @@
     ROW(LATER, d, InvSqrt,    ONE,        LA_EP, MEASURED(dInvSqrt))              \
     ROW(LATER, d, Cbrt,       ONE,        LA_EP, MEASURED(dCbrt))                 \
     ROW(LATER, d, InvCbrt,    ONE,        ALL,   MEASURED(dInvCbrt))              \
-    ROW(LATER, d, Exp,        ONE,        EACH,  COST(11.07, 16.065, 8.56))       \
-    ROW(LATER, d, Ln,         ONE,        LA_HA, COST(18, 18, 11.07))             \
+    ROW(HERE,  d, Exp,        ONE,        EACH,  COST(11.07, 16.065, 8.56))       \
+    ROW(HERE,  d, Ln,         ONE,        LA_HA, COST(18, 18, 11.07))             \
     ROW(LATER, d, Log10,      ONE,        LA_EP, MEASURED(dLog10))                \
-    ROW(LATER, d, Cos,        ONE,        LA_HA, MEASURED(dCos))                  \
+    ROW(HERE,  d, Cos,        ONE,        LA_HA, MEASURED(dCos))                  \
     ROW(HERE,  d, Sin,        ONE,        EACH,  COST(20.147, 21.88, 14.681))     \
-    ROW(LATER, d, Tan,        ONE,        EACH,  COST(23.031, 60.573, 20.467))    \
+    ROW(HERE,  d, Tan,        ONE,        EACH,  COST(23.031, 60.573, 20.467))    \
     ROW(LATER, d, Acos,       ONE,        EACH,  MEASURED(dAcos))                 \
     ROW(LATER, d, Acosh,      ONE,        LA_EP, MEASURED(dAcosh))                \
     ROW(LATER, d, Asin,       ONE,        EACH,  MEASURED(dAsin))                 \
@@ -240,7 +240,7 @@
     ROW(LATER, d, Powx,       SCALAR,     EACH,  MEASURED(dPowx))                 \
     ROW(LATER, s, SinCos,     TWO_OUT,    LA_EP, MEASURED(sSinCos))               \
     ROW(LATER, s, Modf,       TWO_OUT,    ALL,   MEASURED(sModf))                 \
-    ROW(LATER, d, SinCos,     TWO_OUT,    LA_HA, MEASURED(dSinCos))               \
+    ROW(HERE,  d, SinCos,     TWO_OUT,    LA_HA, MEASURED(dSinCos))               \
     ROW(LATER, d, Modf,       TWO_OUT,    ALL,   MEASURED(dModf))                 \
     ROW(LATER, s, LinearFrac, LINEAR,     ALL,   MEASURED(sLinearFrac))           \
     ROW(LATER, d, LinearFrac, LINEAR,     ALL,   MEASURED(dLinearFrac))

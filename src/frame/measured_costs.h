@@ -25,5 +25,22 @@
 #define ORV_COST_dAdd 1, 1, 1
 #define ORV_COST_dSub 1, 1, 1
 #define ORV_COST_dMul 1, 1, 1
+#define ORV_COST_sCos 1, 1, 1
+#define ORV_COST_sTan 1, 1, 1
+#define ORV_COST_sSinpi 1, 1, 1
+#define ORV_COST_sCospi 1, 1, 1
+#define ORV_COST_sTanpi 1, 1, 1
+#define ORV_COST_sSind 1, 1, 1
+#define ORV_COST_sCosd 1, 1, 1
+#define ORV_COST_sTand 1, 1, 1
+#define ORV_COST_dCos 1, 1, 1
+#define ORV_COST_dSinpi 1, 1, 1
+#define ORV_COST_dCospi 1, 1, 1
+#define ORV_COST_dTanpi 1, 1, 1
+#define ORV_COST_dSind 1, 1, 1
+#define ORV_COST_dCosd 1, 1, 1
+#define ORV_COST_dTand 1, 1, 1
+#define ORV_COST_sSinCos 1, 1, 1
+#define ORV_COST_dSinCos 1, 1, 1
 
 #endif

@@ -73,6 +73,10 @@ inline auto splat(double x) {
     return _mm_set1_pd(x);
 }
 
+// One element in every lane.
+inline __m128 load_splat(const float* p) { return _mm_load1_ps(p); }
+inline __m128d load_splat(const double* p) { return _mm_loaddup_pd(p); }
+
 // ---- One element, the other lanes zero -------------------------------------------------------------------------------
 
 inline __m128 load_one(const float* p) { return _mm_load_ss(p); }
@@ -147,14 +151,15 @@ inline __m128d bit_xor(__m128d a, __m128d b) { return _mm_xor_pd(a, b); }
 inline __m128 bit_and_not(__m128 a, __m128 b) { return _mm_andnot_ps(a, b); }
 inline __m128d bit_and_not(__m128d a, __m128d b) { return _mm_andnot_pd(a, b); }
 
+inline __m128i bits_of(__m128 x) { return _mm_castps_si128(x); }
+inline __m128i bits_of(__m128d x) { return _mm_castpd_si128(x); }
+inline __m128 floats(__m128i bits) { return _mm_castsi128_ps(bits); }
+inline __m128d doubles(__m128i bits) { return _mm_castsi128_pd(bits); }
+
 inline __m128 sign_of(__m128 x) { return bit_and(x, splat(-0.0f)); }
 inline __m128d sign_of(__m128d x) { return bit_and(x, splat(-0.0)); }
 
-// The register's bits as integers and back, and shifts of the 64-bit lanes.
-inline __m128i as_bits(__m128 x) { return _mm_castps_si128(x); }
-inline __m128i as_bits(__m128d x) { return _mm_castpd_si128(x); }
-inline __m128 as_floats(__m128i x) { return _mm_castsi128_ps(x); }
-inline __m128d as_doubles(__m128i x) { return _mm_castsi128_pd(x); }
+// Shifts of 64-bit lanes, 64-bit integers in both lanes.
 template <int Bits>
 inline __m128i shift_left(__m128i x) {
     return _mm_slli_epi64(x, Bits);

@@ -17,6 +17,11 @@
     CARD(Add, "a + b", "As IEC 60559 addition.", "Correctly rounded.", "IEC 60559") \
     CARD(Sub, "a - b", "As IEC 60559 subtraction.", "Correctly rounded.", "IEC 60559") \
     CARD(Mul, "a * b", "As IEC 60559 multiplication.", "Correctly rounded.", "IEC 60559") \
-    CARD(Conj, "the complex conjugate of a", "The sign bit of the imaginary part is turned whatever it is the sign of; no flag is raised.", "Exact.", "C99 7.3.9.4") \
-    CARD(Sin, "the sine of a", "An infinity gives a NaN and status 1, a NaN a quiet NaN; zeros come back.", "HA 0.56 ulp.", "Payne and Hanek, Radian Reduction for Trigonometric Functions, 1983")
+    CARD(Exp, "e to the power a", "Above 709.78 (s: 88.72) infinity, reported as overflow; below -708.40 (s: -87.34) a subnormal or zero, reported as underflow; minus infinity gives +0.", "Correct to about half an ulp in HA.", "P. T. P. Tang, Table-driven implementation of the exponential function, ACM TOMS 15 (1989)") \
+    CARD(Ln, "the natural logarithm of a", "Zero gives minus infinity, reported as singularity; negative values a NaN, reported as domain; plus infinity comes back.", "Correct to about half an ulp in HA.", "P. T. P. Tang, Table-driven implementation of the logarithm function, ACM TOMS 16 (1990)") \
+    CARD(Sin, "the sine of a", "An infinity gives a NaN and status 1, a NaN a quiet NaN; zeros come back.", "HA 0.56 ulp.", "Payne and Hanek, Radian Reduction for Trigonometric Functions, 1983") \
+    CARD(Cos, "the cosine of a", "An infinity gives a NaN and status 1, a NaN a quiet NaN.", "HA 0.56 ulp.", "Payne and Hanek, Radian Reduction for Trigonometric Functions, 1983") \
+    CARD(Tan, "the tangent of a", "An infinity gives a NaN and status 1, a NaN a quiet NaN; zeros come back.", "HA 0.65 ulp.", "Payne and Hanek, Radian Reduction for Trigonometric Functions, 1983") \
+    CARD(SinCos, "the sine of a, and z[i] its cosine", "An infinity gives NaNs and status 1, a NaN quiet NaNs.", "HA 0.56 ulp.", "Payne and Hanek, Radian Reduction for Trigonometric Functions, 1983") \
+    CARD(Conj, "the complex conjugate of a", "The sign bit of the imaginary part is turned whatever it is the sign of; no flag is raised.", "Exact.", "C99 7.3.9.4")
 // clang-format on

@@ -16,6 +16,17 @@ void exp2_pairs(const Output& output, int rows) {
     }
 }
 
+// Row j: 2^(j/rows) to nearest float, and what rounding took from it, as a fraction of it.
+void exp2_float_pairs(const Output& output, int rows) {
+    Table table(output, "exp2_float_" + std::to_string(rows),
+                "2^(j/" + std::to_string(rows) + "), and the relative rest of it");
+    for (int j = 0; j < rows; ++j) {
+        const Real value = exp2(Real(j) / Real(rows));
+        const float high = to_float(value);
+        table.row_of_floats({high, to_float((value - Real(high)) / Real(high))});
+    }
+}
+
 // Row j: the significand bits of 2^(j/rows) to nearest double, to be joined with an exponent.
 void exp2_significands(const Output& output, int rows) {
     Table table(output, "exp2_bits_" + std::to_string(rows), "the fraction bits of 2^(j/" + std::to_string(rows) + ")");
@@ -60,6 +71,7 @@ void exp_log_tables(const Output& output) {
     exp2_pairs(output, 64);
     exp2_pairs(output, 128);
     exp2_significands(output, 128);
+    exp2_float_pairs(output, 128);
     log_513(output, "ln_513", log);
     log_257(output, "ln_257", log);
     log_257(output, "log10_257", log10);

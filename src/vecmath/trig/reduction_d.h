@@ -21,7 +21,7 @@ struct Main128 {
     explicit Main128(D a) : Main128(a, a * splat(20.371832715762604) + splat(shifter)) {}
 
 private:
-    Main128(D a, D k_shifted) : j(simd::as_bits(k_shifted)), step(reduced(a, k_shifted - splat(shifter))) {}
+    Main128(D a, D k_shifted) : j(simd::bits_of(k_shifted)), step(reduced(a, k_shifted - splat(shifter))) {}
     static Step128 reduced(D a, D k) {
         const D r0 = a - k * splat(0.049087385210441425);
         const D t = k * splat(1.8990939082199894e-12);
@@ -65,8 +65,8 @@ inline Fraction fraction_of_turn(__m128i significand, const uint64_t* row0, cons
 }
 
 inline Reduced reduce_large(D x) {
-    const __m128i bits = simd::as_bits(x);
-    const __m128i sign = simd::as_bits(simd::sign_of(x));
+    const __m128i bits = simd::bits_of(x);
+    const __m128i sign = simd::bits_of(simd::sign_of(x));
     // The last row serves infinities and NaNs too; what comes of them is not used.
     const __m128i exponent = _mm_min_epi16(_mm_and_si128(simd::shift_right<52>(bits), simd::splat_bits(0x7FF)),
                                            simd::splat_bits(2046));
@@ -77,10 +77,10 @@ inline Reduced reduce_large(D x) {
 
     // The fraction in three pieces of 52 bits, each as a number 1 + m less its 1, with the sign of x.
     const auto piece = [=](__m128i digits, double unit) {
-        const __m128i one = _mm_xor_si128(simd::as_bits(splat(unit)), sign);
-        return simd::as_doubles(_mm_or_si128(digits, one));
+        const __m128i one = _mm_xor_si128(simd::bits_of(splat(unit)), sign);
+        return simd::doubles(_mm_or_si128(digits, one));
     };
-    const auto signed_unit = [=](double unit) { return simd::as_doubles(_mm_xor_si128(simd::as_bits(splat(unit)), sign)); };
+    const auto signed_unit = [=](double unit) { return simd::doubles(_mm_xor_si128(simd::bits_of(splat(unit)), sign)); };
     const __m128i digits1 = simd::shift_right<12>(f.high);
     const __m128i digits2 = _mm_or_si128(_mm_srli_epi64(_mm_slli_epi64(f.high, 52), 12), simd::shift_right<24>(f.next));
     const __m128i digits3 = _mm_srli_epi64(_mm_slli_epi64(f.next, 40), 12);
@@ -97,7 +97,7 @@ inline Reduced reduce_large(D x) {
 
     // Times 2 pi. The product of the leading parts is exact: 26 and 27 bits.
     const D two_pi_a = splat(6.2831853032112122), two_pi_b = splat(3.9683743187221617e-09);
-    const D h1 = simd::bit_and(high, simd::as_doubles(simd::splat_bits(0xFFFFFFFFF8000000)));
+    const D h1 = simd::bit_and(high, simd::doubles(simd::splat_bits(0xFFFFFFFFF8000000)));
     const D h2 = high - h1;
     const D product = h1 * two_pi_a;
     const D rest = h2 * two_pi_a + h1 * two_pi_b + h2 * two_pi_b + low * splat(6.2831853071795862);
@@ -107,7 +107,7 @@ inline Reduced reduce_large(D x) {
     // Arguments this small are their own reduction, and keep all their digits that way.
     const D is_large = simd::less(splat(9.5367431640625e-07), simd::magnitude(x));
     return {simd::select(is_large, r, x), simd::bit_and(is_large, r_low),
-            _mm_and_si128(simd::as_bits(shifted), simd::as_bits(is_large))};
+            _mm_and_si128(simd::bits_of(shifted), simd::bits_of(is_large))};
 }
 
 }  // namespace orv::trig

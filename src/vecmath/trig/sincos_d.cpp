@@ -7,6 +7,7 @@
 //
 // Valid for every finite x.
 #include "frame/two_output_loops.h"
+#include "vecmath/trig/half_turns_d.h"
 #include "vecmath/trig/not_finite.h"
 #include "vecmath/trig/reduction_d.h"
 
@@ -50,9 +51,8 @@ struct SinCosEP : SinCos {
         const D shifted = a * splat(0.63661977236758138) + splat(shifter);
         const D k = shifted - splat(shifter);
         const D r = ((a - k * splat(1.5707962512969971)) - k * splat(7.5497894158615964e-08)) - k * splat(5.390302858158119e-15);
-        const Quarter quarter(r, shifted);
-        y = simd::bit_xor(quarter.sine(), simd::sign_of(x));
-        z = quarter.cosine();
+        quarter_turns_26(r, shifted, y, z);
+        y = simd::bit_xor(y, simd::sign_of(x));
     }
 };
 

@@ -8,6 +8,7 @@
 //
 // Valid for every finite x; no double is close enough to a pole to overflow.
 #include "frame/kernel_loops.h"
+#include "vecmath/trig/half_turns_d.h"
 #include "vecmath/trig/not_finite.h"
 #include "vecmath/trig/reduction_d.h"
 
@@ -39,25 +40,13 @@ inline D denominator_rest(D z) {
     return z * (splat(-0.46161680337080113) + z * (splat(0.023344852656587221) + z * splat(-0.00020844803827304198)));
 }
 
-// All ones where the lowest bit of the 64-bit lane is set.
-inline D odd_mask(D shifted) {
-    const __m128i sign = _mm_srai_epi32(simd::shift_left<63>(simd::as_bits(shifted)), 31);
-    return simd::as_doubles(_mm_shuffle_epi32(sign, _MM_SHUFFLE(3, 3, 1, 1)));
-}
-
-inline void exchange(D mask, D& a, D& b) {
-    const D difference = simd::bit_and(mask, simd::bit_xor(a, b));
-    a = simd::bit_xor(a, difference);
-    b = simd::bit_xor(b, difference);
-}
-
 struct TanLA : Tan {
     static D lanes(D x, D& doubt) {
         const D a = simd::magnitude(x);
         doubt = simd::not_less(a, splat(128000.0));
         const D shifted = a * splat(0.63661977236758138) + splat(shifter);
         const D k = shifted - splat(shifter);
-        const D sign = simd::bit_xor(simd::sign_of(x), simd::as_doubles(simd::shift_left<63>(simd::as_bits(shifted))));
+        const D sign = simd::bit_xor(simd::sign_of(x), odd_sign(shifted));
         const D odd = odd_mask(shifted);
         const D r0 = a - k * splat(1.5707963267923333);
         const D t = k * splat(2.5633441515839558e-12);
@@ -84,7 +73,7 @@ struct TanEP : Tan {
         doubt = simd::not_less(a, splat(128000.0));
         const D shifted = a * splat(0.63661977236758138) + splat(shifter);
         const D k = shifted - splat(shifter);
-        const D sign = simd::bit_xor(simd::sign_of(x), simd::as_doubles(simd::shift_left<63>(simd::as_bits(shifted))));
+        const D sign = simd::bit_xor(simd::sign_of(x), odd_sign(shifted));
         const D r = ((a - k * splat(1.5707962512969971)) - k * splat(7.5497894158615964e-08)) - k * splat(5.390302858158119e-15);
         const D z = r * r;
         D num = r + r * numerator_rest(z), den = splat(1.0) + denominator_rest(z);
@@ -103,7 +92,7 @@ struct TanHA : Tan {
         const D t = k * splat(4.7477347705499734e-13);
         const D r = r0 - t;
         const D low = ((r0 - r) - t) - k * splat(1.5798955068718364e-23);
-        return simd::bit_xor(Tangent512(Reduced{r, low, simd::as_bits(shifted)}).value(), simd::sign_of(x));
+        return simd::bit_xor(Tangent512(Reduced{r, low, simd::bits_of(shifted)}).value(), simd::sign_of(x));
     }
 };
 

@@ -1,0 +1,77 @@
+// Constants in every lane, as a kernel's constant block holds them, and the rows of its table by lane.
+#pragma once
+
+#include "simd/lanes.h"
+
+namespace orv::simd {
+
+// A number in every lane: lanes among lanes, a number among numbers.
+template <class Scalar>
+struct alignas(16) Splat {
+    Scalar lanes[16 / sizeof(Scalar)];
+
+    constexpr Splat(Scalar x) : lanes{} {
+        for (Scalar& lane : lanes) lane = x;
+    }
+    operator typename Lanes<Scalar>::V() const { return load_aligned(lanes); }
+    constexpr operator Scalar() const { return lanes[0]; }
+};
+#define ORV_SPLAT_OPERATOR(V, Scalar, symbol)                                                        \
+    inline V operator symbol(V a, const Splat<Scalar>& b) { return a symbol load_aligned(b.lanes); } \
+    inline V operator symbol(const Splat<Scalar>& a, V b) { return load_aligned(a.lanes) symbol b; }
+ORV_SPLAT_OPERATOR(__m128, float, +)
+ORV_SPLAT_OPERATOR(__m128, float, -)
+ORV_SPLAT_OPERATOR(__m128, float, *)
+ORV_SPLAT_OPERATOR(__m128d, double, +)
+ORV_SPLAT_OPERATOR(__m128d, double, -)
+ORV_SPLAT_OPERATOR(__m128d, double, *)
+#undef ORV_SPLAT_OPERATOR
+
+// Bits in every lane, of 32 or 64 bits.
+template <class Word>
+struct alignas(16) SplatBits {
+    Word lanes[16 / sizeof(Word)];
+
+    constexpr SplatBits(Word x) : lanes{} {
+        for (Word& lane : lanes) lane = x;
+    }
+    operator __m128i() const { return _mm_load_si128(reinterpret_cast<const __m128i*>(lanes)); }
+};
+
+// ---- Table rows by lane ----------------------------------------------------------------------------------------------
+
+// The low words of 64-bit lanes, as indices or byte offsets; below 65536.
+struct Offsets2 {
+    uint32_t at0, at1;
+};
+inline Offsets2 offsets_of(__m128i low_words) {
+    return {static_cast<uint32_t>(_mm_cvtsi128_si32(low_words)), static_cast<uint32_t>(_mm_extract_epi16(low_words, 4))};
+}
+// What stands `offset` bytes behind `start`.
+template <class T>
+inline const T* behind(const T* start, uint32_t offset) {
+    return reinterpret_cast<const T*>(reinterpret_cast<const char*>(start) + offset);
+}
+inline __m128d gather(const double* p0, const double* p1) { return _mm_loadh_pd(_mm_load_sd(p0), p1); }
+inline __m128i gather(const uint64_t* p0, const uint64_t* p1) {
+    return bits_of(gather(reinterpret_cast<const double*>(p0), reinterpret_cast<const double*>(p1)));
+}
+
+// The low words of 32-bit lanes, likewise.
+struct Offsets4 {
+    uint32_t at0, at1, at2, at3;
+};
+inline Offsets4 offsets_of_4(__m128i words) {
+    return {static_cast<uint32_t>(_mm_cvtsi128_si32(words)), static_cast<uint32_t>(_mm_extract_epi16(words, 2)),
+            static_cast<uint32_t>(_mm_extract_epi16(words, 4)), static_cast<uint32_t>(_mm_extract_epi16(words, 6))};
+}
+// The first and the second members of four pairs.
+inline void gather_pairs(const float (*rows)[2], Offsets4 j, __m128& first, __m128& second) {
+    const auto pair = [&](uint32_t i) { return reinterpret_cast<const __m64*>(rows[i]); };
+    const __m128 low = _mm_loadh_pi(_mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows[j.at0]))), pair(j.at1));
+    const __m128 high = _mm_loadh_pi(_mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows[j.at2]))), pair(j.at3));
+    first = _mm_shuffle_ps(low, high, _MM_SHUFFLE(2, 0, 2, 0));
+    second = _mm_shuffle_ps(low, high, _MM_SHUFFLE(3, 1, 3, 1));
+}
+
+}  // namespace orv::simd

@@ -1,0 +1,85 @@
+// sLn: the natural logarithm.
+//
+// After the reduction of log_s.h, ln x = k ln 2 + r + r^2 P(r). "LA" and "EP" add r + r^2 P first and the rounded k ln 2
+// last. "HA" has ln 2 in two parts, so that k times the first is exact; its sum with r is taken with its rounding error
+// (exact by the order of magnitudes, or by k = 0), which joins the small terms.
+//
+// Worst errors measured (all arguments): "LA" @LA@ ulp, "HA" @HA@ ulp, "EP" 2^@EP@ relative.
+#include "vecmath/exp_log/log_s.h"
+
+namespace {
+
+using namespace orv;
+using simd::Splat;
+
+struct LnLaBlock {
+    char name[8] = "vsLn";
+    Splat<float> ln2{0x1.62e43p-1f};
+    Splat<float> c2{-0.5f}, c3{0x1.555dcep-2f}, c4{-0x1.000c3ap-2f}, c5{0x1.95f702p-3f}, c6{-0x1.5126bp-3f},
+        c7{0x1.5b70d6p-3f}, c8{-0x1.36d444p-3f};
+    vecmath::LogReduction reduction{};
+};
+constexpr LnLaBlock ln_la;
+
+struct LnLa : vecmath::LogS<LnLa> {
+    static constexpr const LnLaBlock& K = ln_la;
+    static constexpr const char* name = K.name;
+
+    static __m128 log(__m128 x, __m128i k_shift) {
+        __m128 k, r;
+        K.reduction.reduce(x, k_shift, k, r);
+        const __m128 p = K.c2 + r * (K.c3 + r * (K.c4 + r * (K.c5 + r * (K.c6 + r * (K.c7 + r * K.c8)))));
+        return (r + r * r * p) + k * K.ln2;
+    }
+};
+
+struct LnHaBlock {
+    char name[8] = "vsLn";
+    Splat<float> ln2_high{0x1.62e4p-1f}, ln2_low{0x1.7f7d1cp-20f};
+    Splat<float> c2{-0.5f}, c3{0x1.555506p-2f}, c4{-0x1.fffefp-3f}, c5{0x1.99d028p-3f}, c6{-0x1.559dccp-3f},
+        c7{0x1.1ed718p-3f}, c8{-0x1.f3113cp-4f}, c9{0x1.1e66bap-3f}, c10{-0x1.08059p-3f};
+    vecmath::LogReduction reduction{};
+};
+constexpr LnHaBlock ln_ha;
+
+struct LnHa : vecmath::LogS<LnHa> {
+    static constexpr const LnHaBlock& K = ln_ha;
+    static constexpr const char* name = K.name;
+
+    static __m128 log(__m128 x, __m128i k_shift) {
+        __m128 k, r;
+        K.reduction.reduce(x, k_shift, k, r);
+        const __m128 p =
+            K.c2 +
+            r * (K.c3 + r * (K.c4 + r * (K.c5 + r * (K.c6 + r * (K.c7 + r * (K.c8 + r * (K.c9 + r * K.c10)))))));
+        const __m128 k_high = k * K.ln2_high;
+        const __m128 sum = k_high + r;
+        const __m128 lost = (k_high - sum) + r;
+        return sum + (r * r * p + (k * K.ln2_low + lost));
+    }
+};
+
+struct LnEpBlock {
+    char name[8] = "vsLn";
+    Splat<float> ln2{0x1.62e43p-1f};
+    Splat<float> c2{-0.5f}, c3{0x1.54e2cp-2f}, c4{-0x1.11d1fcp-2f}, c5{0x1.c25266p-3f};
+    vecmath::LogReduction reduction{};
+};
+constexpr LnEpBlock ln_ep;
+
+struct LnEp : vecmath::LogS<LnEp> {
+    static constexpr const LnEpBlock& K = ln_ep;
+    static constexpr const char* name = K.name;
+
+    static __m128 log(__m128 x, __m128i k_shift) {
+        __m128 k, r;
+        K.reduction.reduce(x, k_shift, k, r);
+        return (r + r * r * (K.c2 + r * (K.c3 + r * (K.c4 + r * K.c5)))) + k * K.ln2;
+    }
+};
+
+}  // namespace
+
+ORV_ONE_INPUT(sLn, la, LnLa)
+ORV_ONE_INPUT(sLn, ha, LnHa)
+ORV_ONE_INPUT(sLn, ep, LnEp)

@@ -1,0 +1,63 @@
+// What the single precision logarithms share: the reduction and the scalar path.
+//
+// x = 2^k m with m in [2/3, 4/3), taken from the bits: those of x less those of 2/3 have k above the fraction, and the
+// rest of them on top of the bits of 2/3 again is m. Then r = m - 1 is exact, |r| <= 1/3, and next to 1 k is zero on both
+// sides, so that nothing cancels. The logarithm of base b is k log_b 2 + log_b(1 + r).
+//
+// The vector path serves positive normal arguments. Subnormals are scaled by 2^23, which k then makes up for.
+#pragma once
+
+#include "frame/kernel_loops.h"
+#include "simd/constants.h"
+#include "vecmath/exp_log/special.h"
+
+namespace orv::vecmath {
+
+// The constants of the reduction, part of each kernel's block.
+struct LogReduction {
+    simd::SplatBits<uint32_t> least_normal{0x00800000}, past_specials{0x01000000};
+    simd::SplatBits<uint32_t> two_thirds{0x3F2AAAAB}, fraction{0x007FFFFF};
+    simd::Splat<float> one{1.0f};
+
+    // Zero, subnormals, negative values, infinities and NaNs, by one signed comparison.
+    __m128 doubt(__m128 x) const {
+        return simd::floats(_mm_cmplt_epi32(_mm_add_epi32(simd::bits_of(x), least_normal), past_specials));
+    }
+    void reduce(__m128 x, __m128i k_shift, __m128& k, __m128& r) const {
+        const __m128i i = _mm_sub_epi32(simd::bits_of(x), two_thirds);
+        k = _mm_cvtepi32_ps(_mm_add_epi32(_mm_srai_epi32(i, 23), k_shift));
+        r = simd::floats(_mm_add_epi32(_mm_and_si128(i, fraction), two_thirds)) - one;
+    }
+};
+
+// Kernel::log(x, k_shift) is log_b(2^k_shift x) for positive normal x.
+template <class Kernel>
+int32_t scalar_log_s(const float* at, float* y) {
+    const float x = *at;
+    if (x < 0) {
+        *y = invalid<float>();
+        return frame::status_domain;
+    }
+    if (x == 0) {
+        *y = minus_infinity_at_pole<float>();
+        return frame::status_singularity;
+    }
+    if (!(x < std::numeric_limits<float>::infinity())) {
+        *y = x * 1.0f;
+        return frame::status_ok;
+    }
+    const bool subnormal = x < std::numeric_limits<float>::min();
+    const __m128 scaled = simd::splat(subnormal ? x * 0x1p+23f : x);
+    simd::store_one(y, Kernel::log(scaled, _mm_set1_epi32(subnormal ? -23 : 0)));
+    return frame::status_ok;
+}
+
+// The kernel of base b, from its `log`.
+template <class Kernel>
+struct LogS : frame::OneInput<float, 32, frame::Tail::masked> {
+    static __m128 doubt(__m128 x) { return Kernel::K.reduction.doubt(x); }
+    static __m128 lanes(__m128 x) { return Kernel::log(x, _mm_setzero_si128()); }
+    static int32_t scalar(const float* x, float* y) { return scalar_log_s<Kernel>(x, y); }
+};
+
+}  // namespace orv::vecmath

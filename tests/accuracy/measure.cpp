@@ -1,0 +1,91 @@
+#include "accuracy/measure.h"
+
+#include "frame/kernel_tables.h"
+
+#include <orv/vecmath_entries.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace orv::accuracy {
+
+namespace {
+
+void add_row(std::vector<Kernel>& list, char type, const char* function, const orv_arq_kernel* dense,
+             const orv_arq_kernel* strided) {
+    const oracle::Function* f = oracle::find(function);
+    if (!f) return;
+    for (int i = 0; i < 3; ++i) {
+        if (std::find(dense, dense + i, dense[i]) != dense + i) continue;
+        std::string slots;
+        for (int j = i; j < 3; ++j)
+            if (dense[j] == dense[i]) slots += (slots.empty() ? "" : ", ") + std::string(accuracy_names[j]);
+        list.push_back({type, function, static_cast<Accuracy>(i), slots, dense[i], strided[i], f});
+    }
+}
+
+template <class T>
+Worst measure_type(const Kernel& kernel, int64_t random_count, uint64_t seed) {
+    const oracle::ExtendedPrecision extended;
+    const std::vector<T> x = samples<T>(kernel.function, random_count, seed);
+    std::vector<T> y(x.size());
+    const auto call = reinterpret_cast<void (*)(int32_t, const T*, T*)>(kernel.dense);
+    call(static_cast<int32_t>(x.size()), x.data(), y.data());
+    Worst worst;
+    fold(worst, *kernel.oracle, x.data(), y.data(), static_cast<int64_t>(x.size()), kernel.accuracy != ep);
+    return worst;
+}
+
+}  // namespace
+
+const std::vector<Kernel>& kernels() {
+    static const std::vector<Kernel> list = [] {
+        std::vector<Kernel> rows;
+#define ADD_ONE(type, function) \
+    add_row(rows, #type[0], #function, orv_arq_kernel_##type##function##_ttab, orv_arq_kernel_##type##function##I_ttab);
+#define ADD_OTHER(type, function)
+#define SHAPE_ONE(type, function) ADD_ONE(type, function)
+#define SHAPE_TO_REAL ADD_OTHER
+#define SHAPE_TO_COMPLEX ADD_OTHER
+#define SHAPE_TWO ADD_OTHER
+#define SHAPE_SCALAR ADD_OTHER
+#define SHAPE_TWO_OUT ADD_OTHER
+#define SHAPE_LINEAR ADD_OTHER
+#define TYPE_s(type, function, shape) SHAPE_##shape(type, function)
+#define TYPE_d(type, function, shape) SHAPE_##shape(type, function)
+#define TYPE_c(type, function, shape)
+#define TYPE_z(type, function, shape)
+#define MARK_HERE(type, function, shape) TYPE_##type(type, function, shape)
+#define MARK_LATER(type, function, shape)
+#define ROW(mark, type, function, shape, sharing, cost) MARK_##mark(type, function, shape)
+        ORV_MATH_ROWS(ROW)
+        return rows;
+    }();
+    return list;
+}
+
+template <class T>
+void fold(Worst& worst, const oracle::Function& f, const T* x, const T* y, int64_t n, bool exact) {
+    for (int64_t i = 0; i < n; ++i) {
+        oracle::Error error = oracle::fast_error(f, x[i], y[i]);
+        const bool subnormal = std::fabs(y[i]) < std::numeric_limits<T>::min();
+        double& bar = subnormal ? worst.subnormal_ulp : worst.ulp;
+        if (exact && sizeof(T) == 8 && error.ulp > bar - oracle::fast_slack) error = oracle::exact_error(f, x[i], y[i]);
+        if (!subnormal) worst.relative = std::max(worst.relative, error.relative);
+        if (!(error.ulp > bar)) continue;
+        bar = error.ulp;
+        (subnormal ? worst.subnormal_at : worst.at) = x[i];
+    }
+    worst.count += n;
+}
+
+template void fold(Worst&, const oracle::Function&, const float*, const float*, int64_t, bool);
+template void fold(Worst&, const oracle::Function&, const double*, const double*, int64_t, bool);
+
+Worst measure(const Kernel& kernel, int64_t random_count, uint64_t seed) {
+    return kernel.type == 's' ? measure_type<float>(kernel, random_count, seed)
+                              : measure_type<double>(kernel, random_count, seed);
+}
+
+}  // namespace orv::accuracy

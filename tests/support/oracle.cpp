@@ -1,0 +1,116 @@
+#include "support/oracle.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace orv::oracle {
+
+namespace {
+
+#ifdef _WIN32
+#define EXACT(routine) nullptr
+#else
+int exact_logb(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t rounding) {
+    return mpfr_set_si(y, mpfr_zero_p(x) ? 0 : mpfr_get_exp(x) - 1, rounding);
+}
+#define EXACT(routine) routine
+#endif
+
+long double fast_exp10(long double x) {
+#ifdef _WIN32
+    return powl(10.0L, x);
+#else
+    return exp10l(x);
+#endif
+}
+
+constexpr Function functions[] = {
+    {"Exp", EXACT(mpfr_exp), expl},
+    {"Expm1", EXACT(mpfr_expm1), expm1l},
+    {"Exp2", EXACT(mpfr_exp2), exp2l},
+    {"Exp10", EXACT(mpfr_exp10), fast_exp10},
+    {"Ln", EXACT(mpfr_log), logl},
+    {"Log10", EXACT(mpfr_log10), log10l},
+    {"Log2", EXACT(mpfr_log2), log2l},
+    {"Log1p", EXACT(mpfr_log1p), log1pl},
+    {"Logb", EXACT(exact_logb), logbl},
+};
+
+template <class T>
+int ulp_exponent(int exponent) {
+    return std::max(exponent, std::numeric_limits<T>::min_exponent) - std::numeric_limits<T>::digits;
+}
+
+// `exact` lies in [2^(exponent-1), 2^exponent) in magnitude, or is zero.
+template <class T>
+Error error_of(long double exact, int exponent, T y) {
+    const int top = std::numeric_limits<T>::max_exponent;
+    if (std::isnan(y) || std::isnan(exact)) {
+        const double both = std::isnan(y) && std::isnan(exact) ? 0.0 : std::numeric_limits<double>::infinity();
+        return {both, both};
+    }
+    const long double limit = ldexpl(1.0L, top) - ldexpl(0.5L, top - std::numeric_limits<T>::digits);
+    long double result = y;
+    if (std::isinf(y)) result = copysignl(ldexpl(1.0L, top), result);
+    if (fabsl(exact) >= limit) exact = copysignl(ldexpl(1.0L, top), exact);
+    const long double difference = fabsl(result - exact);
+    const long double ulp = ldexpl(1.0L, ulp_exponent<T>(exponent));
+    return {static_cast<double>(difference / ulp), exact == 0 ? 0.0 : static_cast<double>(difference / fabsl(exact))};
+}
+
+template <class T>
+Error exact_error_of(const Function& f, T x, T y) {
+#ifdef _WIN32
+    return fast_error(f, x, y);
+#else
+    if (!std::isfinite(x) || !std::isfinite(y)) return fast_error(f, x, y);
+    mpfr_t exact, result;
+    mpfr_init2(exact, 140);
+    mpfr_init2(result, 140);
+    mpfr_set_d(result, x, MPFR_RNDN);
+    f.exact(exact, result, MPFR_RNDN);
+    if (mpfr_regular_p(exact) == 0) {
+        mpfr_clears(exact, result, nullptr);
+        return fast_error(f, x, y);
+    }
+    const int exponent = static_cast<int>(mpfr_get_exp(exact));
+    mpfr_set_d(result, y, MPFR_RNDN);
+    mpfr_sub(result, result, exact, MPFR_RNDN);
+    mpfr_div(exact, result, exact, MPFR_RNDN);
+    mpfr_mul_2si(result, result, -ulp_exponent<T>(exponent), MPFR_RNDN);
+    const Error error{std::fabs(mpfr_get_d(result, MPFR_RNDN)), std::fabs(mpfr_get_d(exact, MPFR_RNDN))};
+    mpfr_clears(exact, result, nullptr);
+    return error;
+#endif
+}
+
+template <class T>
+Error fast_error_of(const Function& f, T x, T y) {
+    const long double exact = f.fast(x);
+    int exponent = 0;
+    if (std::isfinite(exact)) frexpl(exact, &exponent);
+    return error_of(exact, exponent, y);
+}
+
+}  // namespace
+
+const Function* find(std::string_view name) {
+    for (const Function& f : functions)
+        if (f.name == name) return &f;
+    return nullptr;
+}
+
+Error exact_error(const Function& f, double x, double y) { return exact_error_of(f, x, y); }
+Error exact_error(const Function& f, float x, float y) { return exact_error_of(f, x, y); }
+Error fast_error(const Function& f, double x, double y) { return fast_error_of(f, x, y); }
+Error fast_error(const Function& f, float x, float y) { return fast_error_of(f, x, y); }
+
+ExtendedPrecision::ExtendedPrecision() {
+    __asm__ volatile("fnstcw %0" : "=m"(saved));
+    const unsigned short extended = saved | 0x0300;
+    __asm__ volatile("fldcw %0" : : "m"(extended));
+}
+ExtendedPrecision::~ExtendedPrecision() { __asm__ volatile("fldcw %0" : : "m"(saved)); }
+
+}  // namespace orv::oracle

@@ -1,0 +1,102 @@
+// The row list as the tests see it: every row, with its entries and tables where its kernels are there.
+#pragma once
+
+#include "frame/kernel_tables.h"
+
+#include <orv/vecmath.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orv::test {
+
+enum class Sharing { ALL, LA_HA, LA_EP, EACH };
+
+using Entry = void (*)();
+
+// One form, dense or strided, of a row. Entries are in the order of the accuracy index: "LA", "HA", "EP".
+struct Form {
+    Entry entries[3] = {};
+    Entry ha_twin = nullptr;
+    const orv_arq_kernel* ttab = nullptr;
+    const float* ctab = nullptr;
+};
+
+struct Row {
+    bool here;
+    char type;
+    std::string_view function;
+    std::string_view shape;
+    Sharing sharing;
+    bool fixed_cost;
+    float cost[3];
+    Form dense, strided;
+
+    std::string name() const { return type + std::string(function); }
+};
+
+inline constexpr const char* accuracy_names[3] = {"LA", "HA", "EP"};
+
+#define ORV_LA_s _21
+#define ORV_LA_c _21
+#define ORV_LA_d _50
+#define ORV_LA_z _50
+#define ORV_EP_s _11
+#define ORV_EP_c _11
+#define ORV_EP_d _26
+#define ORV_EP_z _26
+#define ORV_PASTE_(a, b) a##b
+#define ORV_PASTE(a, b) ORV_PASTE_(a, b)
+#define ORV_ENTRY(name) reinterpret_cast<orv::test::Entry>(name)
+#define ORV_FORM(type, row)                                                                                       \
+    {                                                                                                             \
+        {ORV_ENTRY(ORV_PASTE(_arq##row, ORV_LA_##type)), ORV_ENTRY(_arq##row),                                    \
+         ORV_ENTRY(ORV_PASTE(_arq##row, ORV_EP_##type))},                                                         \
+            ORV_ENTRY(_arq##row##_HA), orv_arq_kernel_##row##_ttab, orv_arq_kernel_##row##_ctab                   \
+    }
+
+#define ORV_IS_HERE true
+#define ORV_IS_LATER false
+#define ORV_DENSE_FORM_HERE(type, function) ORV_FORM(type, type##function)
+#define ORV_DENSE_FORM_LATER(type, function) {}
+#define ORV_STRIDED_FORM_HERE(type, function) ORV_FORM(type, type##function##I)
+#define ORV_STRIDED_FORM_LATER(type, function) {}
+#define COST(la, ha, ep) true, {la, ha, ep}
+#define MEASURED(row) false, {0, 0, 0}
+#define ORV_MATH_ROW(mark, type, function, shape, sharing, ...)                              \
+    {ORV_IS_##mark, #type[0],    #function,                                                  \
+     #shape,        Sharing::sharing, __VA_ARGS__,                                           \
+     ORV_DENSE_FORM_##mark(type, function), ORV_STRIDED_FORM_##mark(type, function)},
+#define ORV_MOVE_ROW(mark, type, function, shape, sharing, ...) \
+    {ORV_IS_##mark, #type[0], #function, #shape, Sharing::sharing, __VA_ARGS__, ORV_DENSE_FORM_##mark(type, function), {}},
+
+inline const std::vector<Row>& math_rows() {
+    static const std::vector<Row> rows = {ORV_MATH_ROWS(ORV_MATH_ROW)};
+    return rows;
+}
+
+inline const std::vector<Row>& move_rows() {
+    static const std::vector<Row> rows = {ORV_MOVE_ROWS(ORV_MOVE_ROW)};
+    return rows;
+}
+
+#undef COST
+#undef MEASURED
+
+// The entry of a form under its type.
+template <class Function>
+Function* entry(const Form& form, int accuracy) {
+    return reinterpret_cast<Function*>(form.entries[accuracy]);
+}
+
+template <class T>
+using OneInput = void(int32_t n, const T* a, T* y);
+template <class T>
+using OneInputStrided = void(int32_t n, const T* a, int32_t inca, T* y, int32_t incy);
+template <class T>
+using TwoInputs = void(int32_t n, const T* a, const T* b, T* y);
+template <class T>
+using TwoInputsStrided = void(int32_t n, const T* a, int32_t inca, const T* b, int32_t incb, T* y, int32_t incy);
+
+}  // namespace orv::test
