@@ -157,9 +157,9 @@ template <class Kernel, class In, class Out>
     for (int32_t lane = 0; lane < count; ++lane) *y.at(i + lane) = r[lane];
 }
 
-// `Registers` whole registers from element i on.
+// `Registers` whole registers from element i on. A kernel's lanes are part of the loop however long they are.
 template <class Kernel, int Registers, class In, class Out>
-inline void map_registers(int32_t i, In a, Out y, [[maybe_unused]] typename Kernel::Frame& frame) {
+[[gnu::flatten]] inline void map_registers(int32_t i, In a, Out y, [[maybe_unused]] typename Kernel::Frame& frame) {
     constexpr int width = simd::Lanes<typename Kernel::Element>::width;
     using V = typename simd::Lanes<typename Kernel::Element>::V;
     [[maybe_unused]] V r[Registers];

@@ -47,7 +47,7 @@ template <class Kernel, class In, class Out>
 }
 
 template <class Kernel, int Registers, class In, class Out>
-inline void map_two_registers(int32_t i, In a, Out y, Out z) {
+[[gnu::flatten]] inline void map_two_registers(int32_t i, In a, Out y, Out z) {
     constexpr int width = simd::Lanes<typename Kernel::Element>::width;
     using V = typename simd::Lanes<typename Kernel::Element>::V;
     V r1[Registers], r2[Registers], any;

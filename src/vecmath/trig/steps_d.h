@@ -112,10 +112,10 @@ struct Step512 {
 };
 
 // n/d rounded once but for a trifle: a quotient q of 26 bits has an exact product with the leading 26 bits of d, and what
-// n exceeds that product by, over d, completes it.
+// n exceeds that product by, over d, completes it. The low parts may be of any size up to a small part of the high ones.
 inline Pair quotient(Pair n, Pair d) {
     const D leading_bits = simd::doubles(simd::splat_bits(0xFFFFFFFFF8000000));
-    const D inverse = splat(1.0) / d.high;
+    const D inverse = splat(1.0) / (d.high + d.low);
     const D q = simd::bit_and(n.high * inverse, leading_bits);
     const D d_lead = simd::bit_and(d.high, leading_bits);
     const D d_rest = (d.high - d_lead) + d.low;

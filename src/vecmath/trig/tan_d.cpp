@@ -32,12 +32,13 @@ struct Tan {
     static int32_t scalar(const double* x, double* y) { return not_finite(x, y); }
 };
 
-// z N'(z) and z D'(z), the polynomials without their leading 1.
+// N and D without their leading 1, over z.
 inline D numerator_rest(D z) {
-    return z * (splat(-0.12828347003747023) + z * (splat(0.0028059181997214249) + z * splat(-7.4836345641659391e-06)));
+    return (splat(-0.12828347003747023) + z * splat(0.0028059181997214249)) + (z * z) * splat(-7.4836345641659391e-06);
 }
+constexpr double d1 = -0.46161680337080113;
 inline D denominator_rest(D z) {
-    return z * (splat(-0.46161680337080113) + z * (splat(0.023344852656587221) + z * splat(-0.00020844803827304198)));
+    return (splat(d1) + z * splat(0.023344852656587221)) + (z * z) * splat(-0.00020844803827304198);
 }
 
 struct TanLA : Tan {
@@ -53,17 +54,17 @@ struct TanLA : Tan {
         const D r = r0 - t;
         const D low = ((r0 - r) - t) - k * splat(1.0562999066987428e-23);
         const D z = r * r;
-        const D n = r * numerator_rest(z);
-        const D d = denominator_rest(z);
+        const D n = (r * z) * numerator_rest(z);
+        const D d = z * denominator_rest(z);
         Pair num{r + n, n}, den{splat(1.0) + d, d};
-        num.low += r - num.high;
-        den.low += splat(1.0) - den.high;
+        // The low part of r counts the derivatives of r N and D, to the first order.
+        const D r_low = r * low;
+        num.low += (r - num.high) + (low + r_low * r * splat(3 * -0.12828347003747023));
+        den.low += (splat(1.0) - den.high) + r_low * splat(2 * d1);
         exchange(odd, num.high, den.high);
         exchange(odd, num.low, den.low);
-        // The derivative of both forms is 1 plus the result's square.
         const Pair y = quotient(num, den);
-        const D correction = simd::bit_xor(low, simd::bit_and(odd, splat(-0.0)));
-        return simd::bit_xor(y.high + (y.low + correction * (splat(1.0) + y.high * y.high)), sign);
+        return simd::bit_xor(y.high + y.low, sign);
     }
 };
 
@@ -76,7 +77,7 @@ struct TanEP : Tan {
         const D sign = simd::bit_xor(simd::sign_of(x), odd_sign(shifted));
         const D r = ((a - k * splat(1.5707962512969971)) - k * splat(7.5497894158615964e-08)) - k * splat(5.390302858158119e-15);
         const D z = r * r;
-        D num = r + r * numerator_rest(z), den = splat(1.0) + denominator_rest(z);
+        D num = r + (r * z) * numerator_rest(z), den = splat(1.0) + z * denominator_rest(z);
         exchange(odd_mask(shifted), num, den);
         return simd::bit_xor(num / den, sign);
     }
