@@ -133,18 +133,18 @@
     ROW(LATER, d, LGamma,     ONE,        ALL,   COST(319.85, 319.85, 319.85))    \
     ROW(LATER, d, TGamma,     ONE,        ALL,   COST(423.3, 423.3, 423.3))       \
     ROW(LATER, d, ExpInt1,    ONE,        LA_HA, MEASURED(dExpInt1))              \
-    ROW(LATER, d, Sinpi,      ONE,        EACH,  MEASURED(dSinpi))                \
-    ROW(LATER, d, Cospi,      ONE,        EACH,  MEASURED(dCospi))                \
-    ROW(LATER, d, Tanpi,      ONE,        EACH,  MEASURED(dTanpi))                \
+    ROW(HERE,  d, Sinpi,      ONE,        EACH,  MEASURED(dSinpi))                \
+    ROW(HERE,  d, Cospi,      ONE,        EACH,  MEASURED(dCospi))                \
+    ROW(HERE,  d, Tanpi,      ONE,        EACH,  MEASURED(dTanpi))                \
     ROW(LATER, d, Acospi,     ONE,        EACH,  MEASURED(dAcospi))               \
     ROW(LATER, d, Asinpi,     ONE,        EACH,  MEASURED(dAsinpi))               \
     ROW(LATER, d, Atanpi,     ONE,        EACH,  MEASURED(dAtanpi))               \
     ROW(LATER, d, Exp2,       ONE,        ALL,   MEASURED(dExp2))                 \
     ROW(LATER, d, Exp10,      ONE,        ALL,   MEASURED(dExp10))                \
     ROW(LATER, d, Log2,       ONE,        EACH,  MEASURED(dLog2))                 \
-    ROW(LATER, d, Sind,       ONE,        EACH,  MEASURED(dSind))                 \
-    ROW(LATER, d, Cosd,       ONE,        EACH,  MEASURED(dCosd))                 \
-    ROW(LATER, d, Tand,       ONE,        EACH,  MEASURED(dTand))                 \
+    ROW(HERE,  d, Sind,       ONE,        EACH,  MEASURED(dSind))                 \
+    ROW(HERE,  d, Cosd,       ONE,        EACH,  MEASURED(dCosd))                 \
+    ROW(HERE,  d, Tand,       ONE,        EACH,  MEASURED(dTand))                 \
     ROW(LATER, d, Logb,       ONE,        ALL,   MEASURED(dLogb))                 \
     ROW(LATER, c, Cos,        ONE,        ALL,   MEASURED(cCos))                  \
     ROW(LATER, c, Sin,        ONE,        ALL,   MEASURED(cSin))                  \

@@ -23,5 +23,11 @@
     CARD(Cos, "the cosine of a", "An infinity gives a NaN and status 1, a NaN a quiet NaN.", "HA 0.56 ulp.", "Payne and Hanek, Radian Reduction for Trigonometric Functions, 1983") \
     CARD(Tan, "the tangent of a", "An infinity gives a NaN and status 1, a NaN a quiet NaN; zeros come back.", "HA 0.65 ulp.", "Payne and Hanek, Radian Reduction for Trigonometric Functions, 1983") \
     CARD(SinCos, "the sine of a, and z[i] its cosine", "An infinity gives NaNs and status 1, a NaN quiet NaNs.", "HA 0.56 ulp.", "Payne and Hanek, Radian Reduction for Trigonometric Functions, 1983") \
+    CARD(Sinpi, "the sine of pi a", "An infinity gives a NaN and status 1, a NaN a quiet NaN; whole numbers give a zero of their sign.", "HA 0.56 ulp.", "IEC 60559 sinPi") \
+    CARD(Cospi, "the cosine of pi a", "An infinity gives a NaN and status 1, a NaN a quiet NaN; odd multiples of 1/2 give +0.", "HA 0.56 ulp.", "IEC 60559 cosPi") \
+    CARD(Tanpi, "the tangent of pi a", "An infinity gives a NaN and status 1, a NaN a quiet NaN; odd multiples of 1/2 are poles, status 2, with infinities of alternating sign.", "HA 0.65 ulp.", "IEC 60559 tanPi") \
+    CARD(Sind, "the sine of a degrees", "An infinity gives a NaN and status 1, a NaN a quiet NaN; multiples of 180 give a zero of their sign.", "HA 0.56 ulp.", "Exact reduction modulo 360") \
+    CARD(Cosd, "the cosine of a degrees", "An infinity gives a NaN and status 1, a NaN a quiet NaN; odd multiples of 90 give +0.", "HA 0.56 ulp.", "Exact reduction modulo 360") \
+    CARD(Tand, "the tangent of a degrees", "An infinity gives a NaN and status 1, a NaN a quiet NaN; odd multiples of 90 are poles, status 2, with infinities of alternating sign.", "HA 0.65 ulp.", "Exact reduction modulo 360") \
     CARD(Conj, "the complex conjugate of a", "The sign bit of the imaginary part is turned whatever it is the sign of; no flag is raised.", "Exact.", "C99 7.3.9.4")
 // clang-format on

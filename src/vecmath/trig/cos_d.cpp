@@ -30,7 +30,7 @@ struct CosHA {
         return main.step.sin(main.j, 1);
     }
     static D settle(D x, D y, D& doubt) {
-        const D result = simd::select(doubt, Step512(reduce_large(x)).sin(1), y);
+        const D result = simd::select(doubt, Step512<>(reduce_large(x)).sin(1), y);
         doubt = simd::not_finite(x);
         return result;
     }

@@ -27,7 +27,7 @@ struct Sin {
 
     // The vector path for large arguments leaves infinities and NaNs alone.
     static D settle(D x, D y, D& doubt) {
-        const D large = Step512(reduce_large(x)).sin(0);
+        const D large = Step512<>(reduce_large(x)).sin(0);
         const D result = simd::select(doubt, large, y);
         doubt = simd::not_finite(x);
         return result;

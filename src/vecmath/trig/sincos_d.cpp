@@ -22,7 +22,7 @@ struct SinCos {
     static constexpr int block = 4;
     static constexpr char name[] = "vdSinCos";
     static void settle(D x, D& y, D& z, D& doubt) {
-        const Step512 step(reduce_large(x));
+        const Step512<> step(reduce_large(x));
         y = simd::select(doubt, step.sin(0), y);
         z = simd::select(doubt, step.sin(1), z);
         doubt = simd::not_finite(x);

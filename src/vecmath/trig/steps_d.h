@@ -79,8 +79,11 @@ struct Reduced {
     __m128i index;
 };
 
+// What sum_512 keeps of the errors of its additions.
+enum class Sums { plain, compensated };
+
 // s + c (r + p) + s q for row j of two lanes. The tangent has no q.
-template <bool WithQ>
+template <bool WithQ, Sums Kind = Sums::compensated>
 inline Pair sum_512(unsigned j0, unsigned j1, D r, D p, D q) {
     const Columns row(sin_cos_512[j0 & 511], sin_cos_512[j1 & 511]);
     const D rest = row.c[0], lead = row.c[1], s = row.c[2], s_low = row.c[3];
@@ -88,6 +91,7 @@ inline Pair sum_512(unsigned j0, unsigned j1, D r, D p, D q) {
     const D t2 = rest * r;
     D bracket = (lead + rest) * p + s_low;
     if constexpr (WithQ) bracket += s * q;
+    if constexpr (Kind == Sums::plain) return {s, t1 + (t2 + bracket)};
     const D high = s + t1;
     const D low1 = (s - high) + t1;
     const D high2 = high + t2;
@@ -95,6 +99,7 @@ inline Pair sum_512(unsigned j0, unsigned j1, D r, D p, D q) {
     return {high2, (low1 + low2) + bracket};
 }
 
+template <Sums Kind = Sums::compensated>
 struct Step512 {
     D r, p, q;
     Indices j;
@@ -106,7 +111,7 @@ struct Step512 {
     }
 
     D sin(unsigned quarters) const {
-        const Pair y = sum_512<true>(j.lane0 + 128 * quarters, j.lane1 + 128 * quarters, r, p, q);
+        const Pair y = sum_512<true, Kind>(j.lane0 + 128 * quarters, j.lane1 + 128 * quarters, r, p, q);
         return y.high + y.low;
     }
 };
