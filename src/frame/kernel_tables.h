@@ -52,9 +52,9 @@
     ROW(HERE,  s, Exp,        ONE,        EACH,  COST(5.667, 6.42, 3.633))        \
     ROW(HERE,  s, Ln,         ONE,        EACH,  COST(6.823, 8.138, 4.498))       \
     ROW(LATER, s, Log10,      ONE,        EACH,  MEASURED(sLog10))                \
-    ROW(LATER, s, Cos,        ONE,        EACH,  MEASURED(sCos))                  \
-    ROW(LATER, s, Sin,        ONE,        EACH,  COST(7.451, 13.009, 5.954))      \
-    ROW(LATER, s, Tan,        ONE,        LA_EP, MEASURED(sTan))                  \
+    ROW(HERE,  s, Cos,        ONE,        EACH,  MEASURED(sCos))                  \
+    ROW(HERE,  s, Sin,        ONE,        EACH,  COST(7.451, 13.009, 5.954))      \
+    ROW(HERE,  s, Tan,        ONE,        LA_EP, MEASURED(sTan))                  \
     ROW(LATER, s, Acos,       ONE,        EACH,  MEASURED(sAcos))                 \
     ROW(LATER, s, Acosh,      ONE,        LA_HA, MEASURED(sAcosh))                \
     ROW(LATER, s, Asin,       ONE,        EACH,  MEASURED(sAsin))                 \
@@ -238,7 +238,7 @@
     ROW(LATER, z, Powx,       SCALAR,     ALL,   MEASURED(zPowx))                 \
     ROW(LATER, s, Powx,       SCALAR,     EACH,  MEASURED(sPowx))                 \
     ROW(LATER, d, Powx,       SCALAR,     EACH,  MEASURED(dPowx))                 \
-    ROW(LATER, s, SinCos,     TWO_OUT,    LA_EP, MEASURED(sSinCos))               \
+    ROW(HERE,  s, SinCos,     TWO_OUT,    LA_EP, MEASURED(sSinCos))               \
     ROW(LATER, s, Modf,       TWO_OUT,    ALL,   MEASURED(sModf))                 \
     ROW(HERE,  d, SinCos,     TWO_OUT,    LA_HA, MEASURED(dSinCos))               \
     ROW(LATER, d, Modf,       TWO_OUT,    ALL,   MEASURED(dModf))                 \
