@@ -78,18 +78,18 @@
     ROW(LATER, s, LGamma,     ONE,        ALL,   COST(238.11, 238.11, 238.11))    \
     ROW(LATER, s, TGamma,     ONE,        ALL,   MEASURED(sTGamma))               \
     ROW(LATER, s, ExpInt1,    ONE,        LA_HA, MEASURED(sExpInt1))              \
-    ROW(LATER, s, Sinpi,      ONE,        EACH,  MEASURED(sSinpi))                \
-    ROW(LATER, s, Cospi,      ONE,        EACH,  MEASURED(sCospi))                \
-    ROW(LATER, s, Tanpi,      ONE,        EACH,  MEASURED(sTanpi))                \
+    ROW(HERE,  s, Sinpi,      ONE,        EACH,  MEASURED(sSinpi))                \
+    ROW(HERE,  s, Cospi,      ONE,        EACH,  MEASURED(sCospi))                \
+    ROW(HERE,  s, Tanpi,      ONE,        EACH,  MEASURED(sTanpi))                \
     ROW(LATER, s, Acospi,     ONE,        EACH,  MEASURED(sAcospi))               \
     ROW(LATER, s, Asinpi,     ONE,        EACH,  MEASURED(sAsinpi))               \
     ROW(LATER, s, Atanpi,     ONE,        EACH,  MEASURED(sAtanpi))               \
     ROW(LATER, s, Exp2,       ONE,        ALL,   MEASURED(sExp2))                 \
     ROW(LATER, s, Exp10,      ONE,        ALL,   MEASURED(sExp10))                \
     ROW(LATER, s, Log2,       ONE,        EACH,  MEASURED(sLog2))                 \
-    ROW(LATER, s, Sind,       ONE,        EACH,  MEASURED(sSind))                 \
-    ROW(LATER, s, Cosd,       ONE,        EACH,  MEASURED(sCosd))                 \
-    ROW(LATER, s, Tand,       ONE,        EACH,  MEASURED(sTand))                 \
+    ROW(HERE,  s, Sind,       ONE,        EACH,  MEASURED(sSind))                 \
+    ROW(HERE,  s, Cosd,       ONE,        EACH,  MEASURED(sCosd))                 \
+    ROW(HERE,  s, Tand,       ONE,        EACH,  MEASURED(sTand))                 \
     ROW(LATER, s, Logb,       ONE,        ALL,   MEASURED(sLogb))                 \
     ROW(HERE,  d, Ceil,       ONE,        ALL,   MEASURED(dCeil))                 \
     ROW(HERE,  d, Floor,      ONE,        ALL,   MEASURED(dFloor))                \

@@ -109,6 +109,17 @@ inline D by_half_turns(D a, [[maybe_unused]] D& pole) {
     }
 }
 
+// The tangent's result where it has a pole: infinities, of which every other one along the axis is negative.
+template <class Unit, class T>
+inline int32_t at_pole(double x, T* y) {
+    const D a = simd::magnitude(splat(x));
+    const D small = simd::select(simd::not_less(a, splat(Unit::limit)), Unit::fold(a), a);
+    const double quarters = _mm_cvtsd_f64(small) * (2 / Unit::half_turn);
+    const bool negative = (static_cast<int64_t>(quarters) & 2) != 0;
+    *y = negative != (x < 0) ? -std::numeric_limits<T>::infinity() : std::numeric_limits<T>::infinity();
+    return frame::status_singularity;
+}
+
 template <class Unit, Function F, bool ByTable, Sums Kind>
 struct UnitAngle : frame::OneInput<double, 4, frame::Tail::masked> {
     static D of_magnitude(D a, D& pole) {
@@ -154,14 +165,7 @@ struct UnitAngle : frame::OneInput<double, 4, frame::Tail::masked> {
     // An infinity, a NaN, or a pole of the tangent.
     static int32_t scalar(const double* x, double* y) {
         if (F != Function::tan || !(*x - *x == 0)) return not_finite(x, y);
-        const D a = splat(std::bit_cast<double>(std::bit_cast<uint64_t>(*x) & ~(uint64_t{1} << 63)));
-        const D small = simd::select(simd::not_less(a, splat(Unit::limit)), Unit::fold(a), a);
-        // Of the poles half a turn apart every other one has this sign.
-        const double quarters = _mm_cvtsd_f64(small) * (2 / Unit::half_turn);
-        const bool negative = (static_cast<int64_t>(quarters) & 2) != 0;
-        *y = std::numeric_limits<double>::infinity();
-        if (negative != (std::bit_cast<uint64_t>(*x) >> 63 != 0)) *y = -*y;
-        return frame::status_singularity;
+        return at_pole<Unit>(*x, y);
     }
 };
 
