@@ -90,6 +90,10 @@ const bool registered = [] {
     FUNCTION(s, float, Ln, logf, 0.001, 1000, 0)
     SLEEF("sLn", Sleef_logf4_u10sse4, 0.001, 1000)
     SLEEF("sLn", Sleef_logf4_u35sse4, 0.001, 1000)
+    FUNCTION(d, double, Exp2, exp2, -100, 100, 5000)
+    SLEEF("dExp2", Sleef_exp2d2_u10sse4, -100, 100)
+    FUNCTION(d, double, Exp10, exp10, -30, 30, 5000)
+    SLEEF("dExp10", Sleef_exp10d2_u10sse4, -30, 30)
     return true;
 }();
 

@@ -255,12 +255,14 @@ inline void map(int32_t n, In a, Out y) {
 }  // namespace orv::frame
 
 // Defines orv_kernel_<row>_<accuracy> and orv_kernel_<row>I_<accuracy>. `accuracy` is the first that the kernel serves.
+// They are flattened: a call to lanes() in the loop would send every constant to and fro.
 #define ORV_ONE_INPUT(row, accuracy, Kernel)                                                                            \
-    extern "C" void orv_kernel_##row##_##accuracy(int32_t n, const Kernel::Element* a, Kernel::Result* y) {             \
+    extern "C" [[gnu::flatten]] void orv_kernel_##row##_##accuracy(int32_t n, const Kernel::Element* a,                 \
+                                                                   Kernel::Result* y) {                                 \
         orv::frame::map<Kernel>(n, orv::frame::Dense<const Kernel::Element>{a}, orv::frame::Dense<Kernel::Result>{y});   \
     }                                                                                                                   \
-    extern "C" void orv_kernel_##row##I_##accuracy(int32_t n, const Kernel::Element* a, int32_t inca, Kernel::Result* y, \
-                                                   int32_t incy) {                                                      \
+    extern "C" [[gnu::flatten]] void orv_kernel_##row##I_##accuracy(int32_t n, const Kernel::Element* a, int32_t inca,  \
+                                                                    Kernel::Result* y, int32_t incy) {                  \
         orv::frame::map<Kernel>(n, orv::frame::Strided<const Kernel::Element>{a, inca},                                  \
                                 orv::frame::Strided<Kernel::Result>{y, incy});                                          \
     }

@@ -139,8 +139,8 @@
     ROW(LATER, d, Acospi,     ONE,        EACH,  MEASURED(dAcospi))               \
     ROW(LATER, d, Asinpi,     ONE,        EACH,  MEASURED(dAsinpi))               \
     ROW(LATER, d, Atanpi,     ONE,        EACH,  MEASURED(dAtanpi))               \
-    ROW(LATER, d, Exp2,       ONE,        ALL,   MEASURED(dExp2))                 \
-    ROW(LATER, d, Exp10,      ONE,        ALL,   MEASURED(dExp10))                \
+    ROW(HERE,  d, Exp2,       ONE,        ALL,   MEASURED(dExp2))                 \
+    ROW(HERE,  d, Exp10,      ONE,        ALL,   MEASURED(dExp10))                \
     ROW(LATER, d, Log2,       ONE,        EACH,  MEASURED(dLog2))                 \
     ROW(HERE,  d, Sind,       ONE,        EACH,  MEASURED(dSind))                 \
     ROW(HERE,  d, Cosd,       ONE,        EACH,  MEASURED(dCosd))                 \

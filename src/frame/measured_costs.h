@@ -42,5 +42,19 @@
 #define ORV_COST_dTand 1, 1, 1
 #define ORV_COST_sSinCos 1, 1, 1
 #define ORV_COST_dSinCos 1, 1, 1
+#define ORV_COST_sExpm1 1, 1, 1
+#define ORV_COST_sLog1p 1, 1, 1
+#define ORV_COST_sExp2 1, 1, 1
+#define ORV_COST_sExp10 1, 1, 1
+#define ORV_COST_sLog10 1, 1, 1
+#define ORV_COST_sLog2 1, 1, 1
+#define ORV_COST_sLogb 1, 1, 1
+#define ORV_COST_dExpm1 1, 1, 1
+#define ORV_COST_dLog1p 1, 1, 1
+#define ORV_COST_dExp2 1, 1, 1
+#define ORV_COST_dExp10 1, 1, 1
+#define ORV_COST_dLog10 1, 1, 1
+#define ORV_COST_dLog2 1, 1, 1
+#define ORV_COST_dLogb 1, 1, 1
 
 #endif

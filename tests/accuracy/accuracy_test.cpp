@@ -3,24 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <cstring>
 
 namespace {
 
 using namespace orv;
 using accuracy::Kernel;
-
-struct Bound {
-    char type;
-    const char* function;
-    const char* accuracy;
-    double ulp, subnormal_ulp;
-};
-#define BOUND(type, function, accuracy, ulp, subnormal_ulp) {#type[0], #function, #accuracy, ulp, subnormal_ulp},
-const Bound bounds[] = {
-#include "accuracy/bounds.inc"
-};
 
 #if defined(__SANITIZE_ADDRESS__)
 constexpr int64_t random_count = 20'000;
@@ -34,11 +21,7 @@ struct WorstError : testing::TestWithParam<Kernel> {};
 
 TEST_P(WorstError, StaysWithinItsBound) {
     const Kernel& kernel = GetParam();
-    const Bound* bound = nullptr;
-    for (const Bound& b : bounds)
-        if (b.type == kernel.type && !std::strcmp(b.function, kernel.function) &&
-            !std::strcmp(b.accuracy, accuracy::accuracy_names[kernel.accuracy]))
-            bound = &b;
+    const accuracy::Bound* bound = accuracy::bound_of(kernel);
     ASSERT_NE(bound, nullptr) << "no bound for this kernel";
     const accuracy::Worst worst = accuracy::measure(kernel, random_count);
     EXPECT_GE(worst.count, random_count / 4);

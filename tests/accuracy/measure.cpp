@@ -5,7 +5,9 @@
 #include <orv/vecmath_entries.h>
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 namespace orv::accuracy {
@@ -37,7 +39,52 @@ Worst measure_type(const Kernel& kernel, int64_t random_count, uint64_t seed) {
     return worst;
 }
 
+#define BOUND(type, function, accuracy, ulp, subnormal_ulp) {#type[0], #function, #accuracy, ulp, subnormal_ulp},
+const Bound bounds[] = {
+#include "accuracy/bounds.inc"
+};
+
+template <class T>
+void fold_one(Worst& worst, const oracle::Error& error, T x, T y) {
+    const bool subnormal = std::fabs(y) < std::numeric_limits<T>::min();
+    double& bar = subnormal ? worst.subnormal_ulp : worst.ulp;
+    if (!subnormal) worst.relative = std::max(worst.relative, error.relative);
+    if (!(error.ulp > bar)) return;
+    bar = error.ulp;
+    (subnormal ? worst.subnormal_at : worst.at) = x;
+}
+
 }  // namespace
+
+const Bound* bound_of(const Kernel& kernel) {
+    for (const Bound& b : bounds)
+        if (b.type == kernel.type && !std::strcmp(b.function, kernel.function) &&
+            !std::strcmp(b.accuracy, accuracy_names[kernel.accuracy]))
+            return &b;
+    return nullptr;
+}
+
+std::vector<Worst> measure_all_floats(const std::vector<Kernel>& of_function) {
+    const oracle::ExtendedPrecision extended;
+    constexpr uint32_t chunk = 1 << 16;
+    std::vector<float> x(chunk), y(chunk);
+    std::vector<long double> exact(chunk);
+    std::vector<Worst> worst(of_function.size());
+    uint32_t bits = 0;
+    do {
+        for (uint32_t i = 0; i < chunk; ++i) {
+            x[i] = std::bit_cast<float>(bits + i);
+            exact[i] = of_function[0].oracle->fast(x[i]);
+        }
+        for (size_t k = 0; k < of_function.size(); ++k) {
+            reinterpret_cast<void (*)(int32_t, const float*, float*)>(of_function[k].dense)(chunk, x.data(), y.data());
+            for (uint32_t i = 0; i < chunk; ++i) fold_one(worst[k], oracle::error_against(exact[i], y[i]), x[i], y[i]);
+        }
+        bits += chunk;
+    } while (bits != 0);
+    for (Worst& w : worst) w.count = int64_t{1} << 32;
+    return worst;
+}
 
 const std::vector<Kernel>& kernels() {
     static const std::vector<Kernel> list = [] {
@@ -70,12 +117,9 @@ void fold(Worst& worst, const oracle::Function& f, const T* x, const T* y, int64
     for (int64_t i = 0; i < n; ++i) {
         oracle::Error error = oracle::fast_error(f, x[i], y[i]);
         const bool subnormal = std::fabs(y[i]) < std::numeric_limits<T>::min();
-        double& bar = subnormal ? worst.subnormal_ulp : worst.ulp;
+        const double bar = subnormal ? worst.subnormal_ulp : worst.ulp;
         if (exact && sizeof(T) == 8 && error.ulp > bar - oracle::fast_slack) error = oracle::exact_error(f, x[i], y[i]);
-        if (!subnormal) worst.relative = std::max(worst.relative, error.relative);
-        if (!(error.ulp > bar)) continue;
-        bar = error.ulp;
-        (subnormal ? worst.subnormal_at : worst.at) = x[i];
+        fold_one(worst, error, x[i], y[i]);
     }
     worst.count += n;
 }

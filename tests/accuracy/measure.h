@@ -25,6 +25,14 @@ struct Kernel {
 };
 const std::vector<Kernel>& kernels();
 
+// What bounds.inc says of a kernel; null if it says nothing.
+struct Bound {
+    char type;
+    const char *function, *accuracy;
+    double ulp, subnormal_ulp;
+};
+const Bound* bound_of(const Kernel& kernel);
+
 // The worst error of a result in the normal range, where it was met, and the same for subnormal results.
 struct Worst {
     double ulp = 0, at = 0;
@@ -45,5 +53,8 @@ Worst measure(const Kernel& kernel, int64_t random_count, uint64_t seed = 1);
 // against the exact value.
 template <class T>
 void fold(Worst& worst, const oracle::Function& f, const T* x, const T* y, int64_t n, bool exact);
+
+// Over all floats: the worst error of each of an `s` function's kernels, in the order of `of_function`.
+std::vector<Worst> measure_all_floats(const std::vector<Kernel>& of_function);
 
 }  // namespace orv::accuracy

@@ -86,8 +86,7 @@ Error exact_error_of(const Function& f, T x, T y) {
 }
 
 template <class T>
-Error fast_error_of(const Function& f, T x, T y) {
-    const long double exact = f.fast(x);
+Error fast_error_of(long double exact, T y) {
     int exponent = 0;
     if (std::isfinite(exact)) frexpl(exact, &exponent);
     return error_of(exact, exponent, y);
@@ -103,8 +102,9 @@ const Function* find(std::string_view name) {
 
 Error exact_error(const Function& f, double x, double y) { return exact_error_of(f, x, y); }
 Error exact_error(const Function& f, float x, float y) { return exact_error_of(f, x, y); }
-Error fast_error(const Function& f, double x, double y) { return fast_error_of(f, x, y); }
-Error fast_error(const Function& f, float x, float y) { return fast_error_of(f, x, y); }
+Error fast_error(const Function& f, double x, double y) { return fast_error_of(f.fast(x), y); }
+Error fast_error(const Function& f, float x, float y) { return fast_error_of(f.fast(x), y); }
+Error error_against(long double exact, float y) { return fast_error_of(exact, y); }
 
 ExtendedPrecision::ExtendedPrecision() {
     __asm__ volatile("fnstcw %0" : "=m"(saved));

@@ -47,6 +47,8 @@ Error exact_error(const Function& f, float x, float y);
 inline constexpr double fast_slack = 0.004;
 Error fast_error(const Function& f, double x, double y);
 Error fast_error(const Function& f, float x, float y);
+// Against a value that is given.
+Error error_against(long double exact, float y);
 
 // Holds the x87 unit at 64 significant bits, which a Windows process may not start with.
 struct ExtendedPrecision {

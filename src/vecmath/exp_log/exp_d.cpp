@@ -223,24 +223,8 @@ struct ExpHa : frame::OneInput<double, 4, frame::Tail::masked> {
         const double p =
             r + r * r * (K.scalar_c2 + r * (K.scalar_c3 + r * (K.scalar_c4 + r * (K.scalar_c5 + r * K.scalar_c6))));
         const double rest = p * high + low;
-        if (x < last_normal) {
-            *y = subnormal(high, rest, n + 60);
-            return frame::status_underflow;
-        }
-        *y = n > 1023 ? (rest + high) * power_of_two_d(n - 1) * 2.0 : (rest + high) * power_of_two_d(n);
-        return frame::status_ok;
-    }
-
-    // (high + rest) 2^(n - 60), subnormal, with one rounding that matters. With n up to -973 the last bits of the sum are
-    // so far below the result's that its own rounding is not seen. Above, the leading 21 bits of the sum stay whole when
-    // they are scaled, all that is left is scaled and so rounded by itself, and their sum is exact.
-    static double subnormal(double high, double rest, int n) {
-        const double sum = high + rest;
-        const double power = power_of_two_d(n);
-        if (n + 1023 <= 0x32) return sum * power * 0x1p-60;
-        const double top = std::bit_cast<double>(std::bit_cast<uint64_t>(sum) & 0xFFFFFFFF00000000u);
-        const double left = (high - top) + rest;
-        return top * power * 0x1p-60 + left * power * 0x1p-60;
+        *y = vecmath::scaled_sum(high, rest, n);
+        return x < last_normal ? frame::status_underflow : frame::status_ok;
     }
 };
 

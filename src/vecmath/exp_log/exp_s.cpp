@@ -98,7 +98,7 @@ struct Exp : frame::OneInput<float, 16, frame::Tail::masked> {
         const float k = shifted - exp_la.shifter;
         const float r = (x - k * exp_la.ln2_high) - k * exp_la.ln2_low;
         const float p =
-            1.0f + r * (0x1.000002p+0f + r * (0x1.fffd0ap-2f + r * (0x1.55538cp-3f + r * (0x1.57636cp-5f + r * 0x1.12a1dep-7f))));
+            0x1.000002p+0f + r * (0x1.000002p+0f + r * (0x1.fffd0ap-2f + r * (0x1.55538cp-3f + r * (0x1.57636cp-5f + r * 0x1.12a1dep-7f))));
         const int n = static_cast<int>(k);
         if (x < last_normal) {
             *y = p * power_of_two_s(n + 60) * 0x1p-60f;

@@ -10,6 +10,7 @@
 namespace {
 
 using namespace orv;
+using simd::floats;
 using simd::Splat;
 
 struct LnLaBlock {
@@ -36,8 +37,9 @@ struct LnLa : vecmath::LogS<LnLa> {
 struct LnHaBlock {
     char name[8] = "vsLn";
     Splat<float> ln2_high{0x1.62e4p-1f}, ln2_low{0x1.7f7d1cp-20f};
-    Splat<float> c2{-0.5f}, c3{0x1.555506p-2f}, c4{-0x1.fffefp-3f}, c5{0x1.99d028p-3f}, c6{-0x1.559dccp-3f},
+    Splat<float> half{0.5f}, c3{0x1.555506p-2f}, c4{-0x1.fffefp-3f}, c5{0x1.99d028p-3f}, c6{-0x1.559dccp-3f},
         c7{0x1.1ed718p-3f}, c8{-0x1.f3113cp-4f}, c9{0x1.1e66bap-3f}, c10{-0x1.08059p-3f};
+    simd::SplatBits<uint32_t> upper{0xFFFFE000};
     vecmath::LogReduction reduction{};
 };
 constexpr LnHaBlock ln_ha;
@@ -48,14 +50,18 @@ struct LnHa : vecmath::LogS<LnHa> {
 
     static __m128 log(__m128 x, __m128i k_shift) {
         __m128 k, r;
-        K.reduction.reduce(x, k_shift, k, r);
+        const __m128i m = K.reduction.reduce(x, k_shift, k, r);
         const __m128 p =
-            K.c2 +
-            r * (K.c3 + r * (K.c4 + r * (K.c5 + r * (K.c6 + r * (K.c7 + r * (K.c8 + r * (K.c9 + r * K.c10)))))));
+            K.c3 + r * (K.c4 + r * (K.c5 + r * (K.c6 + r * (K.c7 + r * (K.c8 + r * (K.c9 + r * K.c10))))));
+        const __m128i m_high = _mm_and_si128(m, K.upper);
+        const __m128 r_high = floats(m_high) - K.reduction.one;
+        const __m128 leading = r - r_high * (r_high * K.half);
         const __m128 k_high = k * K.ln2_high;
-        const __m128 sum = k_high + r;
-        const __m128 lost = (k_high - sum) + r;
-        return sum + (r * r * p + (k * K.ln2_low + lost));
+        const __m128 sum = k_high + leading;
+        const __m128 lost = (k_high - sum) + leading;
+        const __m128 rest_of_square = (floats(m) - floats(m_high)) * ((r + r_high) * K.half);
+        const __m128 small = (r * (r * r) * p - rest_of_square) + k * K.ln2_low;
+        return sum + (small + lost);
     }
 };
 

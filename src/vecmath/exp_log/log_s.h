@@ -23,10 +23,13 @@ struct LogReduction {
     __m128 doubt(__m128 x) const {
         return simd::floats(_mm_cmplt_epi32(_mm_add_epi32(simd::bits_of(x), least_normal), past_specials));
     }
-    void reduce(__m128 x, __m128i k_shift, __m128& k, __m128& r) const {
+    // Gives m in bits.
+    __m128i reduce(__m128 x, __m128i k_shift, __m128& k, __m128& r) const {
         const __m128i i = _mm_sub_epi32(simd::bits_of(x), two_thirds);
         k = _mm_cvtepi32_ps(_mm_add_epi32(_mm_srai_epi32(i, 23), k_shift));
-        r = simd::floats(_mm_add_epi32(_mm_and_si128(i, fraction), two_thirds)) - one;
+        const __m128i m = _mm_add_epi32(_mm_and_si128(i, fraction), two_thirds);
+        r = simd::floats(m) - one;
+        return m;
     }
 };
 

@@ -40,6 +40,21 @@ inline T minus_infinity_at_pole() {
 inline double power_of_two_d(int n) { return std::bit_cast<double>(uint64_t(n + 1023) << 52); }
 inline float power_of_two_s(int n) { return std::bit_cast<float>(uint32_t(n + 127) << 23); }
 
+// (high + rest) 2^n, where high + rest lies near 1 and high is the larger by far. A normal result is rounded once. So is a
+// subnormal one, as far as it matters: with n up to -1033 the last bits of the sum are so far below the result's that the
+// sum's own rounding is not seen; above, the leading 21 bits of the sum stay whole when they are scaled, all that is left
+// is scaled and so rounded by itself, and their sum is exact.
+inline double scaled_sum(double high, double rest, int n) {
+    const double sum = high + rest;
+    if (n > 1023) return sum * power_of_two_d(n - 1) * 2.0;
+    if (n > -1022) return sum * power_of_two_d(n);
+    const double raised = power_of_two_d(n + 60);
+    if (n + 60 + 1023 <= 0x32) return sum * raised * 0x1p-60;
+    const double top = std::bit_cast<double>(std::bit_cast<uint64_t>(sum) & 0xFFFFFFFF00000000u);
+    const double left = (high - top) + rest;
+    return top * raised * 0x1p-60 + left * raised * 0x1p-60;
+}
+
 inline uint32_t high_word(double x) { return static_cast<uint32_t>(std::bit_cast<uint64_t>(x) >> 32); }
 
 }  // namespace orv::vecmath

@@ -1,0 +1,105 @@
+// What the double precision logarithms share: the range test, the scalar path, and the method of 513 rows.
+#pragma once
+
+#include "frame/kernel_loops.h"
+#include "simd/constants.h"
+#include "vecmath/exp_log/special.h"
+
+namespace orv::vecmath {
+
+inline constexpr uint64_t fraction_bits = 0x000FFFFFFFFFFFFF;
+inline constexpr uint64_t bits_of_one = uint64_t{0x3FF} << 52;
+inline constexpr uint64_t bits_of_2_52 = uint64_t{0x433} << 52;
+constexpr uint64_t in_high_word(uint32_t word) { return uint64_t{word} << 32; }
+
+// In doubt is all but the positive normal numbers, by the high word, which is moved to the bottom of the signed range.
+struct NormalTest {
+    simd::SplatBits<uint32_t> bottom{0x80100000};
+    simd::SplatBits<uint32_t> last{0xFFDFFFFF};
+
+    __m128d doubt(__m128d x) const {
+        return simd::doubles(_mm_cmpgt_epi32(_mm_sub_epi32(simd::bits_of(x), bottom), last));
+    }
+};
+
+// The scalar path. The vector path serves an element that is no longer special; log_of_2_52 is what scaling a subnormal
+// by 2^52 adds.
+template <class Kernel>
+int32_t scalar_log_d(const double* at, double* y, double log_of_2_52) {
+    const double x = *at;
+    if (x < 0) {
+        *y = invalid<double>();
+        return frame::status_domain;
+    }
+    if (x == 0) {
+        *y = minus_infinity_at_pole<double>();
+        return frame::status_singularity;
+    }
+    if (!(x < std::numeric_limits<double>::infinity())) {
+        *y = x * 1.0;
+        return frame::status_ok;
+    }
+    const bool subnormal = x < std::numeric_limits<double>::min();
+    const double result = _mm_cvtsd_f64(Kernel::lanes(simd::splat(subnormal ? x * 0x1p+52 : x)));
+    *y = subnormal ? result - log_of_2_52 : result;
+    return frame::status_ok;
+}
+
+// The method of 513 rows, for the logarithm of base b.
+//
+// x = 2^k m. m in [1, 2) selects a row by its leading bits, with rcp close to L/m and of so few bits that the product with
+// the upper half of m is exact; L has few bits too and is close to log_b e, or 1. With R = m rcp - L, |R| < 2^-9 L,
+//   log_b x = k log_b 2 - log_b(rcp / L) + log_b(1 + R / L),   log_b(1 + R / L) = R + R q(R).
+// From m = 1.499 on k is one higher and the row one for m/2, so that neither next to 1 nor anywhere else large terms
+// cancel. log_b 2 and the table are split so that a = k log_high + table_high and b = a + u are exact, u being the exact
+// leading part of R. Where a is zero, next to 1, the rest v of R joins u in one exact sum; elsewhere it joins the small
+// terms.
+struct Log513Block {
+    char name[8];
+    simd::Splat<double> log2_high, log2_low;
+    simd::Splat<double> leading;             // L
+    simd::Splat<double> q0, q1, q2, q3, q4;  // of q, from the constant term
+    double log_of_2_52;
+    alignas(16) double rows[513][4];                     // rcp, rcp again, -log_b(rcp / L) (or its half's), high and low
+    NormalTest normal{};
+    // The leading 10 bits of the fraction, rounded to 9: the row, at 32 bytes a row once it is shifted.
+    simd::SplatBits<uint64_t> leading_bits{in_high_word(0xFFC00)}, half_row{in_high_word(0x400)};
+    simd::SplatBits<uint64_t> row{in_high_word(0x1FF800)};
+    simd::SplatBits<uint64_t> fraction{fraction_bits}, upper_fraction{fraction_bits & in_high_word(0xFFFFFFFF)};
+    simd::SplatBits<uint64_t> exponent_0{bits_of_one};
+    // Turns the high word into k + 1024 in its exponent field; then 2^52 + 1024 as the number that carries that.
+    simd::SplatBits<uint64_t> to_exponent{in_high_word(0x40000000 - 0x3FE7FC00)}, carrier{bits_of_2_52};
+    simd::Splat<double> carrier_value{0x1p+52 + 1024};
+};
+
+// log_b(x + rest), where rest 2^-exponent(x) is `rest` (or nothing).
+template <const Log513Block& K, class... Rest>
+inline __m128d log_513(__m128d x, Rest... rest) {
+    const __m128i bits = simd::bits_of(x);
+    const __m128i leading_bits = _mm_add_epi64(_mm_and_si128(bits, K.leading_bits), K.half_row);
+    const simd::Offsets2 at = simd::offsets_of(_mm_srli_epi64(_mm_and_si128(leading_bits, K.row), 38));
+    const double* row0 = simd::behind(K.rows[0], at.at0);
+    const double* row1 = simd::behind(K.rows[0], at.at1);
+    const __m128d rcp = simd::gather(row0, row1);
+    const __m128d logs0 = _mm_load_pd(row0 + 2), logs1 = _mm_load_pd(row1 + 2);
+    const __m128d log_high = _mm_unpacklo_pd(logs0, logs1), log_low = _mm_unpackhi_pd(logs0, logs1);
+
+    const __m128i exponent = _mm_srli_epi64(_mm_add_epi64(bits, K.to_exponent), 52);
+    const __m128d k = simd::doubles(_mm_or_si128(exponent, K.carrier)) - K.carrier_value;
+    const __m128d m = simd::doubles(_mm_or_si128(_mm_and_si128(bits, K.fraction), K.exponent_0));
+    const __m128d m_high = simd::doubles(_mm_or_si128(_mm_and_si128(bits, K.upper_fraction), K.exponent_0));
+
+    const __m128d u = m_high * rcp - K.leading;
+    const __m128d v = (((m - m_high) + ... + rest)) * rcp;
+    const __m128d r = u + v;
+    const __m128d a = k * K.log2_high + log_high;
+    const __m128d next_to_one = simd::equal(a, _mm_setzero_pd());
+    const __m128d b = (a + u) + simd::bit_and(next_to_one, v);
+    __m128d c = log_low;
+    if constexpr (K.log2_low != 0.0) c = k * K.log2_low + log_low;
+    __m128d q = r * (K.q1 + r * (K.q2 + r * (K.q3 + r * K.q4)));
+    if constexpr (K.q0 != 0.0) q = K.q0 + q;
+    return ((r * q + c) + simd::bit_and_not(next_to_one, v)) + b;
+}
+
+}  // namespace orv::vecmath
