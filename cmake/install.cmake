@@ -1,0 +1,23 @@
+# What a distribution ships: libraries, the command, headers, a CMake package and a pkg-config file, all of which find
+# their place from where they stand.
+include(CMakePackageConfigHelpers)
+
+install(TARGETS orv_sse41 orv_core EXPORT orv
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+if(TARGET orv)
+  install(TARGETS orv RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
+install(DIRECTORY include/orv ${PROJECT_BINARY_DIR}/include/orv
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/orv)
+install(EXPORT orv NAMESPACE orv:: FILE orv-config.cmake DESTINATION ${package_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/orv-config-version.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/orv-config-version.cmake DESTINATION ${package_dir})
+
+# From the directory of the file itself up to the prefix, however deep the library directory lies.
+file(RELATIVE_PATH ORV_PREFIX_FROM_PC /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+configure_file(cmake/orv.pc.in ${PROJECT_BINARY_DIR}/orv.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/orv.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

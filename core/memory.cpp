@@ -16,8 +16,11 @@ std::atomic<int32_t> live_blocks{0};
 void*& origin_of(void* block) { return static_cast<void**>(block)[-1]; }
 
 bool chosen_to_fail() {
-    if (allocations_to_failure.load(std::memory_order_relaxed) == 0) return false;
-    return allocations_to_failure.fetch_sub(1) == 1;
+    int32_t left = allocations_to_failure.load(std::memory_order_relaxed);
+    // Of several threads, exactly one takes each count; none counts on below 0.
+    while (left > 0)
+        if (allocations_to_failure.compare_exchange_weak(left, left - 1)) return left == 1;
+    return false;
 }
 
 }  // namespace

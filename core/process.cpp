@@ -1,11 +1,10 @@
-// Locks, environment, process end and processor queries.
+// Locks, process end and processor queries.
 #include "platform/export.h"
 
 #include <orv/services.h>
 
 #include <cpuid.h>
 #include <cstdlib>
-#include <cstring>
 #include <immintrin.h>
 #include <thread>
 
@@ -20,17 +19,6 @@ ORV_API void orv_serv_lock(orv_serv_lock_word* lock) {
 }
 
 ORV_API void orv_serv_unlock(orv_serv_lock_word* lock) { __atomic_store_n(lock, 0, __ATOMIC_RELEASE); }
-
-ORV_API int32_t orv_serv_getenv(const char* name, char* buffer, int32_t size) {
-    if (size <= 0) return -1;
-    buffer[0] = '\0';
-    const char* value = std::getenv(name);
-    if (!value) return 0;
-    const size_t length = std::strlen(value);
-    if (length >= static_cast<size_t>(size)) return -1;
-    std::memcpy(buffer, value, length + 1);
-    return static_cast<int32_t>(length);
-}
 
 ORV_API void orv_serv_exit(int32_t code) { std::exit(code); }
 

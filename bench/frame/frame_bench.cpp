@@ -22,7 +22,8 @@ struct Array {
     char* block;
     T* data;
     explicit Array(int64_t n)
-        : block(static_cast<char*>(std::aligned_alloc(4096, (static_cast<size_t>(n) * sizeof(T) + 2 * 4096) / 4096 * 4096))) {
+        : block(static_cast<char*>(
+              std::aligned_alloc(4096, (static_cast<size_t>(n) * sizeof(T) + 2 * 4096) / 4096 * 4096))) {
         static size_t arrays = 0;
         data = reinterpret_cast<T*>(block + arrays++ % 3 * 1344);
         for (int64_t i = 0; i < n; ++i) data[i] = static_cast<T>(1 + (i * 37 % 1000) / 7.0);
@@ -39,8 +40,8 @@ void one_input(benchmark::State& state, void (*kernel)(int32_t, const T*, T*)) {
     const int64_t n = state.range(0);
     Array<T> a(n), y(n);
     measure(state, n, repeats(n), [&] { kernel(static_cast<int32_t>(n), a.data, y.data); });
-    state.counters["GB/s"] = benchmark::Counter(static_cast<double>(state.iterations() * n * repeats(n)) * 2 * sizeof(T) / 1e9,
-                                                benchmark::Counter::kIsRate);
+    state.counters["GB/s"] = benchmark::Counter(
+        static_cast<double>(state.iterations() * n * repeats(n)) * 2 * sizeof(T) / 1e9, benchmark::Counter::kIsRate);
 }
 
 template <class T>
@@ -48,8 +49,8 @@ void two_inputs(benchmark::State& state, void (*kernel)(int32_t, const T*, const
     const int64_t n = state.range(0);
     Array<T> a(n), b(n), y(n);
     measure(state, n, repeats(n), [&] { kernel(static_cast<int32_t>(n), a.data, b.data, y.data); });
-    state.counters["GB/s"] = benchmark::Counter(static_cast<double>(state.iterations() * n * repeats(n)) * 3 * sizeof(T) / 1e9,
-                                                benchmark::Counter::kIsRate);
+    state.counters["GB/s"] = benchmark::Counter(
+        static_cast<double>(state.iterations() * n * repeats(n)) * 3 * sizeof(T) / 1e9, benchmark::Counter::kIsRate);
 }
 
 // memcpy in the shape of a two-input kernel: three arrays of n elements go through the processor. Half of 3 n elements
@@ -61,7 +62,8 @@ void copy_two_inputs(benchmark::State& state) {
     const size_t bytes = static_cast<size_t>(3 * n / 2) * sizeof(T);
     measure(state, n, repeats(n), [&] { std::memcpy(to.data, from.data, bytes); });
     state.counters["GB/s"] =
-        benchmark::Counter(static_cast<double>(state.iterations()) * static_cast<double>(repeats(n)) * 2 * static_cast<double>(bytes) / 1e9,
+        benchmark::Counter(static_cast<double>(state.iterations()) * static_cast<double>(repeats(n)) * 2 *
+                               static_cast<double>(bytes) / 1e9,
                            benchmark::Counter::kIsRate);
 }
 
@@ -70,20 +72,23 @@ void copy_one_input(benchmark::State& state) {
     const int64_t n = state.range(0);
     Array<T> from(n), to(n);
     measure(state, n, repeats(n), [&] { std::memcpy(to.data, from.data, static_cast<size_t>(n) * sizeof(T)); });
-    state.counters["GB/s"] = benchmark::Counter(static_cast<double>(state.iterations() * n * repeats(n)) * 2 * sizeof(T) / 1e9,
-                                                benchmark::Counter::kIsRate);
+    state.counters["GB/s"] = benchmark::Counter(
+        static_cast<double>(state.iterations() * n * repeats(n)) * 2 * sizeof(T) / 1e9, benchmark::Counter::kIsRate);
 }
 
 [[gnu::noipa]] void nothing(int32_t, const double*, double*) {}
 
 void over_sizes(benchmark::internal::Benchmark* bench) { bench->Arg(1)->Arg(16)->Arg(1000)->Arg(1000000); }
 
-#define ONE(T, name) \
-    [[maybe_unused]] const auto* name = benchmark::RegisterBenchmark(#name, one_input<T>, _arq##name)->Apply(over_sizes);
-#define TWO(T, name) \
-    [[maybe_unused]] const auto* name = benchmark::RegisterBenchmark(#name, two_inputs<T>, _arq##name)->Apply(over_sizes);
+#define ONE(T, name)                    \
+    [[maybe_unused]] const auto* name = \
+        benchmark::RegisterBenchmark(#name, one_input<T>, _arq##name)->Apply(over_sizes);
+#define TWO(T, name)                    \
+    [[maybe_unused]] const auto* name = \
+        benchmark::RegisterBenchmark(#name, two_inputs<T>, _arq##name)->Apply(over_sizes);
 
-[[maybe_unused]] const auto* empty = benchmark::RegisterBenchmark("empty_function", one_input<double>, nothing)->Arg(1);
+[[maybe_unused]] const auto* empty =
+    benchmark::RegisterBenchmark("empty_function", one_input<double>, nothing) -> Arg(1);
 TWO(float, sAdd)
 TWO(float, sMul)
 TWO(double, dAdd)

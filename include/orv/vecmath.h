@@ -53,12 +53,12 @@ enum {
     ORV_MODE_FLOAT_CONSISTENT = 0x10,
     ORV_MODE_DOUBLE_CONSISTENT = 0x20,
     ORV_MODE_RESTORE = 0x30,
-    ORV_MODE_ERRMODE_IGNORE = 0x100,   /* alone: record the status, do nothing more */
-    ORV_MODE_ERRMODE_ERRNO = 0x200,    /* set errno */
-    ORV_MODE_ERRMODE_STDERR = 0x400,   /* print messages to standard error */
-    ORV_MODE_ERRMODE_EXCEPT = 0x800,   /* raise the floating-point exception; it traps if its trap bit is set */
+    ORV_MODE_ERRMODE_IGNORE = 0x100,    /* alone: record the status, do nothing more */
+    ORV_MODE_ERRMODE_ERRNO = 0x200,     /* set errno */
+    ORV_MODE_ERRMODE_STDERR = 0x400,    /* print messages to standard error */
+    ORV_MODE_ERRMODE_EXCEPT = 0x800,    /* raise the floating-point exception; it traps if its trap bit is set */
     ORV_MODE_ERRMODE_CALLBACK = 0x1000, /* call the thread's error callback, if it has one */
-    ORV_MODE_ERRMODE_NOERR = 0x2000,   /* alone: do not even record the status */
+    ORV_MODE_ERRMODE_NOERR = 0x2000,    /* alone: do not even record the status */
     ORV_MODE_ERRMODE_DEFAULT = 0x1A00,
     ORV_MODE_DENORMAL_KEEP = 0x140000,
     ORV_MODE_DENORMAL_FLUSH = 0x280000,

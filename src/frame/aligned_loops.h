@@ -61,8 +61,8 @@ inline void map_aligned(int32_t n, const T* a, T* y) {
     if (prologue < 0) return scalar_run<Kernel>(0, n, a, y);
     scalar_run<Kernel>(0, prologue, a, y);
     // In place the two arrays share their alignment, and the loop with aligned stores is the one of its own.
-    const int32_t rest =
-        is_aligned(y + prologue) ? block_run<Kernel, true>(prologue, n, a, y) : block_run<Kernel, false>(prologue, n, a, y);
+    const int32_t rest = is_aligned(y + prologue) ? block_run<Kernel, true>(prologue, n, a, y)
+                                                  : block_run<Kernel, false>(prologue, n, a, y);
     scalar_run<Kernel>(rest, n, a, y);
 }
 
@@ -99,8 +99,9 @@ inline void map_aligned(int32_t n, const T* a, const T* b, T* y) {
         rest = is_aligned(a + prologue) ? block_run<Kernel, true, true>(prologue, n, a, y, y)
                                         : block_run<Kernel, false, true>(prologue, n, a, y, y);
     else
-        rest = is_aligned(a + prologue) && is_aligned(b + prologue) ? block_run<Kernel, true, true>(prologue, n, a, b, y)
-                                                                    : block_run<Kernel, false, false>(prologue, n, a, b, y);
+        rest = is_aligned(a + prologue) && is_aligned(b + prologue)
+                   ? block_run<Kernel, true, true>(prologue, n, a, b, y)
+                   : block_run<Kernel, false, false>(prologue, n, a, b, y);
     scalar_run<Kernel>(rest, n, a, b, y);
 }
 
@@ -126,22 +127,22 @@ inline void map_strided(int32_t n, Strided<const T> a, Strided<const T> b, Strid
 
 }  // namespace orv::frame
 
-#define ORV_ALIGNED_ONE_INPUT(row, accuracy, Kernel)                                                                   \
-    extern "C" void orv_kernel_##row##_##accuracy(int32_t n, const Kernel::Element* a, Kernel::Element* y) {           \
-        orv::frame::map_aligned<Kernel>(n, a, y);                                                                      \
-    }                                                                                                                  \
-    extern "C" void orv_kernel_##row##I_##accuracy(int32_t n, const Kernel::Element* a, int32_t inca,                  \
-                                                   Kernel::Element* y, int32_t incy) {                                 \
-        orv::frame::map_strided<Kernel, Kernel::Element>(n, {a, inca}, {y, incy});                                     \
+#define ORV_ALIGNED_ONE_INPUT(row, accuracy, Kernel)                                                         \
+    extern "C" void orv_kernel_##row##_##accuracy(int32_t n, const Kernel::Element* a, Kernel::Element* y) { \
+        orv::frame::map_aligned<Kernel>(n, a, y);                                                            \
+    }                                                                                                        \
+    extern "C" void orv_kernel_##row##I_##accuracy(int32_t n, const Kernel::Element* a, int32_t inca,        \
+                                                   Kernel::Element* y, int32_t incy) {                       \
+        orv::frame::map_strided<Kernel, Kernel::Element>(n, {a, inca}, {y, incy});                           \
     }
 
-#define ORV_ALIGNED_TWO_INPUTS(row, accuracy, Kernel)                                                                  \
-    extern "C" void orv_kernel_##row##_##accuracy(int32_t n, const Kernel::Element* a, const Kernel::Element* b,       \
-                                                  Kernel::Element* y) {                                                \
-        orv::frame::map_aligned<Kernel>(n, a, b, y);                                                                   \
-    }                                                                                                                  \
-    extern "C" void orv_kernel_##row##I_##accuracy(int32_t n, const Kernel::Element* a, int32_t inca,                  \
-                                                   const Kernel::Element* b, int32_t incb, Kernel::Element* y,         \
-                                                   int32_t incy) {                                                     \
-        orv::frame::map_strided<Kernel, Kernel::Element>(n, {a, inca}, {b, incb}, {y, incy});                          \
+#define ORV_ALIGNED_TWO_INPUTS(row, accuracy, Kernel)                                                            \
+    extern "C" void orv_kernel_##row##_##accuracy(int32_t n, const Kernel::Element* a, const Kernel::Element* b, \
+                                                  Kernel::Element* y) {                                          \
+        orv::frame::map_aligned<Kernel>(n, a, b, y);                                                             \
+    }                                                                                                            \
+    extern "C" void orv_kernel_##row##I_##accuracy(int32_t n, const Kernel::Element* a, int32_t inca,            \
+                                                   const Kernel::Element* b, int32_t incb, Kernel::Element* y,   \
+                                                   int32_t incy) {                                               \
+        orv::frame::map_strided<Kernel, Kernel::Element>(n, {a, inca}, {b, incb}, {y, incy});                    \
     }

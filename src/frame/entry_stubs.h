@@ -2,6 +2,8 @@
 #ifndef ORV_FRAME_ENTRY_STUBS_H
 #define ORV_FRAME_ENTRY_STUBS_H
 
+// clang-format off
+
 #ifdef __ELF__
 
 #define STUB_SYMBOL(name) name

@@ -79,15 +79,15 @@ void report(int32_t status, int32_t index, const Operands<Element>& operands, co
 
 }  // namespace
 
-#define ORV_DEFINE_REPORTERS(letter, Element)                                                                             \
-    void ReportError##letter(int32_t status, int32_t index, const Element* a1, const Element* a2, Element* r1,          \
-                             Element* r2, const char* name) {                                                           \
-        report<Element>(status, index, {{a1, 1}, {a2, 1}, {r1, 1}, {r2, 1}}, name);                                     \
-    }                                                                                                                   \
-    void ReportError##letter##I(int32_t status, int32_t index, const Element* a1, int32_t inca1, const Element* a2,     \
-                                int32_t inca2, Element* r1, int32_t incr1, Element* r2, int32_t incr2,                  \
-                                const char* name) {                                                                     \
-        report<Element>(status, index, {{a1, inca1}, {a2, inca2}, {r1, incr1}, {r2, incr2}}, name);                     \
+#define ORV_DEFINE_REPORTERS(letter, Element)                                                                       \
+    void ReportError##letter(int32_t status, int32_t index, const Element* a1, const Element* a2, Element* r1,      \
+                             Element* r2, const char* name) {                                                       \
+        report<Element>(status, index, {{a1, 1}, {a2, 1}, {r1, 1}, {r2, 1}}, name);                                 \
+    }                                                                                                               \
+    void ReportError##letter##I(int32_t status, int32_t index, const Element* a1, int32_t inca1, const Element* a2, \
+                                int32_t inca2, Element* r1, int32_t incr1, Element* r2, int32_t incr2,              \
+                                const char* name) {                                                                 \
+        report<Element>(status, index, {{a1, inca1}, {a2, inca2}, {r1, incr1}, {r2, incr2}}, name);                 \
     }
 
 ORV_DEFINE_REPORTERS(S, float)

@@ -23,15 +23,16 @@ enum Status : int32_t {
 
 // ReportErrorS, D, C and Z for dense calls, ReportErrorSI, DI, CI and ZI for strided ones; and report_error, which is the
 // strided reporter of its arguments' element type.
-#define ORV_DECLARE_REPORTERS(letter, Element)                                                                          \
-    void ReportError##letter(int32_t status, int32_t index, const Element* a1, const Element* a2, Element* r1,          \
-                             Element* r2, const char* name);                                                            \
-    void ReportError##letter##I(int32_t status, int32_t index, const Element* a1, int32_t inca1, const Element* a2,     \
-                                int32_t inca2, Element* r1, int32_t incr1, Element* r2, int32_t incr2,                  \
-                                const char* name);                                                                      \
-    inline void report_error(int32_t status, int32_t index, const Element* a1, int32_t inca1, const Element* a2,        \
-                             int32_t inca2, Element* r1, int32_t incr1, Element* r2, int32_t incr2, const char* name) { \
-        ReportError##letter##I(status, index, a1, inca1, a2, inca2, r1, incr1, r2, incr2, name);                        \
+#define ORV_DECLARE_REPORTERS(letter, Element)                                                                      \
+    void ReportError##letter(int32_t status, int32_t index, const Element* a1, const Element* a2, Element* r1,      \
+                             Element* r2, const char* name);                                                        \
+    void ReportError##letter##I(int32_t status, int32_t index, const Element* a1, int32_t inca1, const Element* a2, \
+                                int32_t inca2, Element* r1, int32_t incr1, Element* r2, int32_t incr2,              \
+                                const char* name);                                                                  \
+    inline void report_error(int32_t status, int32_t index, const Element* a1, int32_t inca1, const Element* a2,    \
+                             int32_t inca2, Element* r1, int32_t incr1, Element* r2, int32_t incr2,                 \
+                             const char* name) {                                                                    \
+        ReportError##letter##I(status, index, a1, inca1, a2, inca2, r1, incr1, r2, incr2, name);                    \
     }
 
 ORV_DECLARE_REPORTERS(S, float)

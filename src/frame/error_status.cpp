@@ -56,9 +56,13 @@ ORV_API int32_t orv_arq_kernel_ClearErrStatus() { return exchange_status(0); }
 ORV_API orv_arq_callback _arqSetErrorCallBack(orv_arq_callback callback) { return exchange_callback(callback); }
 ORV_API orv_arq_callback _arqGetErrorCallBack() { return get_callback(); }
 ORV_API orv_arq_callback _arqClearErrorCallBack() { return exchange_callback(nullptr); }
-ORV_API orv_arq_callback orv_arq_kernel_SetErrorCallBack(orv_arq_callback callback) { return exchange_callback(callback); }
+ORV_API orv_arq_callback orv_arq_kernel_SetErrorCallBack(orv_arq_callback callback) {
+    return exchange_callback(callback);
+}
 ORV_API orv_arq_callback orv_arq_kernel_GetErrorCallBack() { return get_callback(); }
 ORV_API orv_arq_callback orv_arq_kernel_ClearErrorCallBack() { return exchange_callback(nullptr); }
 
 ORV_API const void* _arqSetInterfInputVectorPointer(const void* pointer) { return set_input_vector(pointer); }
-ORV_API const void* orv_arq_kernel_SetInterfInputVectorPointer(const void* pointer) { return set_input_vector(pointer); }
+ORV_API const void* orv_arq_kernel_SetInterfInputVectorPointer(const void* pointer) {
+    return set_input_vector(pointer);
+}

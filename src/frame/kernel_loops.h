@@ -82,7 +82,9 @@ struct Strided {
 inline constexpr float harmless = 0.75f;
 
 template <class Kernel>
-concept Doubtful = requires { Kernel::name; };
+concept Doubtful = requires {
+    Kernel::name;
+};
 
 template <class Kernel>
 using LanesOf = typename simd::Lanes<typename Kernel::Element>::V;
@@ -157,9 +159,9 @@ template <class Kernel, class In, class Out>
     for (int32_t lane = 0; lane < count; ++lane) *y.at(i + lane) = r[lane];
 }
 
-// `Registers` whole registers from element i on. A kernel's lanes are part of the loop however long they are.
+// `Registers` whole registers from element i on.
 template <class Kernel, int Registers, class In, class Out>
-[[gnu::flatten]] inline void map_registers(int32_t i, In a, Out y, [[maybe_unused]] typename Kernel::Frame& frame) {
+inline void map_registers(int32_t i, In a, Out y, [[maybe_unused]] typename Kernel::Frame& frame) {
     constexpr int width = simd::Lanes<typename Kernel::Element>::width;
     using V = typename simd::Lanes<typename Kernel::Element>::V;
     [[maybe_unused]] V r[Registers];

@@ -47,7 +47,7 @@ template <class Kernel, class In, class Out>
 }
 
 template <class Kernel, int Registers, class In, class Out>
-[[gnu::flatten]] inline void map_two_registers(int32_t i, In a, Out y, Out z) {
+inline void map_two_registers(int32_t i, In a, Out y, Out z) {
     constexpr int width = simd::Lanes<typename Kernel::Element>::width;
     using V = typename simd::Lanes<typename Kernel::Element>::V;
     V r1[Registers], r2[Registers], any;
@@ -92,13 +92,14 @@ inline void map_two(int32_t n, In a, Out y, Out z) {
 }  // namespace orv::frame
 
 // Defines orv_kernel_<row>_<accuracy> and orv_kernel_<row>I_<accuracy>. `accuracy` is the first that the kernel serves.
+// Flattened, as kernels of one output are.
 #define ORV_TWO_OUTPUTS(row, accuracy, Kernel)                                                                               \
-    extern "C" void orv_kernel_##row##_##accuracy(int32_t n, const Kernel::Element* a, Kernel::Element* y,                  \
+    extern "C" [[gnu::flatten]] void orv_kernel_##row##_##accuracy(int32_t n, const Kernel::Element* a, Kernel::Element* y,                  \
                                                   Kernel::Element* z) {                                                     \
         using namespace orv::frame;                                                                                         \
         map_two<Kernel>(n, Dense<const Kernel::Element>{a}, Dense<Kernel::Element>{y}, Dense<Kernel::Element>{z});          \
     }                                                                                                                       \
-    extern "C" void orv_kernel_##row##I_##accuracy(int32_t n, const Kernel::Element* a, int32_t inca, Kernel::Element* y,    \
+    extern "C" [[gnu::flatten]] void orv_kernel_##row##I_##accuracy(int32_t n, const Kernel::Element* a, int32_t inca, Kernel::Element* y,    \
                                                    int32_t incy, Kernel::Element* z, int32_t incz) {                        \
         using namespace orv::frame;                                                                                         \
         map_two<Kernel>(n, Strided<const Kernel::Element>{a, inca}, Strided<Kernel::Element>{y, incy},                      \

@@ -80,9 +80,7 @@ void heap_free(Heap* heap, void* bytes) {
 
 void touch_standard_error() {}
 
-ErrnoAddress find_errno_address() {
-    return reinterpret_cast<ErrnoAddress>(dlsym(RTLD_DEFAULT, "__errno_location"));
-}
+ErrnoAddress find_errno_address() { return reinterpret_cast<ErrnoAddress>(dlsym(RTLD_DEFAULT, "__errno_location")); }
 
 int64_t file_remaining(File* file) {
     struct stat status;

@@ -6,6 +6,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <vector>
 
 namespace {
 
@@ -47,9 +48,13 @@ struct Placed {
     int32_t increment = 1;
 
     T* pointer() const { return reinterpret_cast<T*>(first); }
-    char* at(int32_t i) const { return first + static_cast<ptrdiff_t>(i) * increment * static_cast<ptrdiff_t>(sizeof(T)); }
+    char* at(int32_t i) const {
+        return first + static_cast<ptrdiff_t>(i) * increment * static_cast<ptrdiff_t>(sizeof(T));
+    }
     char* lowest(int32_t n) const { return increment < 0 && n > 0 ? at(n - 1) : first; }
-    size_t span(int32_t n) const { return n > 0 ? (static_cast<size_t>(n - 1) * static_cast<size_t>(std::abs(increment)) + 1) * sizeof(T) : 0; }
+    size_t span(int32_t n) const {
+        return n > 0 ? (static_cast<size_t>(n - 1) * static_cast<size_t>(std::abs(increment)) + 1) * sizeof(T) : 0;
+    }
 
     // So that the lowest byte is `offset` past a 16-byte boundary near the front, or the last element ends at the end.
     void place(int32_t n, int32_t step, int offset, bool at_end) {
@@ -87,7 +92,9 @@ std::vector<T> one_by_one(Call call) {
 template <class T>
 void check(const Placed<T>& y, int32_t n, const std::vector<T>& expected, const std::string& what) {
     for (int32_t i = 0; i < n; ++i)
-        ASSERT_TRUE(same(get<T>(y.at(i)), y.increment == 0 ? expected[static_cast<size_t>(n - 1)] : expected[static_cast<size_t>(i)])) << what << " element " << i;
+        ASSERT_TRUE(same(get<T>(y.at(i)),
+                         y.increment == 0 ? expected[static_cast<size_t>(n - 1)] : expected[static_cast<size_t>(i)]))
+            << what << " element " << i;
     ASSERT_TRUE(nothing_else_written(y, n)) << what << " wrote beside its result";
 }
 
@@ -159,7 +166,8 @@ void check_two_inputs(const Row& row, int accuracy) {
                 y.place(n, 1, offset, at_end);
                 if (in_place == 1) y.fill(n);
                 if (in_place == 2) fill_second(y, n);
-                dense(n, in_place == 1 ? y.pointer() : a.pointer(), in_place == 2 ? y.pointer() : b.pointer(), y.pointer());
+                dense(n, in_place == 1 ? y.pointer() : a.pointer(), in_place == 2 ? y.pointer() : b.pointer(),
+                      y.pointer());
                 check(y, n, expected, describe(row, n, 1, 1, offset, at_end) + " in place " + std::to_string(in_place));
             }
     for (const auto& [inca, incy] : strides) {
@@ -179,8 +187,9 @@ void check_two_inputs(const Row& row, int accuracy) {
 
 // The functions whose result does not depend on where an element stands in a call.
 bool is_exact(const Row& row) {
-    for (const std::string_view function : {"Ceil", "Floor", "Trunc", "Rint", "NearbyInt", "Round", "Frac", "Abs", "Sqr", "Add", "Sub", "Mul", "Conj"})
-        if (row.function == function) return true;
+    for (const std::string_view function :
+         {"Ceil", "Floor", "Trunc", "Rint", "NearbyInt", "Round", "Frac", "Abs", "Sqr", "Add", "Sub", "Mul", "Conj"})
+        if (row.function() == function) return true;
     return false;
 }
 
@@ -189,7 +198,7 @@ TEST(Loops, GiveEveryElementItsResultAndTouchNothingElse) {
         if (!row.here || !is_exact(row)) continue;
         SCOPED_TRACE(row.name());
         constexpr int accuracy = 1;
-        if (row.shape == "TWO") {
+        if (row.shape() == "TWO") {
             if (row.type == 's') check_two_inputs<float>(row, accuracy);
             if (row.type == 'd') check_two_inputs<double>(row, accuracy);
         } else {

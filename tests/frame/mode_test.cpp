@@ -90,18 +90,11 @@ TEST(SetMode, MergesFieldByField) {
     const struct {
         uint32_t mode, merged;
     } cases[] = {
-        {0, standard},
-        {0x30, standard},              // consistency cannot be set
-        {0xF0C300F0, standard},  // nor anything outside the four fields
-        {0x1, 0x1A01},
-        {0x3, 0x1A03},
-        {0x100, 0x102},
-        {0x2000, 0x2002},
-        {0x280000, 0x281A02},
-        {0x140000, 0x141A02},
-        {0x1000000, 0x1001A02},
-        {0xC000000, 0xC001A02},
-        {0x5281403, 0x5281403},
+        {0, standard},          {0x30, standard},  // consistency cannot be set
+        {0xF0C300F0, standard},                    // nor anything outside the four fields
+        {0x1, 0x1A01},          {0x3, 0x1A03},          {0x100, 0x102},
+        {0x2000, 0x2002},       {0x280000, 0x281A02},   {0x140000, 0x141A02},
+        {0x1000000, 0x1001A02}, {0xC000000, 0xC001A02}, {0x5281403, 0x5281403},
     };
     for (const auto& [mode, merged] : cases)
         std::thread([&, mode = mode, merged = merged] {
@@ -145,7 +138,8 @@ TEST(TableIndex, IsTheAccuracyFieldLessOne) {
         int32_t index;
     } cases[] = {{0, -1}, {0x1A01, 0}, {0x1A02, 1}, {0xFFFFFFF3, 2}, {0xFFFFFFF0, -1}, {0xF, 14}};
     for (const auto& [mode, index] : cases)
-        for (const uint32_t ignored : {0u, 3u, ~0u}) EXPECT_EQ(orv_arq_kernel_GetTTableIndexM(ignored, mode), index) << mode;
+        for (const uint32_t ignored : {0u, 3u, ~0u})
+            EXPECT_EQ(orv_arq_kernel_GetTTableIndexM(ignored, mode), index) << mode;
 }
 
 }  // namespace

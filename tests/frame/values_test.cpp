@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <vector>
 #include <xmmintrin.h>
 
 namespace {
@@ -32,24 +33,40 @@ T frac(T x) {
     return std::isinf(x) ? std::copysign(T{0}, x) : std::copysign(x - std::trunc(x), x);
 }
 template <class T>
-T ceil_of(T x) { return std::ceil(x); }
+T ceil_of(T x) {
+    return std::ceil(x);
+}
 template <class T>
-T floor_of(T x) { return std::floor(x); }
+T floor_of(T x) {
+    return std::floor(x);
+}
 template <class T>
-T trunc_of(T x) { return std::trunc(x); }
+T trunc_of(T x) {
+    return std::trunc(x);
+}
 template <class T>
-T rint_of(T x) { return std::rint(x); }
+T rint_of(T x) {
+    return std::rint(x);
+}
 template <class T>
-T round_of(T x) { return std::round(x); }
+T round_of(T x) {
+    return std::round(x);
+}
 template <class T>
-T abs_of(T x) { return std::fabs(x); }
+T abs_of(T x) {
+    return std::fabs(x);
+}
 template <class T>
-T square(T x) { return x * x; }
+T square(T x) {
+    return x * x;
+}
 
 // Values around every binade's integers and halves, both signs, and the ends of the format.
 template <class T>
 std::vector<T> awkward_values() {
-    std::vector<T> values = {0, denormal<T>, std::numeric_limits<T>::min(), T(0.25), T(0.5), T(0.75), 1, T(1.5), T(2.5), T(3.5), largest<T>, infinity<T>};
+    std::vector<T> values = {
+        0,          denormal<T>, std::numeric_limits<T>::min(), T(0.25), T(0.5), T(0.75), 1, T(1.5), T(2.5), T(3.5),
+        largest<T>, infinity<T>};
     for (int e = -2; e <= digits<T> + 2; ++e)
         for (const double step : {0.0, 0.25, 0.5, 1.0, 1.5, 2.0}) {
             const T base = std::ldexp(T{1}, e) + static_cast<T>(step);
@@ -109,13 +126,14 @@ void check_quiet_nan(orv::test::OneInput<T>* kernel, Bits signalling, const char
 
 TEST(Values, SignallingNaNsComeOutQuietAndRaiseInvalid) {
     for (const orv::test::Row& row : orv::test::math_rows()) {
-        if (!row.here || row.shape != "ONE" || (row.type != 's' && row.type != 'd')) continue;
+        if (!row.here || row.shape() != "ONE" || (row.type != 's' && row.type != 'd')) continue;
         _mm_setcsr(0x1F80);
         if (row.type == 's')
-            check_quiet_nan<float, uint32_t>(orv::test::entry<orv::test::OneInput<float>>(row.dense, 1), 0x7F800001u, row.name().c_str());
+            check_quiet_nan<float, uint32_t>(orv::test::entry<orv::test::OneInput<float>>(row.dense, 1), 0x7F800001u,
+                                             row.name().c_str());
         else
-            check_quiet_nan<double, uint64_t>(orv::test::entry<orv::test::OneInput<double>>(row.dense, 1), 0x7FF0000000000001u,
-                                              row.name().c_str());
+            check_quiet_nan<double, uint64_t>(orv::test::entry<orv::test::OneInput<double>>(row.dense, 1),
+                                              0x7FF0000000000001u, row.name().c_str());
         EXPECT_TRUE(_mm_getcsr() & 1) << row.name();
     }
     _mm_setcsr(0x1F80);

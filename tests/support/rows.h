@@ -5,9 +5,9 @@
 
 #include <orv/vecmath.h>
 
+#include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace orv::test {
 
@@ -26,14 +26,16 @@ struct Form {
 struct Row {
     bool here;
     char type;
-    std::string_view function;
-    std::string_view shape;
+    const char* function_name;
+    const char* shape_name;
     Sharing sharing;
     bool fixed_cost;
     float cost[3];
     Form dense, strided;
 
-    std::string name() const { return type + std::string(function); }
+    std::string_view function() const { return function_name; }
+    std::string_view shape() const { return shape_name; }
+    std::string name() const { return type + std::string(function_name); }
 };
 
 inline constexpr const char* accuracy_names[3] = {"LA", "HA", "EP"};
@@ -49,37 +51,50 @@ inline constexpr const char* accuracy_names[3] = {"LA", "HA", "EP"};
 #define ORV_PASTE_(a, b) a##b
 #define ORV_PASTE(a, b) ORV_PASTE_(a, b)
 #define ORV_ENTRY(name) reinterpret_cast<orv::test::Entry>(name)
-#define ORV_FORM(type, row)                                                                                       \
-    {                                                                                                             \
-        {ORV_ENTRY(ORV_PASTE(_arq##row, ORV_LA_##type)), ORV_ENTRY(_arq##row),                                    \
-         ORV_ENTRY(ORV_PASTE(_arq##row, ORV_EP_##type))},                                                         \
-            ORV_ENTRY(_arq##row##_HA), orv_arq_kernel_##row##_ttab, orv_arq_kernel_##row##_ctab                   \
+#define ORV_FORM(type, row)                                                                     \
+    {                                                                                           \
+        {ORV_ENTRY(ORV_PASTE(_arq##row, ORV_LA_##type)), ORV_ENTRY(_arq##row),                  \
+         ORV_ENTRY(ORV_PASTE(_arq##row, ORV_EP_##type))},                                       \
+            ORV_ENTRY(_arq##row##_HA), orv_arq_kernel_##row##_ttab, orv_arq_kernel_##row##_ctab \
     }
 
 #define ORV_IS_HERE true
 #define ORV_IS_LATER false
 #define ORV_DENSE_FORM_HERE(type, function) ORV_FORM(type, type##function)
-#define ORV_DENSE_FORM_LATER(type, function) {}
+#define ORV_DENSE_FORM_LATER(type, function) \
+    {}
 #define ORV_STRIDED_FORM_HERE(type, function) ORV_FORM(type, type##function##I)
-#define ORV_STRIDED_FORM_LATER(type, function) {}
-#define COST(la, ha, ep) true, {la, ha, ep}
-#define MEASURED(row) false, {0, 0, 0}
-#define ORV_MATH_ROW(mark, type, function, shape, sharing, ...)                              \
-    {ORV_IS_##mark, #type[0],    #function,                                                  \
-     #shape,        Sharing::sharing, __VA_ARGS__,                                           \
-     ORV_DENSE_FORM_##mark(type, function), ORV_STRIDED_FORM_##mark(type, function)},
+#define ORV_STRIDED_FORM_LATER(type, function) \
+    {}
+#define COST(la, ha, ep) \
+    true, { la, ha, ep }
+#define MEASURED(row) \
+    false, { 0, 0, 0 }
+#define ORV_MATH_ROW(mark, type, function, shape, sharing, ...) \
+    {ORV_IS_##mark,                                             \
+     #type[0],                                                  \
+     #function,                                                 \
+     #shape,                                                    \
+     Sharing::sharing,                                          \
+     __VA_ARGS__,                                               \
+     ORV_DENSE_FORM_##mark(type, function),                     \
+     ORV_STRIDED_FORM_##mark(type, function)},
 #define ORV_MOVE_ROW(mark, type, function, shape, sharing, ...) \
-    {ORV_IS_##mark, #type[0], #function, #shape, Sharing::sharing, __VA_ARGS__, ORV_DENSE_FORM_##mark(type, function), {}},
+    {ORV_IS_##mark,                                             \
+     #type[0],                                                  \
+     #function,                                                 \
+     #shape,                                                    \
+     Sharing::sharing,                                          \
+     __VA_ARGS__,                                               \
+     ORV_DENSE_FORM_##mark(type, function),                     \
+     {}},
 
-inline const std::vector<Row>& math_rows() {
-    static const std::vector<Row> rows = {ORV_MATH_ROWS(ORV_MATH_ROW)};
-    return rows;
-}
+// Plain arrays: laid out by the compiler where it can be, and quick to compile.
+inline const Row math_row_list[] = {ORV_MATH_ROWS(ORV_MATH_ROW)};
+inline std::span<const Row> math_rows() { return math_row_list; }
 
-inline const std::vector<Row>& move_rows() {
-    static const std::vector<Row> rows = {ORV_MOVE_ROWS(ORV_MOVE_ROW)};
-    return rows;
-}
+inline const Row move_row_list[] = {ORV_MOVE_ROWS(ORV_MOVE_ROW)};
+inline std::span<const Row> move_rows() { return move_row_list; }
 
 #undef COST
 #undef MEASURED

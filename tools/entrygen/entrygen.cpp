@@ -7,6 +7,7 @@
 #include <cstring>
 #include <fstream>
 #include <iostream>
+#include <iterator>
 #include <string>
 #include <string_view>
 
@@ -52,7 +53,8 @@ std::string arguments(const Row& row, bool strided) {
     const std::string out = (row.shape == "TO_REAL" ? element(real_of(row.type)) : x) + "* ";
     const auto inc = [&](const char* name) { return strided ? std::string(", int32_t inc") + name : std::string(); };
     const std::string one = "int32_t n, " + in + "a" + inc("a");
-    if (row.shape == "ONE" || row.shape == "TO_REAL" || row.shape == "TO_COMPLEX") return one + ", " + out + "y" + inc("y");
+    if (row.shape == "ONE" || row.shape == "TO_REAL" || row.shape == "TO_COMPLEX")
+        return one + ", " + out + "y" + inc("y");
     if (row.shape == "TWO") return one + ", " + in + "b" + inc("b") + ", " + out + "y" + inc("y");
     if (row.shape == "SCALAR") return one + ", " + x + " b, " + out + "y" + inc("y");
     if (row.shape == "TWO_OUT") return one + ", " + out + "y" + inc("y") + ", " + out + "z" + inc("z");
@@ -104,6 +106,22 @@ bool write_functions(std::ostream& header, const Row (&rows)[N], bool has_stride
     return true;
 }
 
+// The rows as a macro, for programs that go through all of them.
+void write_list(std::ostream& header) {
+    const size_t all = 2 * std::size(math_rows) + std::size(move_rows);
+    header << "/* Every row of the tables, present or to come: " << all
+           << " with the strided forms. */\n#define ORV_VECMATH_ROW_COUNT " << all << "\n\n"
+           << "/* Calls ROW(type, function, shape) for each dense row that is present. A row of ORV_VECMATH_ROWS has a "
+              "strided form\n"
+              " * too, one of ORV_VECMATH_MOVE_ROWS has not. */\n#define ORV_VECMATH_ROWS(ROW)";
+    for (const Row& row : math_rows)
+        if (row.here) header << " \\\n    ROW(" << row.type << ", " << row.function << ", " << row.shape << ")";
+    header << "\n#define ORV_VECMATH_MOVE_ROWS(ROW)";
+    for (const Row& row : move_rows)
+        if (row.here) header << " \\\n    ROW(" << row.type << ", " << row.function << ", " << row.shape << ")";
+    header << "\n\n";
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -112,8 +130,10 @@ int main(int argc, char** argv) {
         return 2;
     }
     std::ofstream header(argv[1]);
-    header << "/* The entries of <orv/vecmath.h>, written from the library's row list: per function and type the \"HA\" entry under\n"
-              " * its two names, the \"LA\" and the \"EP\" entry and the exported tables, dense and strided. n counts elements; a and b\n"
+    header << "/* The entries of <orv/vecmath.h>, written from the library's row list: per function and type the "
+              "\"HA\" entry under\n"
+              " * its two names, the \"LA\" and the \"EP\" entry and the exported tables, dense and strided. n counts "
+              "elements; a and b\n"
               " * hold the inputs, y (and z) the results, n elements each; increments count elements. */\n"
               "#ifndef ORV_VECMATH_ENTRIES_H\n#define ORV_VECMATH_ENTRIES_H\n\n#include <orv/vecmath.h>\n\n"
               "#ifdef __cplusplus\nextern \"C\" {\n#endif\n\n";
@@ -122,6 +142,7 @@ int main(int argc, char** argv) {
         std::remove(argv[1]);
         return 1;
     }
+    write_list(header);
     header << "#ifdef __cplusplus\n}\n#endif\n\n#endif\n";
     return header.good() ? 0 : 1;
 }

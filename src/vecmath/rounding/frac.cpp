@@ -24,9 +24,9 @@ double frac_of(double x) {
 
     if (magnitude >= high_of_one && magnitude < high_of_2_52) {
         const uint32_t exponent = (magnitude >> 20) - 1023;
-        const uint64_t whole_mask = magnitude < high_of_2_21
-                                        ? uint64_t{~(0x000FFFFFu >> exponent)} << 32
-                                        : 0xFFFFFFFF00000000u | static_cast<uint32_t>(~(0xFFFFFFFFu >> (exponent - 20)));
+        const uint64_t whole_mask =
+            magnitude < high_of_2_21 ? uint64_t{~(0x000FFFFFu >> exponent)} << 32
+                                     : 0xFFFFFFFF00000000u | static_cast<uint32_t>(~(0xFFFFFFFFu >> (exponent - 20)));
         if ((bits & ~whole_mask) == 0) return zero;
         return x - std::bit_cast<double>(bits & whole_mask);
     }

@@ -1,0 +1,38 @@
+// The command `orv`: a subcommand for each domain of the library.
+#include "commands.h"
+#include "failure.h"
+
+#include <cstdio>
+
+namespace {
+
+int run(int argc, char** argv) {
+    int status = 0;
+    CLI::App app("Numbers through the kernels of the orv library.", "orv");
+    app.require_subcommand(1);
+    orv::command::add_info(app, status);
+    orv::command::add_math(app, status);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& help) {
+        return app.exit(help);
+    }
+    return status;
+}
+
+int refuse(const char* text) {
+    std::fprintf(stderr, "orv: %s\n", text);
+    return 2;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return run(argc, argv);
+    } catch (const orv::command::Failure& failure) {
+        return refuse(failure.text.c_str());
+    } catch (const std::exception& error) {
+        return refuse(error.what());
+    }
+}

@@ -1,0 +1,144 @@
+// Writes src/frame/measured_costs.h: cycles per element of every present row whose cost figures are not fixed, brought to
+// the scale of the fixed ones by the mean ratio of the fixed figures to what their rows take here.
+//
+// usage: cost_table src/frame/measured_costs.h
+#include "frame/kernel_tables.h"
+#include "support/cycles.h"
+
+#include <orv/vecmath.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+struct Row {
+    bool here;
+    char type;
+    const char* function;
+    const char* shape;
+    bool fixed;
+    float cost[3];
+    const orv_arq_kernel* kernels;
+};
+
+#define COST(la, ha, ep) \
+    true, { la, ha, ep }
+#define MEASURED(row) \
+    false, { 0, 0, 0 }
+#define KERNELS_HERE(row) orv_arq_kernel_##row##_ttab
+#define KERNELS_LATER(row) nullptr
+#define IS_HERE true
+#define IS_LATER false
+#define ROW(mark, type, function, shape, sharing, ...) \
+    {IS_##mark, #type[0], #function, #shape, __VA_ARGS__, KERNELS_##mark(type##function)},
+const Row rows[] = {ORV_MATH_ROWS(ROW)};
+
+constexpr int32_t n = 1000;
+
+// Where a function's arguments lie in ordinary use; everything else takes the first range.
+struct Range {
+    std::string_view functions;
+    double low, high;
+};
+constexpr Range ranges[] = {
+    {"", 0.1, 0.9},
+    {" Exp Exp2 Exp10 Expm1 Sin Cos Tan SinCos Sinpi Cospi Tanpi ", -10, 10},
+    {" Sind Cosd Tand ", -360, 360},
+    {" Ln Log10 Log2 Log1p Logb Acosh ", 1.1, 100},
+    {" Ceil Floor Trunc Rint NearbyInt Round Frac Abs ", -100, 100},
+};
+
+const Range& range_of(std::string_view function) {
+    for (const Range& range : ranges)
+        if (range.functions.find(" " + std::string(function) + " ") != std::string_view::npos) return range;
+    return ranges[0];
+}
+
+// One array of n elements of any type; complex ones are pairs.
+template <class T>
+std::vector<T> arguments(const Range& range) {
+    std::vector<T> x(2 * n);
+    for (size_t i = 0; i < x.size(); ++i)
+        x[i] = static_cast<T>(range.low +
+                              (range.high - range.low) * static_cast<double>((i * 2654435761u) % 10007) / 10007);
+    return x;
+}
+
+double cycles_of(orv_arq_kernel kernel, const Row& row) {
+    using OneInput = void(int32_t, const void*, void*);
+    using TwoInputs = void(int32_t, const void*, const void*, void*);
+    const Range& range = range_of(row.function);
+    const bool single = row.type == 's' || row.type == 'c';
+    const std::vector<float> a_single = arguments<float>(range);
+    const std::vector<double> a_double = arguments<double>(range);
+    const void* a = single ? static_cast<const void*>(a_single.data()) : a_double.data();
+    std::vector<double> y(2 * n + 200), z(2 * n + 400);
+    double* first = y.data() + 40;
+    double* second = z.data() + 120;
+
+    const std::string_view shape = row.shape;
+    const auto call = [&] {
+        if (shape == "TWO" || shape == "TWO_OUT")
+            reinterpret_cast<TwoInputs*>(kernel)(n, a, shape == "TWO" ? a : first, second);
+        else
+            reinterpret_cast<OneInput*>(kernel)(n, a, first);
+    };
+    std::vector<uint64_t> samples(401);
+    for (uint64_t& sample : samples) {
+        const uint64_t start = orv::bench::ticks();
+        for (int i = 0; i < 10; ++i) call();
+        sample = orv::bench::ticks() - start;
+    }
+    std::nth_element(samples.begin(), samples.begin() + 200, samples.end());
+    return static_cast<double>(samples[200]) / (10.0 * n);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 2) {
+        std::fprintf(stderr, "usage: cost_table HEADER\n");
+        return 2;
+    }
+    double logarithms = 0;
+    int fixed_figures = 0;
+    for (const Row& row : rows) {
+        if (!row.here || !row.fixed) continue;
+        for (int k = 0; k < 3; ++k) {
+            logarithms += std::log(row.cost[k] / cycles_of(row.kernels[k], row));
+            ++fixed_figures;
+        }
+    }
+    const double scale = fixed_figures ? std::exp(logarithms / fixed_figures) : 1;
+    std::printf("%d fixed figures, %.3f times the cycles here\n", fixed_figures, scale);
+
+    std::string text =
+        "// Written by the bench program cost_table; not edited by hand. Cycles per element on the scale of the fixed "
+        "figures.\n#ifndef ORV_FRAME_MEASURED_COSTS_H\n#define ORV_FRAME_MEASURED_COSTS_H\n\n";
+    for (const Row& row : rows) {
+        if (!row.here || row.fixed) continue;
+        char line[160];
+        float figures[3];
+        for (int k = 0; k < 3; ++k) {
+            figures[k] = static_cast<float>(scale * cycles_of(row.kernels[k], row));
+            for (int other = 0; other < k; ++other)
+                if (row.kernels[other] == row.kernels[k]) figures[k] = figures[other];
+        }
+        std::snprintf(line, sizeof line, "#define ORV_COST_%c%s %.3g, %.3g, %.3g\n", row.type, row.function,
+                      static_cast<double>(figures[0]), static_cast<double>(figures[1]),
+                      static_cast<double>(figures[2]));
+        text += line;
+    }
+    text += "\n#endif\n";
+    std::FILE* header = std::fopen(argv[1], "w");
+    if (!header || std::fputs(text.c_str(), header) < 0 || std::fclose(header) != 0) {
+        std::fprintf(stderr, "cost_table: %s cannot be written\n", argv[1]);
+        return 1;
+    }
+    return 0;
+}
