@@ -56,8 +56,9 @@ struct SinLA : Sin {
                       z * (splat(2.7557316600552628e-06) +
                            z * (splat(-2.5051880273862881e-08) +
                                 z * (splat(1.6048095404959637e-10) + z * splat(-7.3733445331106646e-13))))));
-        // The low part counts cos r, here to a few per cent.
-        return simd::bit_xor(r + (r * (z * q) + (low - low * z * splat(0.44))), sign);
+        // The low part counts cos r, which three digits of are enough.
+        const D cosine = splat(1.0) - z * (splat(0.4967) - z * splat(0.03705));
+        return simd::bit_xor(r + (r * (z * q) + low * cosine), sign);
     }
 };
 
