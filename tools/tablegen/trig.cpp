@@ -112,12 +112,12 @@ void sin_cos_steps(const Output& output) {
     }
 }
 
-// Row j serves angles near theta = 2 pi j / 128.
+// Row j serves angles near theta = 2 pi j / 128. Of the rest of the sine 24 bits are kept.
 void sin_steps(const Output& output) {
     Table table(output, "sin_128", "rest of cos theta, sin theta high and low, leading power of two of cos theta");
     for (int j = 0; j < 128; ++j) {
         const Step s = step(j, 128);
-        table.row({s.cosine_rest, s.sine, s.sine_rest, s.cosine_lead});
+        table.row({s.cosine_rest, s.sine, static_cast<double>(static_cast<float>(s.sine_rest)), s.cosine_lead});
     }
 }
 

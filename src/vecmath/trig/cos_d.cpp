@@ -23,9 +23,9 @@ struct CosHA {
     static constexpr int block = 4;
     static constexpr frame::Tail tail = frame::Tail::masked;
     static constexpr char name[] = "vdCos";
-    static D lanes(D x, D& doubt) {
+    static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(limit_128)); }
+    static D lanes(D x) {
         const D a = simd::magnitude(x);
-        doubt = simd::not_less(a, splat(limit_128));
         const Main128 main(a);
         return main.step.sin(main.j, 1);
     }
@@ -44,9 +44,9 @@ struct CosEP {
     static constexpr int block = 8;
     static constexpr frame::Tail tail = frame::Tail::masked;
     static constexpr char name[] = "vdCos";
-    static D lanes(D x, D& doubt) {
+    static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(8388608.0)); }
+    static D lanes(D x) {
         const D a = simd::magnitude(x);
-        doubt = simd::not_less(a, splat(8388608.0));
         const D shifted = (a * splat(0.31830988618379069) + splat(0.5)) + splat(shifter);
         const D k = (shifted - splat(shifter)) - splat(0.5);
         const D r = ((a - k * splat(3.1415925025939941)) - k * splat(1.5099578831723193e-07)) - k * splat(1.0780605716316238e-14);

@@ -36,9 +36,9 @@ struct Sin {
 };
 
 struct SinLA : Sin {
-    static D lanes(D x, D& doubt) {
+    static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(16777216.0)); }
+    static D lanes(D x) {
         const D a = simd::magnitude(x);
-        doubt = simd::not_less(a, splat(16777216.0));
         const D shifted = a * splat(0.31830988618379069) + splat(shifter);
         const D k = shifted - splat(shifter);
         const D sign = simd::bit_xor(simd::sign_of(x), odd_sign(shifted));
@@ -64,9 +64,9 @@ struct SinLA : Sin {
 
 struct SinHA : Sin {
     static constexpr int block = 4;
-    static D lanes(D x, D& doubt) {
+    static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(limit_128)); }
+    static D lanes(D x) {
         const D a = simd::magnitude(x);
-        doubt = simd::not_less(a, splat(limit_128));
         const Main128 main(a);
         return simd::bit_xor(main.step.sin(main.j, 0), simd::sign_of(x));
     }
@@ -79,9 +79,9 @@ struct SinEP {
     static constexpr int block = 8;
     static constexpr frame::Tail tail = frame::Tail::masked;
     static constexpr char name[] = "vdSin";
-    static D lanes(D x, D& doubt) {
+    static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(16777216.0)); }
+    static D lanes(D x) {
         const D a = simd::magnitude(x);
-        doubt = simd::not_less(a, splat(16777216.0));
         const D shifted = a * splat(0.31830988618379069) + splat(shifter);
         const D k = shifted - splat(shifter);
         const D sign = simd::bit_xor(simd::sign_of(x), odd_sign(shifted));

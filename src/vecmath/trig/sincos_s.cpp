@@ -53,7 +53,7 @@ struct SinCosLA : SinCos {
         const S half = w * splat(0.5f);
         const S lead = splat(1.0f) - half;
         S cosine = lead + (((splat(1.0f) - lead) - half) +
-                           (w * w * (splat(0.041661069023916f) + w * splat(-0.0013648665709225f)) - r * low));
+                           (w * w * (splat(0.0416666456705364f) + w * (splat(-0.0013887315633147f) + w * splat(2.44330843567e-05f))) - r * low));
         const __m128i bits = simd::bits_of(shifted);
         const __m128i sign = simd::bits_of(splat(-0.0f));
         const S difference = simd::bit_and(simd::floats(_mm_srai_epi32(_mm_slli_epi32(bits, 31), 31)), simd::bit_xor(sine, cosine));

@@ -36,15 +36,15 @@ struct Tan {
 inline D numerator_rest(D z) {
     return (splat(-0.12828347003747023) + z * splat(0.0028059181997214249)) + (z * z) * splat(-7.4836345641659391e-06);
 }
-constexpr double d1 = -0.46161680337080113;
-inline D denominator_rest(D z) {
-    return (splat(d1) + z * splat(0.023344852656587221)) + (z * z) * splat(-0.00020844803827304198);
+constexpr double d1 = -0.46161680337080113, d1_lead = -0.4609375;
+inline D denominator_rest(D z, double first) {
+    return (splat(first) + z * splat(0.023344852656587221)) + (z * z) * splat(-0.00020844803827304198);
 }
 
 struct TanLA : Tan {
-    static D lanes(D x, D& doubt) {
+    static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(128000.0)); }
+    static D lanes(D x) {
         const D a = simd::magnitude(x);
-        doubt = simd::not_less(a, splat(128000.0));
         const D shifted = a * splat(0.63661977236758138) + splat(shifter);
         const D k = shifted - splat(shifter);
         const D sign = simd::bit_xor(simd::sign_of(x), odd_sign(shifted));
@@ -55,12 +55,15 @@ struct TanLA : Tan {
         const D low = ((r0 - r) - t) - k * splat(1.0562999066987428e-23);
         const D z = r * r;
         const D n = (r * z) * numerator_rest(z);
-        const D d = z * denominator_rest(z);
-        Pair num{r + n, n}, den{splat(1.0) + d, d};
+        // The denominator's largest term takes part in the sum as an exact product: 23 bits of r squared, 6 bits of d1.
+        const D lead = simd::bit_and(r, simd::doubles(simd::splat_bits(0xFFFFFFFFC0000000)));
+        const D d_lead = (lead * lead) * splat(d1_lead);
+        const D d_rest = ((r - lead) * (r + lead)) * splat(d1_lead) + z * denominator_rest(z, d1 - d1_lead);
+        Pair num{r + n, n}, den{splat(1.0) + d_lead, d_lead};
         // The low part of r counts the derivatives of r N and D, to the first order.
         const D r_low = r * low;
         num.low += (r - num.high) + (low + r_low * r * splat(3 * -0.12828347003747023));
-        den.low += (splat(1.0) - den.high) + r_low * splat(2 * d1);
+        den.low += (splat(1.0) - den.high) + (d_rest + r_low * splat(2 * d1));
         exchange(odd, num.high, den.high);
         exchange(odd, num.low, den.low);
         const Pair y = quotient(num, den);
@@ -69,24 +72,24 @@ struct TanLA : Tan {
 };
 
 struct TanEP : Tan {
-    static D lanes(D x, D& doubt) {
+    static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(128000.0)); }
+    static D lanes(D x) {
         const D a = simd::magnitude(x);
-        doubt = simd::not_less(a, splat(128000.0));
         const D shifted = a * splat(0.63661977236758138) + splat(shifter);
         const D k = shifted - splat(shifter);
         const D sign = simd::bit_xor(simd::sign_of(x), odd_sign(shifted));
         const D r = ((a - k * splat(1.5707962512969971)) - k * splat(7.5497894158615964e-08)) - k * splat(5.390302858158119e-15);
         const D z = r * r;
-        D num = r + (r * z) * numerator_rest(z), den = splat(1.0) + z * denominator_rest(z);
+        D num = r + (r * z) * numerator_rest(z), den = splat(1.0) + z * denominator_rest(z, d1);
         exchange(odd_mask(shifted), num, den);
         return simd::bit_xor(num / den, sign);
     }
 };
 
 struct TanHA : Tan {
-    static D lanes(D x, D& doubt) {
+    static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(65536.00349206588)); }
+    static D lanes(D x) {
         const D a = simd::magnitude(x);
-        doubt = simd::not_less(a, splat(65536.00349206588));
         const D shifted = a * splat(81.487330863050417) + splat(shifter);
         const D k = shifted - splat(shifter);
         const D r0 = a - k * splat(0.012271846302610356);
