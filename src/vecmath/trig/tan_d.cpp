@@ -36,9 +36,8 @@ struct Tan {
 inline D numerator_rest(D z) {
     return (splat(-0.12828347003747023) + z * splat(0.0028059181997214249)) + (z * z) * splat(-7.4836345641659391e-06);
 }
-constexpr double d1 = -0.46161680337080113, d1_lead = -0.4609375;
-inline D denominator_rest(D z, double first) {
-    return (splat(first) + z * splat(0.023344852656587221)) + (z * z) * splat(-0.00020844803827304198);
+inline D denominator_rest(D z) {
+    return (splat(-0.46161680337080113) + z * splat(0.023344852656587221)) + (z * z) * splat(-0.00020844803827304198);
 }
 
 struct TanLA : Tan {
@@ -55,15 +54,10 @@ struct TanLA : Tan {
         const D low = ((r0 - r) - t) - k * splat(1.0562999066987428e-23);
         const D z = r * r;
         const D n = (r * z) * numerator_rest(z);
-        // The denominator's largest term takes part in the sum as an exact product: 23 bits of r squared, 6 bits of d1.
-        const D lead = simd::bit_and(r, simd::doubles(simd::splat_bits(0xFFFFFFFFC0000000)));
-        const D d_lead = (lead * lead) * splat(d1_lead);
-        const D d_rest = ((r - lead) * (r + lead)) * splat(d1_lead) + z * denominator_rest(z, d1 - d1_lead);
-        Pair num{r + n, n}, den{splat(1.0) + d_lead, d_lead};
-        // The low part of r counts the derivatives of r N and D, to the first order.
-        const D r_low = r * low;
-        num.low += (r - num.high) + (low + r_low * r * splat(3 * -0.12828347003747023));
-        den.low += (splat(1.0) - den.high) + (d_rest + r_low * splat(2 * d1));
+        const D d = z * denominator_rest(z);
+        Pair num{r + n, n}, den{splat(1.0) + d, d};
+        num.low += (r - num.high) + low;
+        den.low += splat(1.0) - den.high;
         exchange(odd, num.high, den.high);
         exchange(odd, num.low, den.low);
         const Pair y = quotient(num, den);
@@ -80,7 +74,7 @@ struct TanEP : Tan {
         const D sign = simd::bit_xor(simd::sign_of(x), odd_sign(shifted));
         const D r = ((a - k * splat(1.5707962512969971)) - k * splat(7.5497894158615964e-08)) - k * splat(5.390302858158119e-15);
         const D z = r * r;
-        D num = r + (r * z) * numerator_rest(z), den = splat(1.0) + z * denominator_rest(z, d1);
+        D num = r + (r * z) * numerator_rest(z), den = splat(1.0) + z * denominator_rest(z);
         exchange(odd_mask(shifted), num, den);
         return simd::bit_xor(num / den, sign);
     }
