@@ -83,7 +83,7 @@ std::vector<T> trig_points(const char* function, int64_t count, uint64_t seed) {
         if (limit < std::numeric_limits<T>::max()) add_around(list, limit, 64);
     // Multiples of a quarter turn, first one by one, then thinner.
     const long double quarter = radians ? 1.57079632679489661923132169163975144L : half_turns ? 0.5L : 90.0L;
-    for (int64_t k = 1; k < int64_t{1} << 45; k += 1 + k / 4000) add_around(list, static_cast<double>(k * quarter), 2);
+    for (int64_t k = 1; k < int64_t{1} << 45; k += 1 + k / 400) add_around(list, static_cast<double>(k * quarter), 2);
     if (radians && sizeof(T) == 8) {
         // The double nearest to a multiple of pi/2 of all, and others known as hard.
         for (const double x : {6381956970095103.0 * 0x1p797, 0x1.6ac5b262ca1ffp849, 0x1.921fb54442d18p1, 0x1.921fb54442d18p0})

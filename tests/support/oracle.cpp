@@ -41,6 +41,7 @@ struct Quarter {
         sine = k & 1 ? c : s;
         cosine = k & 1 ? -s : c;
         if (k & 2) sine = -sine, cosine = -cosine;
+        cosine += 0.0L;  // no zero is negative: the tangent's poles have the sign of the sine
     }
 };
 long double fast_sinpi(long double x) { return Quarter(x, 0.5L).sine; }
