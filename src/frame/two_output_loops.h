@@ -3,7 +3,8 @@
 // A kernel is a record of static members as in frame/kernel_loops.h, its outputs by reference:
 //
 //   Element, Frame, block, name  as there; the rest is done in groups of one register
-//   lanes(x, y, z, doubt)        both results of a register and the lanes that the vector path does not serve
+//   doubt(x)                     the lanes of a register that the vector path does not serve, for a whole block first
+//   lanes(x, y, z)               both results of a register
 //   settle(x, y, z, doubt)       where the doubted lanes have a vector path of their own: puts in what it serves, leaves the
 //                                others in doubt
 //   scalar(x, y, z)              both results of one element, returning its status
@@ -24,8 +25,9 @@ template <class Kernel, class In, class Out>
     alignas(16) Element x[Kernel::block], r1[Kernel::block], r2[Kernel::block];
     for (int32_t lane = 0; lane < Kernel::block; ++lane) x[lane] = lane < count ? *a.at(i + lane) : Element{harmless};
     for (int32_t k = 0; k < count; k += width) {
-        V doubt, v1, v2;
-        Kernel::lanes(simd::load(x + k), v1, v2, doubt);
+        V v1, v2;
+        V doubt = Kernel::doubt(simd::load(x + k));
+        Kernel::lanes(simd::load(x + k), v1, v2);
         if constexpr (requires { Kernel::settle(v1, v1, v2, doubt); })
             if (simd::lane_bits(doubt) != 0) Kernel::settle(simd::load(x + k), v1, v2, doubt);
         simd::store(r1 + k, v1);
@@ -50,19 +52,17 @@ template <class Kernel, int Registers, class In, class Out>
 inline void map_two_registers(int32_t i, In a, Out y, Out z) {
     constexpr int width = simd::Lanes<typename Kernel::Element>::width;
     using V = typename simd::Lanes<typename Kernel::Element>::V;
-    V r1[Registers], r2[Registers], any;
+    V any = Kernel::doubt(a.load(i));
 #pragma GCC unroll 16
-    for (int k = 0; k < Registers; ++k) {
-        V doubt;
-        Kernel::lanes(a.load(i + k * width), r1[k], r2[k], doubt);
-        any = k == 0 ? doubt : simd::bit_or(any, doubt);
-    }
+    for (int k = 1; k < Registers; ++k) any = simd::bit_or(any, Kernel::doubt(a.load(i + k * width)));
     if (simd::lane_bits(any) != 0) [[unlikely]]
         return map_two_buffered<Kernel>(i, Registers * width, a, y, z);
 #pragma GCC unroll 16
     for (int k = 0; k < Registers; ++k) {
-        y.store(i + k * width, r1[k]);
-        z.store(i + k * width, r2[k]);
+        V r1, r2;
+        Kernel::lanes(a.load(i + k * width), r1, r2);
+        y.store(i + k * width, r1);
+        z.store(i + k * width, r2);
     }
 }
 
@@ -71,10 +71,11 @@ template <class Kernel, class In, class Out>
 inline void map_two_group(int32_t i, int32_t count, In a, Out y, Out z) {
     using Element = typename Kernel::Element;
     using V = typename simd::Lanes<Element>::V;
-    V doubt, r1, r2;
-    Kernel::lanes(simd::load_part(a.at(i), a.increment, count, Element{harmless}), r1, r2, doubt);
-    if (simd::lane_bits(doubt) != 0) [[unlikely]]
+    const V x = simd::load_part(a.at(i), a.increment, count, Element{harmless});
+    if (simd::lane_bits(Kernel::doubt(x)) != 0) [[unlikely]]
         return map_two_buffered<Kernel>(i, count, a, y, z);
+    V r1, r2;
+    Kernel::lanes(x, r1, r2);
     simd::store_part(y.at(i), y.increment, count, r1);
     simd::store_part(z.at(i), z.increment, count, r2);
 }

@@ -35,9 +35,9 @@ struct SinCos {
 };
 
 struct SinCosHA : SinCos {
-    static void lanes(D x, D& y, D& z, D& doubt) {
+    static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(limit_128)); }
+    static void lanes(D x, D& y, D& z) {
         const D a = simd::magnitude(x);
-        doubt = simd::not_less(a, splat(limit_128));
         const Main128 main(a);
         y = simd::bit_xor(main.step.sin(main.j, 0), simd::sign_of(x));
         z = main.step.sin(main.j, 1);
@@ -45,9 +45,9 @@ struct SinCosHA : SinCos {
 };
 
 struct SinCosEP : SinCos {
-    static void lanes(D x, D& y, D& z, D& doubt) {
+    static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(8388608.0)); }
+    static void lanes(D x, D& y, D& z) {
         const D a = simd::magnitude(x);
-        doubt = simd::not_less(a, splat(8388608.0));
         const D shifted = a * splat(0.63661977236758138) + splat(shifter);
         const D k = shifted - splat(shifter);
         const D r = ((a - k * splat(1.5707962512969971)) - k * splat(7.5497894158615964e-08)) - k * splat(5.390302858158119e-15);

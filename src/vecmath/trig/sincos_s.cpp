@@ -39,9 +39,9 @@ struct SinCos {
 
 struct SinCosLA : SinCos {
     static constexpr int block = 8;
-    static void lanes(S x, S& y, S& z, S& doubt) {
+    static S doubt(S x) { return simd::not_less(simd::magnitude(x), splat(8192.0f)); }
+    static void lanes(S x, S& y, S& z) {
         const S a = simd::magnitude(x);
-        doubt = simd::not_less(a, splat(8192.0f));
         const S shifted = a * splat(0.636619747f) + splat(shifter_s);
         const S k = shifted - splat(shifter_s);
         const S r0 = (a - k * splat(1.5703125f)) - k * splat(0.000483751297f);
@@ -65,9 +65,9 @@ struct SinCosLA : SinCos {
 };
 
 struct SinCosHA : SinCos {
-    static void lanes(S x, S& y, S& z, S& doubt) {
+    static S doubt(S x) { return simd::not_less(simd::magnitude(x), splat(8192.0f)); }
+    static void lanes(S x, S& y, S& z) {
         const S a = simd::magnitude(x);
-        doubt = simd::not_less(a, splat(8192.0f));
         D sine[2], cosine[2];
         both(low_half(a), sine[0], cosine[0]);
         both(high_half(a), sine[1], cosine[1]);
