@@ -51,7 +51,7 @@
     ROW(LATER, s, InvCbrt,    ONE,        EACH,  MEASURED(sInvCbrt))              \
     ROW(HERE,  s, Exp,        ONE,        EACH,  COST(5.667, 6.42, 3.633))        \
     ROW(HERE,  s, Ln,         ONE,        EACH,  COST(6.823, 8.138, 4.498))       \
-    ROW(LATER, s, Log10,      ONE,        EACH,  MEASURED(sLog10))                \
+    ROW(HERE,  s, Log10,      ONE,        EACH,  MEASURED(sLog10))                \
     ROW(HERE,  s, Cos,        ONE,        EACH,  MEASURED(sCos))                  \
     ROW(HERE,  s, Sin,        ONE,        EACH,  COST(7.451, 13.009, 5.954))      \
     ROW(HERE,  s, Tan,        ONE,        LA_EP, MEASURED(sTan))                  \
@@ -68,8 +68,8 @@
     ROW(LATER, s, Erfc,       ONE,        EACH,  MEASURED(sErfc))                 \
     ROW(LATER, s, ErfInv,     ONE,        EACH,  MEASURED(sErfInv))               \
     ROW(HERE,  s, Sqr,        ONE,        ALL,   COST(0.37, 0.37, 0.37))          \
-    ROW(LATER, s, Expm1,      ONE,        ALL,   MEASURED(sExpm1))                \
-    ROW(LATER, s, Log1p,      ONE,        EACH,  MEASURED(sLog1p))                \
+    ROW(HERE,  s, Expm1,      ONE,        ALL,   MEASURED(sExpm1))                \
+    ROW(HERE,  s, Log1p,      ONE,        EACH,  MEASURED(sLog1p))                \
     ROW(LATER, s, Pow3o2,     ONE,        EACH,  MEASURED(sPow3o2))               \
     ROW(LATER, s, Pow2o3,     ONE,        EACH,  MEASURED(sPow2o3))               \
     ROW(LATER, s, ErfcInv,    ONE,        EACH,  MEASURED(sErfcInv))              \
@@ -84,13 +84,13 @@
     ROW(LATER, s, Acospi,     ONE,        EACH,  MEASURED(sAcospi))               \
     ROW(LATER, s, Asinpi,     ONE,        EACH,  MEASURED(sAsinpi))               \
     ROW(LATER, s, Atanpi,     ONE,        EACH,  MEASURED(sAtanpi))               \
-    ROW(LATER, s, Exp2,       ONE,        ALL,   MEASURED(sExp2))                 \
-    ROW(LATER, s, Exp10,      ONE,        ALL,   MEASURED(sExp10))                \
-    ROW(LATER, s, Log2,       ONE,        EACH,  MEASURED(sLog2))                 \
+    ROW(HERE,  s, Exp2,       ONE,        ALL,   MEASURED(sExp2))                 \
+    ROW(HERE,  s, Exp10,      ONE,        ALL,   MEASURED(sExp10))                \
+    ROW(HERE,  s, Log2,       ONE,        EACH,  MEASURED(sLog2))                 \
     ROW(HERE,  s, Sind,       ONE,        EACH,  MEASURED(sSind))                 \
     ROW(HERE,  s, Cosd,       ONE,        EACH,  MEASURED(sCosd))                 \
     ROW(HERE,  s, Tand,       ONE,        EACH,  MEASURED(sTand))                 \
-    ROW(LATER, s, Logb,       ONE,        ALL,   MEASURED(sLogb))                 \
+    ROW(HERE,  s, Logb,       ONE,        ALL,   MEASURED(sLogb))                 \
     ROW(HERE,  d, Ceil,       ONE,        ALL,   MEASURED(dCeil))                 \
     ROW(HERE,  d, Floor,      ONE,        ALL,   MEASURED(dFloor))                \
     ROW(HERE,  d, Frac,       ONE,        ALL,   MEASURED(dFrac))                 \
@@ -106,7 +106,7 @@
     ROW(LATER, d, InvCbrt,    ONE,        ALL,   MEASURED(dInvCbrt))              \
     ROW(HERE,  d, Exp,        ONE,        EACH,  COST(11.07, 16.065, 8.56))       \
     ROW(HERE,  d, Ln,         ONE,        LA_HA, COST(18, 18, 11.07))             \
-    ROW(LATER, d, Log10,      ONE,        LA_EP, MEASURED(dLog10))                \
+    ROW(HERE,  d, Log10,      ONE,        LA_EP, MEASURED(dLog10))                \
     ROW(HERE,  d, Cos,        ONE,        LA_HA, MEASURED(dCos))                  \
     ROW(HERE,  d, Sin,        ONE,        EACH,  COST(20.147, 21.88, 14.681))     \
     ROW(HERE,  d, Tan,        ONE,        EACH,  COST(23.031, 60.573, 20.467))    \
@@ -123,8 +123,8 @@
     ROW(LATER, d, Erfc,       ONE,        ALL,   MEASURED(dErfc))                 \
     ROW(LATER, d, ErfInv,     ONE,        EACH,  MEASURED(dErfInv))               \
     ROW(HERE,  d, Sqr,        ONE,        ALL,   MEASURED(dSqr))                  \
-    ROW(LATER, d, Expm1,      ONE,        EACH,  MEASURED(dExpm1))                \
-    ROW(LATER, d, Log1p,      ONE,        EACH,  MEASURED(dLog1p))                \
+    ROW(HERE,  d, Expm1,      ONE,        EACH,  MEASURED(dExpm1))                \
+    ROW(HERE,  d, Log1p,      ONE,        EACH,  MEASURED(dLog1p))                \
     ROW(LATER, d, Pow3o2,     ONE,        EACH,  MEASURED(dPow3o2))               \
     ROW(LATER, d, Pow2o3,     ONE,        EACH,  MEASURED(dPow2o3))               \
     ROW(LATER, d, ErfcInv,    ONE,        EACH,  MEASURED(dErfcInv))              \
@@ -141,11 +141,11 @@
     ROW(LATER, d, Atanpi,     ONE,        EACH,  MEASURED(dAtanpi))               \
     ROW(HERE,  d, Exp2,       ONE,        ALL,   MEASURED(dExp2))                 \
     ROW(HERE,  d, Exp10,      ONE,        ALL,   MEASURED(dExp10))                \
-    ROW(LATER, d, Log2,       ONE,        EACH,  MEASURED(dLog2))                 \
+    ROW(HERE,  d, Log2,       ONE,        EACH,  MEASURED(dLog2))                 \
     ROW(HERE,  d, Sind,       ONE,        EACH,  MEASURED(dSind))                 \
     ROW(HERE,  d, Cosd,       ONE,        EACH,  MEASURED(dCosd))                 \
     ROW(HERE,  d, Tand,       ONE,        EACH,  MEASURED(dTand))                 \
-    ROW(LATER, d, Logb,       ONE,        ALL,   MEASURED(dLogb))                 \
+    ROW(HERE,  d, Logb,       ONE,        ALL,   MEASURED(dLogb))                 \
     ROW(LATER, c, Cos,        ONE,        ALL,   MEASURED(cCos))                  \
     ROW(LATER, c, Sin,        ONE,        ALL,   MEASURED(cSin))                  \
     ROW(LATER, c, Tan,        ONE,        ALL,   MEASURED(cTan))                  \

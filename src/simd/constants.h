@@ -73,5 +73,14 @@ inline void gather_pairs(const float (*rows)[2], Offsets4 j, __m128& first, __m1
     first = _mm_shuffle_ps(low, high, _MM_SHUFFLE(2, 0, 2, 0));
     second = _mm_shuffle_ps(low, high, _MM_SHUFFLE(3, 1, 3, 1));
 }
+// The first three members of four rows of four, at byte offsets.
+inline void gather_triples(const float* rows, Offsets4 at, __m128& first, __m128& second, __m128& third) {
+    const __m128 row0 = _mm_load_ps(behind(rows, at.at0)), row1 = _mm_load_ps(behind(rows, at.at1));
+    const __m128 row2 = _mm_load_ps(behind(rows, at.at2)), row3 = _mm_load_ps(behind(rows, at.at3));
+    const __m128 low01 = _mm_unpacklo_ps(row0, row1), low23 = _mm_unpacklo_ps(row2, row3);
+    first = _mm_movelh_ps(low01, low23);
+    second = _mm_movehl_ps(low23, low01);
+    third = _mm_movelh_ps(_mm_unpackhi_ps(row0, row1), _mm_unpackhi_ps(row2, row3));
+}
 
 }  // namespace orv::simd

@@ -29,6 +29,7 @@ struct Function {
     std::string_view name;
     Exact exact;
     long double (*fast)(long double x);
+    double (*quick)(double x);  // right to an ulp or so, which is nothing to a float
 };
 
 // The functions of one input that the oracle knows; null for others.
@@ -47,8 +48,8 @@ Error exact_error(const Function& f, float x, float y);
 inline constexpr double fast_slack = 0.004;
 Error fast_error(const Function& f, double x, double y);
 Error fast_error(const Function& f, float x, float y);
-// Against a value that is given.
-Error error_against(long double exact, float y);
+// Against a value that is given, for sweeps over all floats.
+Error quick_error(double exact, float y);
 
 // Holds the x87 unit at 64 significant bits, which a Windows process may not start with.
 struct ExtendedPrecision {

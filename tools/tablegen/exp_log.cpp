@@ -36,15 +36,15 @@ void exp2_significands(const Output& output, int rows) {
     }
 }
 
-// Row j serves m near 1 + j/512: the reciprocal to 23 significant bits, whose product with the leading 21 bits of m is
-// exact in a double; the reciprocal again; minus its logarithm in the wanted base, cut to 25 significant bits, so that its
-// sum with a multiple of the high part of log 2 and with that product is exact too; and the rest of that logarithm. From
-// the middle on, where m is taken for twice its half, the logarithms are those of m/2.
-void log_513(const Output& output, const std::string& name, Real (*logarithm)(const Real&)) {
-    Table table(output, name, "reciprocal, reciprocal, -log of it: high and low");
+// Row j serves m near 1 + j/512: L times the reciprocal, of so few bits that its product with the leading 21 bits of m is
+// a multiple of 2^-43; the same again; minus the logarithm of the reciprocal so rounded, cut to 25 significant bits, so
+// that its sum with a multiple of the high part of log 2 and with that product is exact; and the rest of that logarithm.
+// From the middle on, where m is taken for twice its half, the logarithms are those of m/2.
+void log_513(const Output& output, const std::string& name, Real (*logarithm)(const Real&), const Real& factor, int bits) {
+    Table table(output, name, "L/c, again, -log of it without L: high and low");
     for (int j = 0; j <= 512; ++j) {
-        const Real reciprocal = to_bits(Real(512) / Real(512 + j), 23);
-        const Real value = -logarithm(j < 256 ? reciprocal : reciprocal * Real(2));
+        const Real reciprocal = to_bits(factor * Real(512) / Real(512 + j), bits);
+        const Real value = -logarithm((j < 256 ? reciprocal : reciprocal * Real(2)) / factor);
         const Real high = to_bits(value, 25, MPFR_RNDZ);
         const double rcp = to_double(reciprocal);
         // The + 0.0 turns the -0 of the rows of 1 into +0.
@@ -52,16 +52,29 @@ void log_513(const Output& output, const std::string& name, Real (*logarithm)(co
     }
 }
 
-// Row j serves m near c = 1 + j/256: log c to a multiple of 2^-39, as log 2's leading part is, so that the two cancel
-// without a rest next to 1; the rest of log c; 1/c to nearest, and the rest of that.
-void log_257(const Output& output, const std::string& name, Real (*logarithm)(const Real&)) {
-    Table table(output, name, "log c high and low, 1/c high and low");
+// In floats. Row j serves m near 1 + j/256: L times the reciprocal, to 8 bits; minus the logarithm of the reciprocal so
+// rounded, to a multiple of 2^-17; the rest of it; nothing. From the middle on for m/2.
+void log_float_257(const Output& output, const std::string& name, Real (*logarithm)(const Real&), const Real& factor) {
+    Table table(output, name, "L/c, -log of it without L: high and low, 0");
     for (int j = 0; j <= 256; ++j) {
-        const Real c = Real(256 + j) / Real(256);
-        const Real value = logarithm(c);
+        const Real reciprocal = to_bits(factor * Real(256) / Real(256 + j), 8);
+        const Real value = -logarithm((j < 128 ? reciprocal : reciprocal * Real(2)) / factor);
+        const Real high = to_multiple(value, -17);
+        table.row_of_floats({to_float(reciprocal), to_float(high) + 0.0f, to_float(value - high) + 0.0f, 0.0f});
+    }
+}
+
+// Row j serves m near c = 1 + j/steps: log c to a multiple of 2^-39, as log 2's leading part is, so that the two cancel
+// without a rest next to 1; the rest of log c; 1/c to nearest, and the rest of that. From row `folded` on m is taken for
+// twice its half, and the logarithms are those of c/2.
+void log_centres(const Output& output, const std::string& name, Real (*logarithm)(const Real&), int steps, int folded) {
+    Table table(output, name, "log c high and low, 1/c high and low");
+    for (int j = 0; j <= steps; ++j) {
+        const Real c = Real(steps + j) / Real(steps);
+        const Real value = logarithm(j < folded ? c : c / Real(2));
         const Real high = to_multiple(value, -39);
         const auto [rcp, rcp_rest] = Table::split(Real(1) / c);
-        table.row({to_double(high), to_double(value - high), rcp, rcp_rest});
+        table.row({to_double(high) + 0.0, to_double(value - high) + 0.0, rcp, rcp_rest});
     }
 }
 
@@ -72,10 +85,16 @@ void exp_log_tables(const Output& output) {
     exp2_pairs(output, 128);
     exp2_significands(output, 128);
     exp2_float_pairs(output, 128);
-    log_513(output, "ln_513", log);
-    log_257(output, "ln_257", log);
-    log_257(output, "log10_257", log10);
-    log_257(output, "log2_257", log2);
+    log_513(output, "ln_513", log, Real(1), 23);
+    log_513(output, "log10_513", log10, Real(0x1.bcp-2), 21);
+    log_513(output, "log2_513", log2, Real(0x1.72p+0), 23);
+    log_float_257(output, "log10_float_257", log10, Real(0x1.bcp-2));
+    const int never = 1 << 30;
+    log_centres(output, "ln_257", log, 256, never);
+    log_centres(output, "log10_257", log10, 256, never);
+    // Folded at the square root of 2.
+    log_centres(output, "ln_centres", log, 512, 725 - 512);
+    log_centres(output, "log2_centres", log2, 512, 725 - 512);
 }
 
 }  // namespace tablegen

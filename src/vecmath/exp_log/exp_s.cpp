@@ -10,9 +10,7 @@
 // The vector path serves |x| up to 0x42AEAC4F (87.3365), where the result is normal.
 //
 // Worst errors measured (all arguments): "LA" @LA@ ulp, "HA" @HA@ ulp, "EP" 2^@EP@ relative; subnormal results @SUB@.
-#include "frame/kernel_loops.h"
-#include "simd/constants.h"
-#include "vecmath/exp_log/special.h"
+#include "vecmath/exp_log/exp_base_s.h"
 
 namespace {
 
@@ -142,8 +140,7 @@ struct ExpHa : frame::OneInput<float, 8, frame::Tail::by_element, frame::Rejecte
         return (p * t_high + t_high) * floats(_mm_slli_epi32(exponent, 23));
     }
 
-    // Near the ends of the range in double, where neither limit is near, so that the result is rounded once. The
-    // coefficients are those of the least greatest relative error of 2^f, of degree 6, on |f| <= 1/2: 2^-29.
+    // Near the ends of the range in double, where neither limit is near.
     static int32_t scalar(const float* at, float* y) {
         const float x = *at;
         if (simd::lane_bits(doubt(simd::splat(x))) == 0) {
@@ -152,17 +149,7 @@ struct ExpHa : frame::OneInput<float, 8, frame::Tail::by_element, frame::Rejecte
         }
         int32_t status;
         if (settled(x, y, &status)) return status;
-        const double scaled = x * 0x1.71547652b82fep+0;
-        const double shifted = scaled + 0x1.8p+52;
-        const double k = shifted - 0x1.8p+52;
-        const double f = scaled - k;
-        const double p =
-            0x1.00000002614ffp+0 +
-            f * (0x1.62e430c7e91afp-1 +
-                 f * (0x1.ebfbdadcb136ep-3 +
-                      f * (0x1.c6aed4b95c606p-5 +
-                           f * (0x1.3b2dbbc0aa7a3p-7 + f * (0x1.5f456a8a729ecp-10 + f * 0x1.41d333a1fbff9p-13)))));
-        *y = static_cast<float>(p * vecmath::power_of_two_d(static_cast<int>(k)));
+        *y = vecmath::exp2_rounded(x * 0x1.71547652b82fep+0);
         return x < last_normal ? frame::status_underflow : frame::status_ok;
     }
 };

@@ -72,7 +72,7 @@ struct Log513Block {
     simd::Splat<double> carrier_value{0x1p+52 + 1024};
 };
 
-// log_b(x + rest), where rest 2^-exponent(x) is `rest` (or nothing).
+// log_b(x + y) for a y far below x, or none: `rest` is y 2^-exponent(x).
 template <const Log513Block& K, class... Rest>
 inline __m128d log_513(__m128d x, Rest... rest) {
     const __m128i bits = simd::bits_of(x);
@@ -90,16 +90,95 @@ inline __m128d log_513(__m128d x, Rest... rest) {
     const __m128d m_high = simd::doubles(_mm_or_si128(_mm_and_si128(bits, K.upper_fraction), K.exponent_0));
 
     const __m128d u = m_high * rcp - K.leading;
-    const __m128d v = (((m - m_high) + ... + rest)) * rcp;
-    const __m128d r = u + v;
+    const __m128d v = (m - m_high) * rcp;
+    const __m128d r = ((u + v) + ... + (rest * rcp));
     const __m128d a = k * K.log2_high + log_high;
     const __m128d next_to_one = simd::equal(a, _mm_setzero_pd());
-    const __m128d b = (a + u) + simd::bit_and(next_to_one, v);
+    // Next to one u + v is exact and adding the rest rounds to what r is.
+    const __m128d b = (((a + u) + simd::bit_and(next_to_one, v)) + ... + simd::bit_and(next_to_one, rest * rcp));
+    const __m128d late = simd::bit_and_not(next_to_one, (v + ... + (rest * rcp)));
     __m128d c = log_low;
     if constexpr (K.log2_low != 0.0) c = k * K.log2_low + log_low;
     __m128d q = r * (K.q1 + r * (K.q2 + r * (K.q3 + r * K.q4)));
     if constexpr (K.q0 != 0.0) q = K.q0 + q;
-    return ((r * q + c) + simd::bit_and_not(next_to_one, v)) + b;
+    return ((r * q + c) + late) + b;
 }
+
+// The method of centres: m in [1, 2) selects the centre c next to it on a grid of 2^-8 or 2^-9, and with r = (m - c) / c,
+//   log_b x = k log_b 2 + log_b c + p(r).
+// log_b 2 and the table are rounded to a common grid, so that they cancel without a rest next to 1. Rows can be folded as
+// above. A polynomial that ends with r^2 goes with a table in one part.
+struct LogCentresShape {
+    uint32_t steps;           // of the grid from 1 to 2
+    int shift;                // brings the leading bits of the fraction, one more than the grid has, to 32 bytes a row
+    double to_grid;           // added and subtracted it rounds to the grid
+    uint32_t exponent_carry;  // added to the high word it raises the exponent where the row is folded
+};
+inline constexpr LogCentresShape centres_257{256, 32 + 7, 0x1p+44, 0};
+inline constexpr LogCentresShape centres_513{512, 32 + 6, 0x1p+43, 0x100000 - 0x6A400};
+
+template <const LogCentresShape& Shape>
+struct LogCentresBlock {
+    char name[8];
+    simd::Splat<double> log2_high, log2_low;
+    simd::Splat<double> c1, c2, c3, c4, c5;  // zero from the first that is left out
+    double log_of_2_52;
+    alignas(16) double rows[Shape.steps + 1][4];  // log_b c high and low, 1/c and the rest of it
+    NormalTest normal{};
+    simd::SplatBits<uint64_t> leading{Shape.steps * 32 - 16}, half_row{16}, row{2 * Shape.steps * 32 - 32};
+    simd::SplatBits<uint64_t> fraction{fraction_bits}, exponent_0{bits_of_one};
+    simd::SplatBits<uint32_t> marker{0x3FF};  // below the leading bits: turns ties upwards, as the row's rounding does
+    simd::Splat<double> to_grid{Shape.to_grid};
+    simd::SplatBits<uint64_t> exponent_carry{in_high_word(Shape.exponent_carry)}, carrier{bits_of_2_52};
+    simd::Splat<double> carrier_value{0x1p+52 + 1023};
+    static constexpr const LogCentresShape& shape = Shape;
+};
+
+template <const auto& K, class... Rest>
+inline __m128d log_centres(__m128d x, Rest... rest) {
+    const __m128i bits = simd::bits_of(x);
+    const __m128i leading = _mm_add_epi64(_mm_and_si128(_mm_srli_epi64(bits, K.shape.shift), K.leading), K.half_row);
+    const simd::Offsets2 at = simd::offsets_of(_mm_and_si128(leading, K.row));
+    const double* row0 = simd::behind(K.rows[0], at.at0);
+    const double* row1 = simd::behind(K.rows[0], at.at1);
+    const __m128d logs0 = _mm_load_pd(row0), logs1 = _mm_load_pd(row1);
+    const __m128d log_high = _mm_unpacklo_pd(logs0, logs1), log_low = _mm_unpackhi_pd(logs0, logs1);
+    const __m128d rcp = simd::gather(row0 + 2, row1 + 2);
+
+    const __m128i m = _mm_or_si128(_mm_and_si128(bits, K.fraction), K.exponent_0);
+    const __m128d centre = (simd::doubles(_mm_or_si128(m, K.marker)) + K.to_grid) - K.to_grid;
+    const __m128d r = ((simd::doubles(m) - centre) + ... + rest) * rcp;
+    __m128i raised = bits;
+    if constexpr (K.shape.exponent_carry != 0) raised = _mm_add_epi64(bits, K.exponent_carry);
+    const __m128d k = simd::doubles(_mm_or_si128(_mm_srli_epi64(raised, 52), K.carrier)) - K.carrier_value;
+
+    if constexpr (K.c3 == 0.0) return (r + r * r * K.c2) + (k * K.log2_high + log_high);
+    __m128d p;
+    if constexpr (K.c4 == 0.0)
+        p = r * r * (K.c2 + r * K.c3);
+    else
+        p = r * r * (K.c2 + r * (K.c3 + r * (K.c4 + r * K.c5)));
+    __m128d low = log_low, high = k + log_high;
+    if constexpr (K.log2_low != 0.0) low = k * K.log2_low + log_low;
+    if constexpr (K.log2_high != 1.0) high = k * K.log2_high + log_high;
+    __m128d linear = r;
+    if constexpr (K.c1 != 1.0) linear = r * K.c1;
+    return high + (linear + (p + low));
+}
+
+// The kernel of a block of either method.
+template <const auto& K>
+struct LogD : frame::OneInput<double, 4, frame::Tail::by_element> {
+    static constexpr const char* name = K.name;
+
+    static __m128d doubt(__m128d x) { return K.normal.doubt(x); }
+    static __m128d lanes(__m128d x) {
+        if constexpr (requires { K.leading_bits; })
+            return log_513<K>(x);
+        else
+            return log_centres<K>(x);
+    }
+    static int32_t scalar(const double* x, double* y) { return scalar_log_d<LogD>(x, y, K.log_of_2_52); }
+};
 
 }  // namespace orv::vecmath

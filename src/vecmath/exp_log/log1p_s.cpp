@@ -1,0 +1,112 @@
+// sLog1p: the natural logarithm of 1 + x.
+//
+// "HA": dLog1p's "EP" method, right to 2^-32, rounded to single.
+//
+// "LA", "EP": s = 1 + x rounded, and t = 1 + x - s exactly; s = 2^k m as in log_s.h and r = (m - 1) + t 2^-k. Then as sLn:
+// "LA" as "HA" of it, without the split of r^2 and with the rounding error of r among the small terms; "EP" as its "EP".
+// These two serve -1 < x < 2^64 on the vector path, where 2^-k is a normal number; above, "HA" does.
+//
+// Worst errors measured (all arguments): "LA" @LA@ ulp, "HA" @HA@ ulp, "EP" 2^@EP@ relative.
+#include "vecmath/exp_log/log1p.h"
+#include "vecmath/exp_log/log_s.h"
+#include "vecmath/exp_log/wide.h"
+
+namespace {
+
+using namespace orv;
+using simd::bits_of;
+using simd::floats;
+using simd::Splat;
+using simd::SplatBits;
+
+inline __m128 log1p_ha_lanes(__m128 x) {
+    return vecmath::in_double(x, [](__m128d d) { return vecmath::log1p_lanes<vecmath::log1p_ep>(d); });
+}
+
+int32_t scalar_log1p(const float* at, float* y) {
+    const float x = *at;
+    if (x < -1) {
+        *y = vecmath::invalid<float>();
+        return frame::status_domain;
+    }
+    if (x == -1) {
+        *y = vecmath::minus_infinity_at_pole<float>();
+        return frame::status_singularity;
+    }
+    if (x < std::numeric_limits<float>::infinity())
+        simd::store_one(y, log1p_ha_lanes(simd::splat(x)));
+    else
+        *y = x * 1.0f;
+    return frame::status_ok;
+}
+
+struct Log1pBlock {
+    char name[8] = "vsLog1p";
+    Splat<float> minus_one{-1.0f}, limit{0x1p+64f}, infinity{std::numeric_limits<float>::infinity()};
+    SplatBits<uint32_t> exponent_0{0x3F800000};
+    Splat<float> ln2{0x1.62e43p-1f}, ln2_high{0x1.62e4p-1f}, ln2_low{0x1.7f7d1cp-20f};
+    Splat<float> la2{-0.5f}, la3{0x1.555506p-2f}, la4{-0x1.fffefp-3f}, la5{0x1.99d028p-3f}, la6{-0x1.559dccp-3f},
+        la7{0x1.1ed718p-3f}, la8{-0x1.f3113cp-4f}, la9{0x1.1e66bap-3f}, la10{-0x1.08059p-3f};
+    Splat<float> ep2{-0.5f}, ep3{0x1.54e2cp-2f}, ep4{-0x1.11d1fcp-2f}, ep5{0x1.c25266p-3f};
+    vecmath::LogReduction reduction{};
+};
+constexpr Log1pBlock K;
+
+struct Reduced {
+    __m128 k, r, r_low;
+};
+inline Reduced reduce(__m128 x) {
+    const __m128 greater = _mm_max_ps(x, K.reduction.one), smaller = _mm_min_ps(x, K.reduction.one);
+    const __m128 s = greater + smaller;
+    const __m128 t = (greater - s) + smaller;
+    Reduced result;
+    __m128 leading;
+    const __m128i m = K.reduction.reduce(s, _mm_setzero_si128(), result.k, leading);
+    const __m128 scale = floats(_mm_add_epi32(_mm_sub_epi32(m, bits_of(s)), K.exponent_0));
+    result.r = leading + t * scale;
+    result.r_low = (leading - result.r) + t * scale;
+    return result;
+}
+
+struct Log1pSingle : frame::OneInput<float, 8, frame::Tail::masked> {
+    static constexpr const char* name = K.name;
+    static __m128 doubt(__m128 x) { return simd::bit_or(_mm_cmpngt_ps(x, K.minus_one), _mm_cmpnlt_ps(x, K.limit)); }
+    static int32_t scalar(const float* x, float* y) { return scalar_log1p(x, y); }
+};
+
+struct Log1pLa : Log1pSingle {
+    static __m128 lanes(__m128 x) {
+        const Reduced reduced = reduce(x);
+        const __m128 r = reduced.r;
+        const __m128 p =
+            K.la2 +
+            r * (K.la3 + r * (K.la4 + r * (K.la5 + r * (K.la6 + r * (K.la7 + r * (K.la8 + r * (K.la9 + r * K.la10)))))));
+        const __m128 k_high = reduced.k * K.ln2_high;
+        const __m128 sum = k_high + r;
+        const __m128 lost = (k_high - sum) + r;
+        const __m128 y = sum + (r * r * p + ((reduced.k * K.ln2_low + reduced.r_low) + lost));
+        return simd::bit_or(y, simd::sign_of(x));  // which is that of the result, zero included
+    }
+};
+
+struct Log1pHa : frame::OneInput<float, 8, frame::Tail::masked> {
+    static constexpr const char* name = K.name;
+    static __m128 doubt(__m128 x) { return simd::bit_or(_mm_cmpngt_ps(x, K.minus_one), _mm_cmpnlt_ps(x, K.infinity)); }
+    static __m128 lanes(__m128 x) { return log1p_ha_lanes(x); }
+    static int32_t scalar(const float* x, float* y) { return scalar_log1p(x, y); }
+};
+
+struct Log1pEp : Log1pSingle {
+    static __m128 lanes(__m128 x) {
+        const Reduced reduced = reduce(x);
+        const __m128 r = reduced.r;
+        const __m128 y = (r + r * r * (K.ep2 + r * (K.ep3 + r * (K.ep4 + r * K.ep5)))) + reduced.k * K.ln2;
+        return simd::bit_or(y, simd::sign_of(x));
+    }
+};
+
+}  // namespace
+
+ORV_ONE_INPUT(sLog1p, la, Log1pLa)
+ORV_ONE_INPUT(sLog1p, ha, Log1pHa)
+ORV_ONE_INPUT(sLog1p, ep, Log1pEp)

@@ -1,0 +1,75 @@
+// sLog2: the logarithm to base 2.
+//
+// "LA", "EP": after the reduction of log_s.h, log2 x = k + r P(r). "EP" has sLog10's polynomial by log2 10.
+// "HA": dLog2's "EP" method, right to 2^-32, rounded to single.
+//
+// Powers of two are exact. Worst errors measured (all arguments): "LA" @LA@ ulp, "HA" @HA@ ulp, "EP" 2^@EP@ relative.
+#include "vecmath/exp_log/log2.h"
+#include "vecmath/exp_log/log_s.h"
+#include "vecmath/exp_log/wide.h"
+
+namespace {
+
+using namespace orv;
+using simd::Splat;
+
+struct Log2LaBlock {
+    char name[8] = "vsLog2";
+    Splat<float> c1{0x1.715476p+0f}, c2{-0x1.715456p-1f}, c3{0x1.ec6f8p-2f}, c4{-0x1.7172d2p-2f}, c5{0x1.27ba0ep-2f},
+        c6{-0x1.e4f048p-3f}, c7{0x1.9acc16p-3f}, c8{-0x1.c71c28p-3f}, c9{0x1.aa8024p-3f};
+    vecmath::LogReduction reduction{};
+};
+constexpr Log2LaBlock log2_la;
+
+struct Log2La : vecmath::LogS<Log2La> {
+    static constexpr const Log2LaBlock& K = log2_la;
+    static constexpr const char* name = K.name;
+
+    static __m128 log(__m128 x, __m128i k_shift) {
+        __m128 k, r;
+        K.reduction.reduce(x, k_shift, k, r);
+        const __m128 p =
+            K.c2 +
+            r * (K.c3 + r * (K.c4 + r * (K.c5 + r * (K.c6 + r * (K.c7 + r * (K.c8 + r * K.c9))))));
+        return k + r * (K.c1 + r * p);
+    }
+};
+
+struct Log2EpBlock {
+    char name[8] = "vsLog2";
+    Splat<float> c1{0x1.7155d8p+0f}, c2{-0x1.70cb14p-1f}, c3{0x1.e9f482p-2f}, c4{-0x1.96d0d8p-2f}, c5{0x1.55c036p-2f};
+    vecmath::LogReduction reduction{};
+};
+constexpr Log2EpBlock log2_ep;
+
+struct Log2Ep : vecmath::LogS<Log2Ep> {
+    static constexpr const Log2EpBlock& K = log2_ep;
+    static constexpr const char* name = K.name;
+
+    static __m128 log(__m128 x, __m128i k_shift) {
+        __m128 k, r;
+        K.reduction.reduce(x, k_shift, k, r);
+        return r * (K.c1 + r * (K.c2 + r * (K.c3 + r * (K.c4 + r * K.c5)))) + k;
+    }
+};
+
+struct Log2Ha : frame::OneInput<float, 8, frame::Tail::masked> {
+    static constexpr vecmath::LogReduction reduction{};
+    static constexpr const char* name = log2_la.name;
+
+    static __m128 doubt(__m128 x) { return reduction.doubt(x); }
+    static __m128 lanes(__m128 x) {
+        return vecmath::in_double(x, [](__m128d d) { return vecmath::log_centres<vecmath::log2_ep>(d); });
+    }
+    static __m128 log(__m128 x, __m128i k_shift) {
+        const __m128d shift = _mm_cvtepi32_pd(k_shift);
+        return vecmath::in_double(x, [&](__m128d d) { return vecmath::log_centres<vecmath::log2_ep>(d) + shift; });
+    }
+    static int32_t scalar(const float* x, float* y) { return vecmath::scalar_log_s<Log2Ha>(x, y); }
+};
+
+}  // namespace
+
+ORV_ONE_INPUT(sLog2, la, Log2La)
+ORV_ONE_INPUT(sLog2, ha, Log2Ha)
+ORV_ONE_INPUT(sLog2, ep, Log2Ep)
