@@ -27,7 +27,8 @@ std::vector<T> large_arguments() {
 template <class T>
 void add_large(const std::string& name, const orv_arq_kernel* row) {
     const char* accuracies[] = {"LA", "HA", "EP"};
-    for (int i = 0; i < 3; ++i) add(name + "/" + accuracies[i] + "/large", large_arguments<T>(), reinterpret_cast<Entry<T>>(row[i]));
+    for (int i = 0; i < 3; ++i)
+        add(name + "/" + accuracies[i] + "/large", large_arguments<T>(), reinterpret_cast<Entry<T>>(row[i]));
 }
 
 // Two results into two arrays.
@@ -36,21 +37,19 @@ void add_two_results(const std::string& name, const orv_arq_kernel* row) {
     const char* accuracies[] = {"LA", "HA", "EP"};
     for (int i = 0; i < 3; ++i) {
         const auto entry = reinterpret_cast<void (*)(int32_t, const T*, T*, T*)>(row[i]);
-        add(name + "/" + accuracies[i], arguments<T>(-10, 10), [entry, z = std::vector<T>(n)](int32_t count, const T* x, T* y) mutable {
-            entry(count, x, y, z.data());
-        });
+        add(name + "/" + accuracies[i], arguments<T>(-10, 10),
+            [entry, z = std::vector<T>(n)](int32_t count, const T* x, T* y) mutable { entry(count, x, y, z.data()); });
     }
 }
 
 const bool registered = [] {
-#define FUNCTION(type, T, Name, libm)                                                                    \
+#define FUNCTION(type, T, Name, libm)                                                                             \
     add_entries<T>(#type #Name, orv_arq_kernel_##type##Name##_ttab, -10, 10, std::numeric_limits<T>::infinity()); \
-    add_large<T>(#type #Name, orv_arq_kernel_##type##Name##_ttab);                                       \
+    add_large<T>(#type #Name, orv_arq_kernel_##type##Name##_ttab);                                                \
     add_scalar<T, libm>(#type #Name "/libm", -10, 10);
-#define FUNCTION_ALONE(type, T, Name)                                                                    \
+#define FUNCTION_ALONE(type, T, Name)                                                                             \
     add_entries<T>(#type #Name, orv_arq_kernel_##type##Name##_ttab, -10, 10, std::numeric_limits<T>::infinity()); \
     add_large<T>(#type #Name, orv_arq_kernel_##type##Name##_ttab);
-
     FUNCTION(d, double, Sin, sin)
     SLEEF("dSin", Sleef_sind2_u10sse4, -10, 10)
     FUNCTION(d, double, Cos, cos)
@@ -82,20 +81,22 @@ const bool registered = [] {
     add_two_results<double>("dSinCos", orv_arq_kernel_dSinCos_ttab);
     add_two_results<float>("sSinCos", orv_arq_kernel_sSinCos_ttab);
 #ifdef ORV_BENCH_SLEEF
-    add("dSinCos/Sleef_sincosd2_u10sse4", arguments<double>(-10, 10), [z = std::vector<double>(n)](int32_t count, const double* x, double* y) mutable {
-        for (int32_t i = 0; i < count; i += 2) {
-            const auto both = Sleef_sincosd2_u10sse4(_mm_loadu_pd(x + i));
-            _mm_storeu_pd(y + i, both.x);
-            _mm_storeu_pd(z.data() + i, both.y);
-        }
-    });
-    add("sSinCos/Sleef_sincosf4_u10sse4", arguments<float>(-10, 10), [z = std::vector<float>(n)](int32_t count, const float* x, float* y) mutable {
-        for (int32_t i = 0; i < count; i += 4) {
-            const auto both = Sleef_sincosf4_u10sse4(_mm_loadu_ps(x + i));
-            _mm_storeu_ps(y + i, both.x);
-            _mm_storeu_ps(z.data() + i, both.y);
-        }
-    });
+    add("dSinCos/Sleef_sincosd2_u10sse4", arguments<double>(-10, 10),
+        [z = std::vector<double>(n)](int32_t count, const double* x, double* y) mutable {
+            for (int32_t i = 0; i < count; i += 2) {
+                const auto both = Sleef_sincosd2_u10sse4(_mm_loadu_pd(x + i));
+                _mm_storeu_pd(y + i, both.x);
+                _mm_storeu_pd(z.data() + i, both.y);
+            }
+        });
+    add("sSinCos/Sleef_sincosf4_u10sse4", arguments<float>(-10, 10),
+        [z = std::vector<float>(n)](int32_t count, const float* x, float* y) mutable {
+            for (int32_t i = 0; i < count; i += 4) {
+                const auto both = Sleef_sincosf4_u10sse4(_mm_loadu_ps(x + i));
+                _mm_storeu_ps(y + i, both.x);
+                _mm_storeu_ps(z.data() + i, both.y);
+            }
+        });
 #endif
     return true;
 }();

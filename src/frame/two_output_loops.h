@@ -94,15 +94,16 @@ inline void map_two(int32_t n, In a, Out y, Out z) {
 
 // Defines orv_kernel_<row>_<accuracy> and orv_kernel_<row>I_<accuracy>. `accuracy` is the first that the kernel serves.
 // Flattened, as kernels of one output are.
-#define ORV_TWO_OUTPUTS(row, accuracy, Kernel)                                                                               \
-    extern "C" [[gnu::flatten]] void orv_kernel_##row##_##accuracy(int32_t n, const Kernel::Element* a, Kernel::Element* y,                  \
-                                                  Kernel::Element* z) {                                                     \
-        using namespace orv::frame;                                                                                         \
-        map_two<Kernel>(n, Dense<const Kernel::Element>{a}, Dense<Kernel::Element>{y}, Dense<Kernel::Element>{z});          \
-    }                                                                                                                       \
-    extern "C" [[gnu::flatten]] void orv_kernel_##row##I_##accuracy(int32_t n, const Kernel::Element* a, int32_t inca, Kernel::Element* y,    \
-                                                   int32_t incy, Kernel::Element* z, int32_t incz) {                        \
-        using namespace orv::frame;                                                                                         \
-        map_two<Kernel>(n, Strided<const Kernel::Element>{a, inca}, Strided<Kernel::Element>{y, incy},                      \
-                        Strided<Kernel::Element>{z, incz});                                                                 \
+#define ORV_TWO_OUTPUTS(row, accuracy, Kernel)                                                                         \
+    extern "C" [[gnu::flatten]] void orv_kernel_##row##_##accuracy(int32_t n, const Kernel::Element* a,                \
+                                                                   Kernel::Element* y, Kernel::Element* z) {           \
+        using namespace orv::frame;                                                                                    \
+        map_two<Kernel>(n, Dense<const Kernel::Element>{a}, Dense<Kernel::Element>{y}, Dense<Kernel::Element>{z});     \
+    }                                                                                                                  \
+    extern "C" [[gnu::flatten]] void orv_kernel_##row##I_##accuracy(int32_t n, const Kernel::Element* a, int32_t inca, \
+                                                                    Kernel::Element* y, int32_t incy,                  \
+                                                                    Kernel::Element* z, int32_t incz) {                \
+        using namespace orv::frame;                                                                                    \
+        map_two<Kernel>(n, Strided<const Kernel::Element>{a, inca}, Strided<Kernel::Element>{y, incy},                 \
+                        Strided<Kernel::Element>{z, incz});                                                            \
     }

@@ -15,9 +15,30 @@ namespace orv::accuracy {
 namespace {
 
 // The limits of the main paths and of the scalar and folded ones, in radians, half turns and degrees.
-constexpr double limits[] = {90112.0,  16777216.0, 8388608.0, 128000.0, 65536.00349206588, 8256.0,   8192.0,   9.5367431640625e-07,
-                             0x1p-252, 0x1p-950,   0x1p17,    0x1p30,   0x1p43,            0x1p46,   0x1p53,   0x1p54,
-                             0x1p55,   0x1p56,     0x1p67,    1e300,    1e308,             0x1p1023, 0x1p127,  0x1p-126};
+constexpr double limits[] = {90112.0,
+                             16777216.0,
+                             8388608.0,
+                             128000.0,
+                             65536.00349206588,
+                             8256.0,
+                             8192.0,
+                             9.5367431640625e-07,
+                             0x1p-252,
+                             0x1p-950,
+                             0x1p17,
+                             0x1p30,
+                             0x1p43,
+                             0x1p46,
+                             0x1p53,
+                             0x1p54,
+                             0x1p55,
+                             0x1p56,
+                             0x1p67,
+                             1e300,
+                             1e308,
+                             0x1p1023,
+                             0x1p127,
+                             0x1p-126};
 
 template <class T>
 void add_around(std::vector<T>& list, double x, int each_side) {
@@ -73,9 +94,11 @@ void add_hard_cases(std::vector<T>& list) {
 
 template <class T>
 std::vector<T> trig_points(const char* function, int64_t count, uint64_t seed) {
-    const bool radians = !std::strcmp(function, "Sin") || !std::strcmp(function, "Cos") || !std::strcmp(function, "Tan");
+    const bool radians =
+        !std::strcmp(function, "Sin") || !std::strcmp(function, "Cos") || !std::strcmp(function, "Tan");
     const bool half_turns = std::strstr(function, "pi") && std::strlen(function) == 5;
-    const bool degrees = !std::strcmp(function, "Sind") || !std::strcmp(function, "Cosd") || !std::strcmp(function, "Tand");
+    const bool degrees =
+        !std::strcmp(function, "Sind") || !std::strcmp(function, "Cosd") || !std::strcmp(function, "Tand");
     if (!radians && !half_turns && !degrees) return {};
 
     std::vector<T> list;
@@ -86,7 +109,8 @@ std::vector<T> trig_points(const char* function, int64_t count, uint64_t seed) {
     for (int64_t k = 1; k < int64_t{1} << 45; k += 1 + k / 400) add_around(list, static_cast<double>(k * quarter), 2);
     if (radians && sizeof(T) == 8) {
         // The double nearest to a multiple of pi/2 of all, and others known as hard.
-        for (const double x : {6381956970095103.0 * 0x1p797, 0x1.6ac5b262ca1ffp849, 0x1.921fb54442d18p1, 0x1.921fb54442d18p0})
+        for (const double x :
+             {6381956970095103.0 * 0x1p797, 0x1.6ac5b262ca1ffp849, 0x1.921fb54442d18p1, 0x1.921fb54442d18p0})
             add_around(list, x, 1);
     }
 #ifndef _WIN32

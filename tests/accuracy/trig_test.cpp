@@ -127,7 +127,8 @@ template <class T>
 void check_specials() {
     for (const Special& s : specials) {
         for (int accuracy = 0; accuracy < 3; ++accuracy) {
-            SCOPED_TRACE(testing::Message() << s.function << " of " << s.x << ", accuracy " << accuracy << ", bytes " << sizeof(T));
+            SCOPED_TRACE(testing::Message()
+                         << s.function << " of " << s.x << ", accuracy " << accuracy << ", bytes " << sizeof(T));
             const Outcome r = one<T>(s.function, accuracy, s.x);
             EXPECT_EQ(r.status, s.status);
             if (std::isnan(s.y)) {
@@ -250,7 +251,8 @@ template <class T>
 void check_sincos(int accuracy, double bound, bool relative) {
     const std::vector<T> x = finite_arguments<T>();
     std::vector<T> y(x.size()), z(x.size());
-    auto* const kernel = test::entry<void(int32_t, const T*, T*, T*)>(row_of(sizeof(T) == 4 ? 's' : 'd', "SinCos").dense, accuracy);
+    auto* const kernel =
+        test::entry<void(int32_t, const T*, T*, T*)>(row_of(sizeof(T) == 4 ? 's' : 'd', "SinCos").dense, accuracy);
     kernel(static_cast<int32_t>(x.size()), x.data(), y.data(), z.data());
     double worst = 0;
     T at = 0;
@@ -301,7 +303,8 @@ TEST(TrigTables, WindowsSlideByOneBit) {
             ASSERT_EQ(inv_two_pi_192[e][k], inv_two_pi_192[e - 1][k] << 1 | inv_two_pi_192[e - 1][k + 1] >> 63) << e;
     }
     for (int e = 1; e < 256; ++e)
-        for (int k = 0; k < 2; ++k) ASSERT_EQ(inv_two_pi_96[e][k], inv_two_pi_96[e - 1][k] << 1 | inv_two_pi_96[e - 1][k + 1] >> 31);
+        for (int k = 0; k < 2; ++k)
+            ASSERT_EQ(inv_two_pi_96[e][k], inv_two_pi_96[e - 1][k] << 1 | inv_two_pi_96[e - 1][k + 1] >> 31);
 }
 
 }  // namespace

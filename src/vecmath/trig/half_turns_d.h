@@ -8,8 +8,9 @@ namespace orv::trig {
 // r in [-pi/2, pi/2]; relative error below 2^-27.
 inline D sine_26(D r) {
     const D z = r * r;
-    const D q = splat(-0.16666658838437162) +
-                z * (splat(0.0083330466452487071) + z * (splat(-0.00019808085361787081) + z * splat(2.6022725384193179e-06)));
+    const D q =
+        splat(-0.16666658838437162) +
+        z * (splat(0.0083330466452487071) + z * (splat(-0.00019808085361787081) + z * splat(2.6022725384193179e-06)));
     return r + r * z * q;
 }
 
@@ -43,19 +44,25 @@ inline void turn_by_quarters(D shifted, D& sine, D& cosine) {
 // The same for r in [-pi/4, pi/4]; polynomials of the least greatest relative error, below 2^-27.
 inline void quarter_turns_26(D r, D shifted, D& sine, D& cosine) {
     const D z = r * r;
-    sine = r + r * z * (splat(-0.16666654602440295) + z * (splat(0.0083321602989539051) + z * splat(-0.00019515218794483558)));
+    sine =
+        r +
+        r * z * (splat(-0.16666654602440295) + z * (splat(0.0083321602989539051) + z * splat(-0.00019515218794483558)));
     cosine = splat(1.0) + z * (splat(-0.499999996942317199) +
-                               z * (splat(0.041666620329304385) + z * (splat(-0.0013886680763925446) + z * splat(2.4383483770338053e-05))));
+                               z * (splat(0.041666620329304385) +
+                                    z * (splat(-0.0013886680763925446) + z * splat(2.4383483770338053e-05))));
     turn_by_quarters(shifted, sine, cosine);
 }
 
 // And with errors below 2^-37 for the sine, 2^-33 for the cosine: next to nothing in a float.
 inline void quarter_turns_33(D r, D shifted, D& sine, D& cosine) {
     const D z = r * r;
-    sine = r + r * z * (splat(-0.16666666640776008) +
-                        z * (splat(0.0083333293024083102) + z * (splat(-0.00019839311485786) + z * splat(2.7181141351371766e-06))));
+    sine = r + r * z *
+                   (splat(-0.16666666640776008) +
+                    z * (splat(0.0083333293024083102) +
+                         z * (splat(-0.00019839311485786) + z * splat(2.7181141351371766e-06))));
     cosine = splat(1.0) + z * (splat(-0.499999996942317199) +
-                               z * (splat(0.041666620329304385) + z * (splat(-0.0013886680763925446) + z * splat(2.4383483770338053e-05))));
+                               z * (splat(0.041666620329304385) +
+                                    z * (splat(-0.0013886680763925446) + z * splat(2.4383483770338053e-05))));
     turn_by_quarters(shifted, sine, cosine);
 }
 
@@ -64,7 +71,8 @@ inline D sine_35(D r) {
     const D z = r * r;
     const D q = splat(-0.1666666662610793) +
                 z * (splat(0.0083333311068050034) +
-                     z * (splat(-0.00019840867969275875) + z * (splat(2.7525371788874001e-06) + z * splat(-2.3888681645204943e-08))));
+                     z * (splat(-0.00019840867969275875) +
+                          z * (splat(2.7525371788874001e-06) + z * splat(-2.3888681645204943e-08))));
     return r + r * z * q;
 }
 

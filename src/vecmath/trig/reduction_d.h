@@ -68,19 +68,22 @@ inline Reduced reduce_large(D x) {
     const __m128i bits = simd::bits_of(x);
     const __m128i sign = simd::bits_of(simd::sign_of(x));
     // The last row serves infinities and NaNs too; what comes of them is not used.
-    const __m128i exponent = _mm_min_epi16(_mm_and_si128(simd::shift_right<52>(bits), simd::splat_bits(0x7FF)),
-                                           simd::splat_bits(2046));
+    const __m128i exponent =
+        _mm_min_epi16(_mm_and_si128(simd::shift_right<52>(bits), simd::splat_bits(0x7FF)), simd::splat_bits(2046));
     const Indices rows(exponent);
-    const __m128i significand = _mm_or_si128(_mm_and_si128(bits, simd::splat_bits(0x000FFFFFFFFFFFFF)),
-                                             simd::splat_bits(0x0010000000000000));
-    const Fraction f = fraction_of_turn(significand, inv_two_pi_192[rows.lane0 & 2047], inv_two_pi_192[rows.lane1 & 2047]);
+    const __m128i significand =
+        _mm_or_si128(_mm_and_si128(bits, simd::splat_bits(0x000FFFFFFFFFFFFF)), simd::splat_bits(0x0010000000000000));
+    const Fraction f =
+        fraction_of_turn(significand, inv_two_pi_192[rows.lane0 & 2047], inv_two_pi_192[rows.lane1 & 2047]);
 
     // The fraction in three pieces of 52 bits, each as a number 1 + m less its 1, with the sign of x.
     const auto piece = [=](__m128i digits, double unit) {
         const __m128i one = _mm_xor_si128(simd::bits_of(splat(unit)), sign);
         return simd::doubles(_mm_or_si128(digits, one));
     };
-    const auto signed_unit = [=](double unit) { return simd::doubles(_mm_xor_si128(simd::bits_of(splat(unit)), sign)); };
+    const auto signed_unit = [=](double unit) {
+        return simd::doubles(_mm_xor_si128(simd::bits_of(splat(unit)), sign));
+    };
     const __m128i digits1 = simd::shift_right<12>(f.high);
     const __m128i digits2 = _mm_or_si128(_mm_srli_epi64(_mm_slli_epi64(f.high, 52), 12), simd::shift_right<24>(f.next));
     const __m128i digits3 = _mm_srli_epi64(_mm_slli_epi64(f.next, 40), 12);

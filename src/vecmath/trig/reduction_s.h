@@ -25,7 +25,8 @@ inline __m128i fraction_of_turn(S a) {
         return _mm_mul_epu32(m, _mm_unpacklo_epi64(_mm_cvtsi32_si128(static_cast<int32_t>(row0[k])),
                                                    _mm_cvtsi32_si128(static_cast<int32_t>(row1[k]))));
     };
-    return _mm_add_epi64(_mm_add_epi64(simd::shift_left<32>(product(0)), product(1)), simd::shift_right<32>(product(2)));
+    return _mm_add_epi64(_mm_add_epi64(simd::shift_left<32>(product(0)), product(1)),
+                         simd::shift_right<32>(product(2)));
 }
 
 // 64-bit integers with sign to doubles: halves as digits of 2^84 and 2^52, whose offsets are taken away.
@@ -38,7 +39,8 @@ inline D signed_to_doubles(__m128i x) {
 // The sine of a fraction of a turn of 64 bits.
 inline D sine_of_fraction(__m128i turn) {
     // The nearest half turn is counted in the highest bit.
-    const __m128i half = _mm_and_si128(_mm_add_epi64(turn, simd::splat_bits(uint64_t{1} << 62)), simd::bits_of(splat(-0.0)));
+    const __m128i half =
+        _mm_and_si128(_mm_add_epi64(turn, simd::splat_bits(uint64_t{1} << 62)), simd::bits_of(splat(-0.0)));
     const D r = signed_to_doubles(_mm_sub_epi64(turn, half)) * splat(6.2831853071795862 * 0x1p-64);
     return simd::bit_xor(sine_35(r), simd::doubles(half));
 }

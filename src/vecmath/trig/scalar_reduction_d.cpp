@@ -39,8 +39,8 @@ void normalise(double& high, double& low) {
 
 // |x| below 2^30.
 Quadrant reduce_by_parts(double a) {
-    constexpr double part[5] = {0.78539752960205078, 6.3379548009834252e-07, -8.2569910110630307e-14, -6.675151087907452e-20,
-                                8.2231284681621288e-27};
+    constexpr double part[5] = {0.78539752960205078, 6.3379548009834252e-07, -8.2569910110630307e-14,
+                                -6.675151087907452e-20, 8.2231284681621288e-27};
     // The nearest even multiple of pi/4.
     const int64_t eighths = (static_cast<int64_t>(a * 1.2732395447351628) + 1) & ~int64_t{1};
     const double k = static_cast<double>(eighths);
@@ -103,7 +103,8 @@ double sine_of_one(double x, int32_t quarters) {
     const double t = k * 3.7981878164399788e-12;
     const double r = r0 - t;
     const double low = (((r0 - r) - t) + q.low) - k * 1.2639164054974691e-22;
-    const uint32_t row = static_cast<uint32_t>(std::bit_cast<uint64_t>(shifted)) + 16 * static_cast<uint32_t>(q.quadrant + quarters);
+    const uint32_t row =
+        static_cast<uint32_t>(std::bit_cast<uint64_t>(shifted)) + 16 * static_cast<uint32_t>(q.quadrant + quarters);
     const Step128 step(splat(r), splat(low));
     return _mm_cvtsd_f64(step.sin(Indices(_mm_set1_epi64x(static_cast<int64_t>(2 * row))), 0));
 }

@@ -5,7 +5,8 @@
 // "HA": |x| = k pi/64 + r with three parts, the table of 128 rows; from 90112 on as "LA".
 // "EP": as "LA" with three parts and a shorter polynomial; from 2^24 on one element at a time.
 //
-// Valid for every finite x.
+// Valid for every finite x. Worst errors measured: "LA" 3.1 ulp, of which the polynomial has 1.5, "HA" 0.532 ulp, "EP"
+// 2^-27.1 relative; from the limits on 0.502 ulp ("EP" 2^-49).
 #include "frame/kernel_loops.h"
 #include "vecmath/trig/half_turns_d.h"
 #include "vecmath/trig/not_finite.h"
@@ -49,13 +50,12 @@ struct SinLA : Sin {
         const D r = r1 - t2;
         const D low = (((r0 - r1) - t1) + ((r1 - r) - t2)) - k * splat(6.5640070857470009e-22);
         const D z = r * r;
-        const D q =
-            splat(-0.16666666666666186) +
-            z * (splat(0.0083333333332855416) +
-                 z * (splat(-0.00019841269825056256) +
-                      z * (splat(2.7557316600552628e-06) +
-                           z * (splat(-2.5051880273862881e-08) +
-                                z * (splat(1.6048095404959637e-10) + z * splat(-7.3733445331106646e-13))))));
+        const D q = splat(-0.16666666666666186) +
+                    z * (splat(0.0083333333332855416) +
+                         z * (splat(-0.00019841269825056256) +
+                              z * (splat(2.7557316600552628e-06) +
+                                   z * (splat(-2.5051880273862881e-08) +
+                                        z * (splat(1.6048095404959637e-10) + z * splat(-7.3733445331106646e-13))))));
         // The low part counts cos r, which three digits of are enough.
         const D cosine = splat(1.0) - z * (splat(0.4967) - z * splat(0.03705));
         return simd::bit_xor(r + (r * (z * q) + low * cosine), sign);
@@ -85,7 +85,8 @@ struct SinEP {
         const D shifted = a * splat(0.31830988618379069) + splat(shifter);
         const D k = shifted - splat(shifter);
         const D sign = simd::bit_xor(simd::sign_of(x), odd_sign(shifted));
-        const D r = ((a - k * splat(3.1415925025939941)) - k * splat(1.5099578831723193e-07)) - k * splat(1.0780605716316238e-14);
+        const D r = ((a - k * splat(3.1415925025939941)) - k * splat(1.5099578831723193e-07)) -
+                    k * splat(1.0780605716316238e-14);
         return simd::bit_xor(sine_26(r), sign);
     }
     static int32_t scalar(const double* x, double* y) {

@@ -40,7 +40,8 @@ struct Columns {
 struct Indices {
     unsigned lane0, lane1;
     explicit Indices(__m128i bits)
-        : lane0(static_cast<unsigned>(_mm_cvtsi128_si32(bits))), lane1(static_cast<unsigned>(_mm_extract_epi16(bits, 4))) {}
+        : lane0(static_cast<unsigned>(_mm_cvtsi128_si32(bits))),
+          lane1(static_cast<unsigned>(_mm_extract_epi16(bits, 4))) {}
 };
 
 // ---- 128 rows: |r| up to pi/128, Taylor polynomials ------------------------------------------------------------------
@@ -134,7 +135,8 @@ struct Tangent512 {
     explicit Tangent512(const Reduced& x) {
         const Indices j(x.index);
         const D z = x.r * x.r;
-        const D t = (x.r * z) * (splat(0.33333333333333354) + z * (splat(0.13333333329957756) + z * splat(0.053969822841774005)));
+        const D t = (x.r * z) *
+                    (splat(0.33333333333333354) + z * (splat(0.13333333329957756) + z * splat(0.053969822841774005)));
         numerator = sum_512<false>(j.lane0, j.lane1, x.r, t + x.low, z);
         denominator = sum_512<false>(j.lane0 + 128, j.lane1 + 128, x.r, t + x.low, z);
     }

