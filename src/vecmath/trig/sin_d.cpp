@@ -5,38 +5,17 @@
 // "HA": |x| = k pi/64 + r with three parts, the table of 128 rows; from 90112 on as "LA".
 // "EP": as "LA" with three parts and a shorter polynomial; from 2^24 on one element at a time.
 //
-// Valid for every finite x. Worst errors measured: "LA" 3.1 ulp, of which the polynomial has 1.5, "HA" 0.532 ulp, "EP"
+// Valid for every finite x. Worst errors measured: "LA" 3.1 ulp, of which the polynomial has 1.5, "HA" 0.540 ulp, "EP"
 // 2^-27.1 relative; from the limits on 0.502 ulp ("EP" 2^-49).
-#include "frame/kernel_loops.h"
-#include "vecmath/trig/half_turns_d.h"
-#include "vecmath/trig/not_finite.h"
-#include "vecmath/trig/reduction_d.h"
-#include "vecmath/trig/scalar_reduction_d.h"
+#include "vecmath/trig/sine_kernels_d.h"
 
 namespace {
 
 using namespace orv;
 using namespace orv::trig;
 
-struct Sin {
-    using Element = double;
-    using Result = double;
-    using Frame = frame::GeneralFrame;
-    static constexpr int block = 8;
-    static constexpr frame::Tail tail = frame::Tail::masked;
+struct SinLA : SineKernel<0, 8> {
     static constexpr char name[] = "vdSin";
-
-    // The vector path for large arguments leaves infinities and NaNs alone.
-    static D settle(D x, D y, D& doubt) {
-        const D large = Step512<>(reduce_large(x)).sin(0);
-        const D result = simd::select(doubt, large, y);
-        doubt = simd::not_finite(x);
-        return result;
-    }
-    static int32_t scalar(const double* x, double* y) { return not_finite(x, y); }
-};
-
-struct SinLA : Sin {
     static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(16777216.0)); }
     static D lanes(D x) {
         const D a = simd::magnitude(x);
@@ -62,8 +41,8 @@ struct SinLA : Sin {
     }
 };
 
-struct SinHA : Sin {
-    static constexpr int block = 4;
+struct SinHA : SineKernel<0, 4> {
+    static constexpr char name[] = "vdSin";
     static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(limit_128)); }
     static D lanes(D x) {
         const D a = simd::magnitude(x);
@@ -72,12 +51,7 @@ struct SinHA : Sin {
     }
 };
 
-struct SinEP {
-    using Element = double;
-    using Result = double;
-    using Frame = frame::GeneralFrame;
-    static constexpr int block = 8;
-    static constexpr frame::Tail tail = frame::Tail::masked;
+struct SinEP : SineKernelEP<0> {
     static constexpr char name[] = "vdSin";
     static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(16777216.0)); }
     static D lanes(D x) {
@@ -88,11 +62,6 @@ struct SinEP {
         const D r = ((a - k * splat(3.1415925025939941)) - k * splat(1.5099578831723193e-07)) -
                     k * splat(1.0780605716316238e-14);
         return simd::bit_xor(sine_26(r), sign);
-    }
-    static int32_t scalar(const double* x, double* y) {
-        if (!(*x - *x == 0)) return not_finite(x, y);
-        *y = sine_of_one(*x, 0);
-        return frame::status_ok;
     }
 };
 

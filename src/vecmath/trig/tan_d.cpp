@@ -18,12 +18,7 @@ namespace {
 using namespace orv;
 using namespace orv::trig;
 
-struct Tan {
-    using Element = double;
-    using Result = double;
-    using Frame = frame::GeneralFrame;
-    static constexpr int block = 4;
-    static constexpr frame::Tail tail = frame::Tail::masked;
+struct Tan : frame::OneInput<double, 4, frame::Tail::masked> {
     static constexpr char name[] = "vdTan";
     static D settle(D x, D y, D& doubt) {
         const D result = simd::select(doubt, Tangent512(reduce_large(x)).value(), y);
