@@ -16,6 +16,8 @@
 //   settle_silent(x, y, doubt)
 //                      with doubt(x), optional: settles in vector form what it can of the lanes in doubt and takes them
 //                      out of the mask; used where the thread's mode allows no report
+//   settle(x, y, doubt) optional: where the lanes in doubt have a vector path of their own. Takes the results y, returns
+//                      them with the lanes put in that it serves, and leaves the others in doubt
 //
 // and ORV_ONE_INPUT makes the dense and the strided kernel from it. A mask counts by its lanes' sign bits.
 #pragma once
@@ -140,7 +142,10 @@ template <class Kernel, class In, class Out>
         unsigned bits = ~0u;
         if constexpr (!rejects_whole_blocks<Kernel>()) {
             V doubt;
-            simd::store(r + k, doubtful_lanes<Kernel>(simd::load(x + k), doubt, frame));
+            auto result = doubtful_lanes<Kernel>(simd::load(x + k), doubt, frame);
+            if constexpr (requires { Kernel::settle(result, result, doubt); })
+                if (simd::lane_bits(doubt) != 0) result = Kernel::settle(simd::load(x + k), result, doubt);
+            simd::store(r + k, result);
             bits = simd::lane_bits(doubt);
         }
         for (int32_t lane = k; lane < k + width && lane < count; ++lane) {

@@ -52,9 +52,9 @@
     ROW(HERE,  s, Exp,        ONE,        EACH,  COST(5.667, 6.42, 3.633))        \
     ROW(HERE,  s, Ln,         ONE,        EACH,  COST(6.823, 8.138, 4.498))       \
     ROW(HERE,  s, Log10,      ONE,        EACH,  MEASURED(sLog10))                \
-    ROW(LATER, s, Cos,        ONE,        EACH,  MEASURED(sCos))                  \
-    ROW(LATER, s, Sin,        ONE,        EACH,  COST(7.451, 13.009, 5.954))      \
-    ROW(LATER, s, Tan,        ONE,        LA_EP, MEASURED(sTan))                  \
+    ROW(HERE,  s, Cos,        ONE,        EACH,  MEASURED(sCos))                  \
+    ROW(HERE,  s, Sin,        ONE,        EACH,  COST(7.451, 13.009, 5.954))      \
+    ROW(HERE,  s, Tan,        ONE,        LA_EP, MEASURED(sTan))                  \
     ROW(LATER, s, Acos,       ONE,        EACH,  MEASURED(sAcos))                 \
     ROW(LATER, s, Acosh,      ONE,        LA_HA, MEASURED(sAcosh))                \
     ROW(LATER, s, Asin,       ONE,        EACH,  MEASURED(sAsin))                 \
@@ -78,18 +78,18 @@
     ROW(LATER, s, LGamma,     ONE,        ALL,   COST(238.11, 238.11, 238.11))    \
     ROW(LATER, s, TGamma,     ONE,        ALL,   MEASURED(sTGamma))               \
     ROW(LATER, s, ExpInt1,    ONE,        LA_HA, MEASURED(sExpInt1))              \
-    ROW(LATER, s, Sinpi,      ONE,        EACH,  MEASURED(sSinpi))                \
-    ROW(LATER, s, Cospi,      ONE,        EACH,  MEASURED(sCospi))                \
-    ROW(LATER, s, Tanpi,      ONE,        EACH,  MEASURED(sTanpi))                \
+    ROW(HERE,  s, Sinpi,      ONE,        EACH,  MEASURED(sSinpi))                \
+    ROW(HERE,  s, Cospi,      ONE,        EACH,  MEASURED(sCospi))                \
+    ROW(HERE,  s, Tanpi,      ONE,        EACH,  MEASURED(sTanpi))                \
     ROW(LATER, s, Acospi,     ONE,        EACH,  MEASURED(sAcospi))               \
     ROW(LATER, s, Asinpi,     ONE,        EACH,  MEASURED(sAsinpi))               \
     ROW(LATER, s, Atanpi,     ONE,        EACH,  MEASURED(sAtanpi))               \
     ROW(HERE,  s, Exp2,       ONE,        ALL,   MEASURED(sExp2))                 \
     ROW(HERE,  s, Exp10,      ONE,        ALL,   MEASURED(sExp10))                \
     ROW(HERE,  s, Log2,       ONE,        EACH,  MEASURED(sLog2))                 \
-    ROW(LATER, s, Sind,       ONE,        EACH,  MEASURED(sSind))                 \
-    ROW(LATER, s, Cosd,       ONE,        EACH,  MEASURED(sCosd))                 \
-    ROW(LATER, s, Tand,       ONE,        EACH,  MEASURED(sTand))                 \
+    ROW(HERE,  s, Sind,       ONE,        EACH,  MEASURED(sSind))                 \
+    ROW(HERE,  s, Cosd,       ONE,        EACH,  MEASURED(sCosd))                 \
+    ROW(HERE,  s, Tand,       ONE,        EACH,  MEASURED(sTand))                 \
     ROW(HERE,  s, Logb,       ONE,        ALL,   MEASURED(sLogb))                 \
     ROW(HERE,  d, Ceil,       ONE,        ALL,   MEASURED(dCeil))                 \
     ROW(HERE,  d, Floor,      ONE,        ALL,   MEASURED(dFloor))                \
@@ -107,9 +107,9 @@
     ROW(HERE,  d, Exp,        ONE,        EACH,  COST(11.07, 16.065, 8.56))       \
     ROW(HERE,  d, Ln,         ONE,        LA_HA, COST(18, 18, 11.07))             \
     ROW(HERE,  d, Log10,      ONE,        LA_EP, MEASURED(dLog10))                \
-    ROW(LATER, d, Cos,        ONE,        LA_HA, MEASURED(dCos))                  \
-    ROW(LATER, d, Sin,        ONE,        EACH,  COST(20.147, 21.88, 14.681))     \
-    ROW(LATER, d, Tan,        ONE,        EACH,  COST(23.031, 60.573, 20.467))    \
+    ROW(HERE,  d, Cos,        ONE,        LA_HA, MEASURED(dCos))                  \
+    ROW(HERE,  d, Sin,        ONE,        EACH,  COST(20.147, 21.88, 14.681))     \
+    ROW(HERE,  d, Tan,        ONE,        EACH,  COST(23.031, 60.573, 20.467))    \
     ROW(LATER, d, Acos,       ONE,        EACH,  MEASURED(dAcos))                 \
     ROW(LATER, d, Acosh,      ONE,        LA_EP, MEASURED(dAcosh))                \
     ROW(LATER, d, Asin,       ONE,        EACH,  MEASURED(dAsin))                 \
@@ -133,18 +133,18 @@
     ROW(LATER, d, LGamma,     ONE,        ALL,   COST(319.85, 319.85, 319.85))    \
     ROW(LATER, d, TGamma,     ONE,        ALL,   COST(423.3, 423.3, 423.3))       \
     ROW(LATER, d, ExpInt1,    ONE,        LA_HA, MEASURED(dExpInt1))              \
-    ROW(LATER, d, Sinpi,      ONE,        EACH,  MEASURED(dSinpi))                \
-    ROW(LATER, d, Cospi,      ONE,        EACH,  MEASURED(dCospi))                \
-    ROW(LATER, d, Tanpi,      ONE,        EACH,  MEASURED(dTanpi))                \
+    ROW(HERE,  d, Sinpi,      ONE,        EACH,  MEASURED(dSinpi))                \
+    ROW(HERE,  d, Cospi,      ONE,        EACH,  MEASURED(dCospi))                \
+    ROW(HERE,  d, Tanpi,      ONE,        EACH,  MEASURED(dTanpi))                \
     ROW(LATER, d, Acospi,     ONE,        EACH,  MEASURED(dAcospi))               \
     ROW(LATER, d, Asinpi,     ONE,        EACH,  MEASURED(dAsinpi))               \
     ROW(LATER, d, Atanpi,     ONE,        EACH,  MEASURED(dAtanpi))               \
     ROW(HERE,  d, Exp2,       ONE,        ALL,   MEASURED(dExp2))                 \
     ROW(HERE,  d, Exp10,      ONE,        ALL,   MEASURED(dExp10))                \
     ROW(HERE,  d, Log2,       ONE,        EACH,  MEASURED(dLog2))                 \
-    ROW(LATER, d, Sind,       ONE,        EACH,  MEASURED(dSind))                 \
-    ROW(LATER, d, Cosd,       ONE,        EACH,  MEASURED(dCosd))                 \
-    ROW(LATER, d, Tand,       ONE,        EACH,  MEASURED(dTand))                 \
+    ROW(HERE,  d, Sind,       ONE,        EACH,  MEASURED(dSind))                 \
+    ROW(HERE,  d, Cosd,       ONE,        EACH,  MEASURED(dCosd))                 \
+    ROW(HERE,  d, Tand,       ONE,        EACH,  MEASURED(dTand))                 \
     ROW(HERE,  d, Logb,       ONE,        ALL,   MEASURED(dLogb))                 \
     ROW(LATER, c, Cos,        ONE,        ALL,   MEASURED(cCos))                  \
     ROW(LATER, c, Sin,        ONE,        ALL,   MEASURED(cSin))                  \
@@ -238,9 +238,9 @@
     ROW(LATER, z, Powx,       SCALAR,     ALL,   MEASURED(zPowx))                 \
     ROW(LATER, s, Powx,       SCALAR,     EACH,  MEASURED(sPowx))                 \
     ROW(LATER, d, Powx,       SCALAR,     EACH,  MEASURED(dPowx))                 \
-    ROW(LATER, s, SinCos,     TWO_OUT,    LA_EP, MEASURED(sSinCos))               \
+    ROW(HERE,  s, SinCos,     TWO_OUT,    LA_EP, MEASURED(sSinCos))               \
     ROW(LATER, s, Modf,       TWO_OUT,    ALL,   MEASURED(sModf))                 \
-    ROW(LATER, d, SinCos,     TWO_OUT,    LA_HA, MEASURED(dSinCos))               \
+    ROW(HERE,  d, SinCos,     TWO_OUT,    LA_HA, MEASURED(dSinCos))               \
     ROW(LATER, d, Modf,       TWO_OUT,    ALL,   MEASURED(dModf))                 \
     ROW(LATER, s, LinearFrac, LINEAR,     ALL,   MEASURED(sLinearFrac))           \
     ROW(LATER, d, LinearFrac, LINEAR,     ALL,   MEASURED(dLinearFrac))

@@ -159,6 +159,24 @@ inline __m128d doubles(__m128i bits) { return _mm_castsi128_pd(bits); }
 inline __m128 sign_of(__m128 x) { return bit_and(x, splat(-0.0f)); }
 inline __m128d sign_of(__m128d x) { return bit_and(x, splat(-0.0)); }
 
+// Shifts of 64-bit lanes, 64-bit integers in both lanes.
+template <int Bits>
+inline __m128i shift_left(__m128i x) {
+    return _mm_slli_epi64(x, Bits);
+}
+template <int Bits>
+inline __m128i shift_right(__m128i x) {
+    return _mm_srli_epi64(x, Bits);
+}
+inline __m128i splat_bits(uint64_t x) { return _mm_set1_epi64x(static_cast<int64_t>(x)); }
+
+inline __m128 magnitude(__m128 x) { return bit_and_not(splat(-0.0f), x); }
+inline __m128d magnitude(__m128d x) { return bit_and_not(splat(-0.0), x); }
+
+// a in the lanes where the mask is all ones, b in the others.
+inline __m128 select(__m128 mask, __m128 a, __m128 b) { return bit_or(bit_and(mask, a), bit_and_not(mask, b)); }
+inline __m128d select(__m128d mask, __m128d a, __m128d b) { return bit_or(bit_and(mask, a), bit_and_not(mask, b)); }
+
 // ---- Rounding, comparison, masks -----------------------------------------------------------------------------------
 
 template <int Control>
@@ -172,6 +190,11 @@ inline __m128d round(__m128d x) {
 
 inline __m128 equal(__m128 a, __m128 b) { return _mm_cmpeq_ps(a, b); }
 inline __m128d equal(__m128d a, __m128d b) { return _mm_cmpeq_pd(a, b); }
+inline __m128 less(__m128 a, __m128 b) { return _mm_cmplt_ps(a, b); }
+inline __m128d less(__m128d a, __m128d b) { return _mm_cmplt_pd(a, b); }
+// True for NaNs too.
+inline __m128 not_less(__m128 a, __m128 b) { return _mm_cmpnlt_ps(a, b); }
+inline __m128d not_less(__m128d a, __m128d b) { return _mm_cmpnlt_pd(a, b); }
 
 // All ones in the lanes of infinities and NaNs, zero elsewhere.
 inline __m128 not_finite(__m128 x) {

@@ -1,4 +1,5 @@
 #include "accuracy/measure.h"
+#include "accuracy/trig_points.h"
 
 #include <bit>
 #include <cmath>
@@ -104,6 +105,24 @@ const Range ranges[] = {
      {-0.5, 0.333333343, -0.333333343, 0x1p-24, -0x1p-24, 0x1p24, 0x1p25}},
     {"Logb", 'd', tiny_d, huge_d, 0, 1000, {0x1p-1022}},
     {"Logb", 's', tiny_s, huge_s, 0, 1000, {0x1p-126}},
+    {"Sin", 'd', -huge_d, huge_d, -1e5, 1e5, {}},
+    {"Sin", 's', -huge_s, huge_s, -1e4, 1e4, {}},
+    {"Cos", 'd', -huge_d, huge_d, -1e5, 1e5, {}},
+    {"Cos", 's', -huge_s, huge_s, -1e4, 1e4, {}},
+    {"Tan", 'd', -huge_d, huge_d, -1e5, 1e5, {}},
+    {"Tan", 's', -huge_s, huge_s, -1e4, 1e4, {}},
+    {"Sinpi", 'd', -huge_d, huge_d, -1000, 1000, {}},
+    {"Sinpi", 's', -huge_s, huge_s, -1000, 1000, {}},
+    {"Cospi", 'd', -huge_d, huge_d, -1000, 1000, {}},
+    {"Cospi", 's', -huge_s, huge_s, -1000, 1000, {}},
+    {"Tanpi", 'd', -huge_d, huge_d, -1000, 1000, {}},
+    {"Tanpi", 's', -huge_s, huge_s, -1000, 1000, {}},
+    {"Sind", 'd', -huge_d, huge_d, -1000, 1000, {}},
+    {"Sind", 's', -huge_s, huge_s, -1000, 1000, {}},
+    {"Cosd", 'd', -huge_d, huge_d, -1000, 1000, {}},
+    {"Cosd", 's', -huge_s, huge_s, -1000, 1000, {}},
+    {"Tand", 'd', -huge_d, huge_d, -1000, 1000, {}},
+    {"Tand", 's', -huge_s, huge_s, -1000, 1000, {}},
 };
 
 // A float type's numbers in rising order are integers in rising order.
@@ -147,7 +166,7 @@ std::vector<T> samples(const char* function, int64_t count, uint64_t seed) {
 
     using Limits = std::numeric_limits<T>;
     std::mt19937_64 random(seed);
-    std::vector<T> list;
+    std::vector<T> list = trig_points<T>(function, count / 4, seed);
     for (const double point : range->points) {
         add_neighbours(list, static_cast<T>(point), 64);
         add_neighbours(list, static_cast<T>(-point), 64);

@@ -27,11 +27,53 @@ long double fast_exp10(long double x) {
 #endif
 }
 
+#ifndef _WIN32
+int exact_sind(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t rounding) { return mpfr_sinu(y, x, 360, rounding); }
+int exact_cosd(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t rounding) { return mpfr_cosu(y, x, 360, rounding); }
+int exact_tand(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t rounding) { return mpfr_tanu(y, x, 360, rounding); }
+#endif
+
+// sin and cos of x in units of a quarter turn, the multiples of which are taken away exactly.
+struct Quarter {
+    long double sine, cosine;
+    explicit Quarter(long double x, long double quarter) {
+        int k;
+        const long double r = remquol(x, quarter, &k) / quarter * 1.57079632679489661923132169163975144L;
+        const long double s = sinl(r), c = cosl(r);
+        sine = k & 1 ? c : s;
+        cosine = k & 1 ? -s : c;
+        if (k & 2) sine = -sine, cosine = -cosine;
+        cosine += 0.0L;  // no zero is negative: the tangent's poles have the sign of the sine
+    }
+};
+long double fast_sinpi(long double x) { return Quarter(x, 0.5L).sine; }
+long double fast_cospi(long double x) { return Quarter(x, 0.5L).cosine; }
+long double fast_tanpi(long double x) { return fast_sinpi(x) / fast_cospi(x); }
+long double fast_sind(long double x) { return Quarter(x, 90.0L).sine; }
+long double fast_cosd(long double x) { return Quarter(x, 90.0L).cosine; }
+long double fast_tand(long double x) { return fast_sind(x) / fast_cosd(x); }
+
 constexpr Function functions[] = {
-    {"Exp", EXACT(mpfr_exp), expl},     {"Expm1", EXACT(mpfr_expm1), expm1l},
-    {"Exp2", EXACT(mpfr_exp2), exp2l},  {"Exp10", EXACT(mpfr_exp10), fast_exp10},
-    {"Ln", EXACT(mpfr_log), logl},      {"Log10", EXACT(mpfr_log10), log10l},
-    {"Log2", EXACT(mpfr_log2), log2l},  {"Log1p", EXACT(mpfr_log1p), log1pl},
+#ifndef _WIN32
+    // Elsewhere the C library's 80-bit routines reduce by a pi of 66 bits.
+    {"Sin", EXACT(mpfr_sin), sinl},
+    {"Cos", EXACT(mpfr_cos), cosl},
+    {"Tan", EXACT(mpfr_tan), tanl},
+#endif
+    {"Sinpi", EXACT(mpfr_sinpi), fast_sinpi},
+    {"Cospi", EXACT(mpfr_cospi), fast_cospi},
+    {"Tanpi", EXACT(mpfr_tanpi), fast_tanpi},
+    {"Sind", EXACT(exact_sind), fast_sind},
+    {"Cosd", EXACT(exact_cosd), fast_cosd},
+    {"Tand", EXACT(exact_tand), fast_tand},
+    {"Exp", EXACT(mpfr_exp), expl},
+    {"Expm1", EXACT(mpfr_expm1), expm1l},
+    {"Exp2", EXACT(mpfr_exp2), exp2l},
+    {"Exp10", EXACT(mpfr_exp10), fast_exp10},
+    {"Ln", EXACT(mpfr_log), logl},
+    {"Log10", EXACT(mpfr_log10), log10l},
+    {"Log2", EXACT(mpfr_log2), log2l},
+    {"Log1p", EXACT(mpfr_log1p), log1pl},
     {"Logb", EXACT(exact_logb), logbl},
 };
 

@@ -120,5 +120,6 @@ struct Table {
 };
 
 void exp_log_tables(const Output& output);
+void trig_tables(const Output& output);
 
 }  // namespace tablegen

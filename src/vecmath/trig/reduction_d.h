@@ -1,0 +1,116 @@
+// Argument reductions of the double kernels that end in the table of 512 rows: x is index * 2 pi/512 + r + low, with
+// |r| up to pi/512 and a trifle more.
+#pragma once
+
+#include "vecmath/trig/steps_d.h"
+
+namespace orv::trig {
+
+inline constexpr double shifter = 6755399441055744.0;  // 1.5 * 2^52: adding it leaves an integer in the low bits
+
+// ---- Below 90112: a multiple of pi/64 in three parts, for the table of 128 rows ---------------------------------------
+
+// The first two parts have 31 and 32 bits and the multiple fewer than 22, so their products are exact; the errors of the
+// two subtractions go to the low part.
+inline constexpr double limit_128 = 90112.0;
+
+struct Main128 {
+    Indices j;
+    Step128 step;
+
+    explicit Main128(D a) : Main128(a, a * splat(20.371832715762604) + splat(shifter)) {}
+
+private:
+    Main128(D a, D k_shifted) : j(simd::bits_of(k_shifted)), step(reduced(a, k_shifted - splat(shifter))) {}
+    static Step128 reduced(D a, D k) {
+        const D r0 = a - k * splat(0.049087385210441425);
+        const D t = k * splat(1.8990939082199894e-12);
+        const D r = r0 - t;
+        return {r, ((r0 - r) - t) - k * splat(6.3195820274873457e-23)};
+    }
+};
+
+// ---- Any finite argument: exact multiplication with the bits of 1/(2 pi) -------------------------------------------
+
+// The high and the next 64 bits of the fraction of M W / 2^192, M below 2^53 and W of 192 bits, for two lanes. With the
+// significand in two and the window in six words of 32 bits this is long multiplication, a column of 32 bits at a time;
+// what lies above the highest column is whole turns and is never formed. m1 has 21 bits, so that a column's sum of one
+// product with it and some 32-bit parts fits 64 bits.
+struct Fraction {
+    __m128i high, next;
+};
+
+inline Fraction fraction_of_turn(__m128i significand, const uint64_t* row0, const uint64_t* row1) {
+    const auto words = [=](int k) {
+        return _mm_castpd_si128(_mm_loadh_pd(_mm_load_sd(reinterpret_cast<const double*>(row0 + k)),
+                                             reinterpret_cast<const double*>(row1 + k)));
+    };
+    const auto times = [](__m128i a, __m128i b) { return _mm_mul_epu32(a, b); };
+    const auto upper = [](__m128i a) { return simd::shift_right<32>(a); };
+    const __m128i low_half = simd::splat_bits(0xFFFFFFFF);
+    const auto lower = [=](__m128i a) { return _mm_and_si128(a, low_half); };
+    const auto add = [](__m128i a, __m128i b) { return _mm_add_epi64(a, b); };
+
+    const __m128i m0 = significand, m1 = upper(significand);
+    const __m128i w0 = words(2), w2 = words(1), w4 = words(0);
+    const __m128i w1 = upper(w0), w3 = upper(w2), w5 = upper(w4);
+
+    const __m128i p2 = times(m0, w2), p3 = times(m0, w3), p4 = times(m0, w4);
+    const __m128i column2 = add(add(upper(times(m0, w1)), upper(times(m1, w0))), add(times(m1, w1), lower(p2)));
+    const __m128i column3 = add(add(upper(p2), times(m1, w2)), add(lower(p3), upper(column2)));
+    const __m128i column4 = add(add(upper(p3), times(m1, w3)), add(lower(p4), upper(column3)));
+    const __m128i column5 = add(add(upper(p4), times(m1, w4)), add(times(m0, w5), upper(column4)));
+    return {_mm_or_si128(simd::shift_left<32>(column5), lower(column4)),
+            _mm_or_si128(simd::shift_left<32>(column3), lower(column2))};
+}
+
+inline Reduced reduce_large(D x) {
+    const __m128i bits = simd::bits_of(x);
+    const __m128i sign = simd::bits_of(simd::sign_of(x));
+    // The last row serves infinities and NaNs too; what comes of them is not used.
+    const __m128i exponent =
+        _mm_min_epi16(_mm_and_si128(simd::shift_right<52>(bits), simd::splat_bits(0x7FF)), simd::splat_bits(2046));
+    const Indices rows(exponent);
+    const __m128i significand =
+        _mm_or_si128(_mm_and_si128(bits, simd::splat_bits(0x000FFFFFFFFFFFFF)), simd::splat_bits(0x0010000000000000));
+    const Fraction f =
+        fraction_of_turn(significand, inv_two_pi_192[rows.lane0 & 2047], inv_two_pi_192[rows.lane1 & 2047]);
+
+    // The fraction in three pieces of 52 bits, each as a number 1 + m less its 1, with the sign of x.
+    const auto piece = [=](__m128i digits, double unit) {
+        const __m128i one = _mm_xor_si128(simd::bits_of(splat(unit)), sign);
+        return simd::doubles(_mm_or_si128(digits, one));
+    };
+    const auto signed_unit = [=](double unit) {
+        return simd::doubles(_mm_xor_si128(simd::bits_of(splat(unit)), sign));
+    };
+    const __m128i digits1 = simd::shift_right<12>(f.high);
+    const __m128i digits2 = _mm_or_si128(_mm_srli_epi64(_mm_slli_epi64(f.high, 52), 12), simd::shift_right<24>(f.next));
+    const __m128i digits3 = _mm_srli_epi64(_mm_slli_epi64(f.next, 40), 12);
+
+    // 1.5 * 2^43 keeps 9 digits after the point: those of the table's index. Pieces and remainder are exact.
+    const D turn = piece(digits1, 1.0);
+    const D shifted = turn + splat(13194139533312.0);
+    const D remainder = turn - (shifted - splat(13194139533312.0));
+    const D piece2 = piece(digits2, 0x1p-52) - signed_unit(0x1p-52);
+    const D piece3 = piece(digits3, 0x1p-104) - signed_unit(0x1p-104);
+    // The remainder is zero or a multiple of 2^-52, which no piece reaches.
+    const D high = remainder + piece2;
+    const D low = ((remainder - high) + piece2) + piece3;
+
+    // Times 2 pi. The product of the leading parts is exact: 26 and 27 bits.
+    const D two_pi_a = splat(6.2831853032112122), two_pi_b = splat(3.9683743187221617e-09);
+    const D h1 = simd::bit_and(high, simd::doubles(simd::splat_bits(0xFFFFFFFFF8000000)));
+    const D h2 = high - h1;
+    const D product = h1 * two_pi_a;
+    const D rest = h2 * two_pi_a + h1 * two_pi_b + h2 * two_pi_b + low * splat(6.2831853071795862);
+    const D r = product + rest;
+    const D r_low = (product - r) + rest;
+
+    // Arguments this small are their own reduction, and keep all their digits that way.
+    const D is_large = simd::less(splat(9.5367431640625e-07), simd::magnitude(x));
+    return {simd::select(is_large, r, x), simd::bit_and(is_large, r_low),
+            _mm_and_si128(simd::bits_of(shifted), simd::bits_of(is_large))};
+}
+
+}  // namespace orv::trig

@@ -1,0 +1,63 @@
+// SinCos of doubles: y is the sine and z the cosine, from one reduction.
+//
+// "LA" and "HA": the table of 128 rows, each result as Sin "HA" and Cos have it, bit for bit; from 90112 on by the bits of
+// 1/(2 pi), again as they do.
+// "EP": |x| = k pi/2 + r with three parts, |r| up to pi/4, a short polynomial for the sine and one for the cosine, exchanged
+// for odd k; from 2^23 on as the other accuracies.
+//
+// Valid for every finite x. Worst errors measured: "LA" and "HA" 0.540 ulp, "EP" 2^-27.9 relative.
+#include "frame/two_output_loops.h"
+#include "vecmath/trig/half_turns_d.h"
+#include "vecmath/trig/not_finite.h"
+#include "vecmath/trig/reduction_d.h"
+
+namespace {
+
+using namespace orv;
+using namespace orv::trig;
+
+struct SinCos {
+    using Element = double;
+    using Frame = frame::GeneralFrame;
+    static constexpr int block = 4;
+    static constexpr char name[] = "vdSinCos";
+    static void settle(D x, D& y, D& z, D& doubt) {
+        const Step512<> step(reduce_large(x));
+        y = simd::select(doubt, step.sin(0), y);
+        z = simd::select(doubt, step.sin(1), z);
+        doubt = simd::not_finite(x);
+    }
+    static int32_t scalar(const double* x, double* y, double* z) {
+        const int32_t status = not_finite(x, y);
+        *z = *y;
+        return status;
+    }
+};
+
+struct SinCosHA : SinCos {
+    static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(limit_128)); }
+    static void lanes(D x, D& y, D& z) {
+        const D a = simd::magnitude(x);
+        const Main128 main(a);
+        y = simd::bit_xor(main.step.sin(main.j, 0), simd::sign_of(x));
+        z = main.step.sin(main.j, 1);
+    }
+};
+
+struct SinCosEP : SinCos {
+    static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(8388608.0)); }
+    static void lanes(D x, D& y, D& z) {
+        const D a = simd::magnitude(x);
+        const D shifted = a * splat(0.63661977236758138) + splat(shifter);
+        const D k = shifted - splat(shifter);
+        const D r = ((a - k * splat(1.5707962512969971)) - k * splat(7.5497894158615964e-08)) -
+                    k * splat(5.390302858158119e-15);
+        quarter_turns_26(r, shifted, y, z);
+        y = simd::bit_xor(y, simd::sign_of(x));
+    }
+};
+
+}  // namespace
+
+ORV_TWO_OUTPUTS(dSinCos, la, SinCosHA)
+ORV_TWO_OUTPUTS(dSinCos, ep, SinCosEP)

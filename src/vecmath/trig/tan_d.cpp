@@ -1,0 +1,98 @@
+// Tan of doubles.
+//
+// "LA": |x| = k pi/2 + r, |r| up to pi/4, and tan r = r N(r^2)/D(r^2); for odd k the tangent is -D/(r N). Numerator and
+// denominator are kept as sums of two numbers and their quotient is rounded once.
+// "EP": the same without the small parts.
+// "HA": |x| = k pi/256 + r and the addition theorem over the table of 512 rows, numerator and denominator as sums of two.
+// From 128000 (in "HA" 65536) on the bits of 1/(2 pi) give the row and r.
+//
+// Valid for every finite x; no double is close enough to a pole to overflow. Worst errors measured: "LA" 1.60 ulp, "HA"
+// 0.542 ulp, "EP" 2^-33.2 relative.
+#include "frame/kernel_loops.h"
+#include "vecmath/trig/half_turns_d.h"
+#include "vecmath/trig/not_finite.h"
+#include "vecmath/trig/reduction_d.h"
+
+namespace {
+
+using namespace orv;
+using namespace orv::trig;
+
+struct Tan : frame::OneInput<double, 4, frame::Tail::masked> {
+    static constexpr char name[] = "vdTan";
+    static D settle(D x, D y, D& doubt) {
+        const D result = simd::select(doubt, Tangent512(reduce_large(x)).value(), y);
+        doubt = simd::not_finite(x);
+        return result;
+    }
+    static int32_t scalar(const double* x, double* y) { return not_finite(x, y); }
+};
+
+// N and D without their leading 1, over z.
+inline D numerator_rest(D z) {
+    return (splat(-0.12828347003747023) + z * splat(0.0028059181997214249)) + (z * z) * splat(-7.4836345641659391e-06);
+}
+inline D denominator_rest(D z) {
+    return (splat(-0.46161680337080113) + z * splat(0.023344852656587221)) + (z * z) * splat(-0.00020844803827304198);
+}
+
+struct TanLA : Tan {
+    static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(128000.0)); }
+    static D lanes(D x) {
+        const D a = simd::magnitude(x);
+        const D shifted = a * splat(0.63661977236758138) + splat(shifter);
+        const D k = shifted - splat(shifter);
+        const D sign = simd::bit_xor(simd::sign_of(x), odd_sign(shifted));
+        const D odd = odd_mask(shifted);
+        const D r0 = a - k * splat(1.5707963267923333);
+        const D t = k * splat(2.5633441515839558e-12);
+        const D r = r0 - t;
+        const D low = ((r0 - r) - t) - k * splat(1.0562999066987428e-23);
+        const D z = r * r;
+        const D n = (r * z) * numerator_rest(z);
+        const D d = z * denominator_rest(z);
+        Pair num{r + n, n}, den{splat(1.0) + d, d};
+        num.low += (r - num.high) + low;
+        den.low += splat(1.0) - den.high;
+        exchange(odd, num.high, den.high);
+        exchange(odd, num.low, den.low);
+        const Pair y = quotient(num, den);
+        return simd::bit_xor(y.high + y.low, sign);
+    }
+};
+
+struct TanEP : Tan {
+    static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(128000.0)); }
+    static D lanes(D x) {
+        const D a = simd::magnitude(x);
+        const D shifted = a * splat(0.63661977236758138) + splat(shifter);
+        const D k = shifted - splat(shifter);
+        const D sign = simd::bit_xor(simd::sign_of(x), odd_sign(shifted));
+        const D r = ((a - k * splat(1.5707962512969971)) - k * splat(7.5497894158615964e-08)) -
+                    k * splat(5.390302858158119e-15);
+        const D z = r * r;
+        D num = r + (r * z) * numerator_rest(z), den = splat(1.0) + z * denominator_rest(z);
+        exchange(odd_mask(shifted), num, den);
+        return simd::bit_xor(num / den, sign);
+    }
+};
+
+struct TanHA : Tan {
+    static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(65536.00349206588)); }
+    static D lanes(D x) {
+        const D a = simd::magnitude(x);
+        const D shifted = a * splat(81.487330863050417) + splat(shifter);
+        const D k = shifted - splat(shifter);
+        const D r0 = a - k * splat(0.012271846302610356);
+        const D t = k * splat(4.7477347705499734e-13);
+        const D r = r0 - t;
+        const D low = ((r0 - r) - t) - k * splat(1.5798955068718364e-23);
+        return simd::bit_xor(Tangent512(Reduced{r, low, simd::bits_of(shifted)}).value(), simd::sign_of(x));
+    }
+};
+
+}  // namespace
+
+ORV_ONE_INPUT(dTan, la, TanLA)
+ORV_ONE_INPUT(dTan, ha, TanHA)
+ORV_ONE_INPUT(dTan, ep, TanEP)
