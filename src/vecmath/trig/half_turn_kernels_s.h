@@ -16,8 +16,6 @@
 
 namespace orv::trig {
 
-inline constexpr float shifter_s = 12582912.0f;  // 1.5 * 2^23
-
 template <bool Cosine>
 struct HalfTurnKernel : frame::OneInput<float, 8, frame::Tail::masked> {
     static S doubt(S x) { return simd::not_less(simd::magnitude(x), splat(8192.0f)); }

@@ -7,6 +7,8 @@ namespace orv::trig {
 
 using S = __m128;
 
+inline constexpr float shifter_s = 12582912.0f;  // 1.5 * 2^23
+
 // The lanes of a register of floats as two registers of doubles, and back.
 inline D low_half(S x) { return _mm_cvtps_pd(x); }
 inline D high_half(S x) { return _mm_cvtps_pd(_mm_movehl_ps(x, x)); }

@@ -15,8 +15,6 @@ namespace {
 using namespace orv;
 using namespace orv::trig;
 
-constexpr float shifter_s = 12582912.0f;  // 1.5 * 2^23
-
 struct SinCos {
     using Element = float;
     using Frame = frame::GeneralFrame;
@@ -86,9 +84,9 @@ struct SinCosHA : SinCos {
         z = join(cosine[0], cosine[1]);
     }
     static void both(D a, D& sine, D& cosine) {
-        constexpr double shifter = 6755399441055744.0;  // 1.5 * 2^52
-        const D shifted = a * splat(0.63661977236758138) + splat(shifter);
-        const D k = shifted - splat(shifter);
+        constexpr double whole = 6755399441055744.0;  // 1.5 * 2^52
+        const D shifted = a * splat(0.63661977236758138) + splat(whole);
+        const D k = shifted - splat(whole);
         quarter_turns_33((a - k * splat(1.5707963267923333)) - k * splat(2.5633441515839558e-12), shifted, sine,
                          cosine);
     }

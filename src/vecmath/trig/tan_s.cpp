@@ -14,8 +14,6 @@ namespace {
 using namespace orv;
 using namespace orv::trig;
 
-constexpr float shifter_s = 12582912.0f;  // 1.5 * 2^23
-
 struct Rational {
     double n0, n1, n2, d0, d1, d2;
 };

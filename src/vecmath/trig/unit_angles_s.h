@@ -36,8 +36,8 @@ struct UnitAngleS : frame::OneInput<float, 8, frame::Tail::masked> {
     static S by_floats(S a) {
         S turns = a * splat(static_cast<float>(Unit::inverse));
         if constexpr (F == Function::cos) turns += splat(0.5f);
-        const S shifted = turns + splat(12582912.0f);
-        S k = shifted - splat(12582912.0f);
+        const S shifted = turns + splat(shifter_s);
+        S k = shifted - splat(shifter_s);
         if constexpr (F == Function::cos) k -= splat(0.5f);
         const S r = (a - k * splat(static_cast<float>(Unit::half_turn))) * splat(static_cast<float>(Unit::radians));
         const S z = r * r;
