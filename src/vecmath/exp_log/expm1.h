@@ -24,7 +24,7 @@ struct Expm1Words {
     simd::Splat<double> c2{0x1.ffffffffffe5cp-2}, c3{0x1.555555555541dp-3};
     simd::SplatBits<uint64_t> offset_mask{0x3F8};
     uint64_t rows[128] = {
-        // fraction bits of 2^(j/128)
+    // fraction bits of 2^(j/128)
 #include "vecmath/tables/exp2_bits_128.inc"
     };
 };
