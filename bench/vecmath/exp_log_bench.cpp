@@ -54,6 +54,8 @@ const bool registered = [] {
     FUNCTION(s, float, Expm1, expm1f, -10, 10, 1000)
     SLEEF("sExpm1", Sleef_expm1f4_u10sse4, -10, 10)
     FUNCTION(s, float, Logb, logbf, 0.001, 1000, 0)
+    add("dLn/LA/subnormals", arguments<double>(0x1p-1070, 0x1p-1023),
+        reinterpret_cast<Entry<double>>(orv_arq_kernel_dLn_ttab[0]));
     return true;
 }();
 

@@ -42,19 +42,19 @@
 #define ORV_COST_dTand 53.8, 53.9, 25.6
 #define ORV_COST_sSinCos 13.8, 24.7, 13.8
 #define ORV_COST_dSinCos 45.7, 45.7, 32.3
-#define ORV_COST_sExpm1 1, 1, 1
-#define ORV_COST_sLog1p 1, 1, 1
-#define ORV_COST_sExp2 1, 1, 1
-#define ORV_COST_sExp10 1, 1, 1
-#define ORV_COST_sLog10 1, 1, 1
-#define ORV_COST_sLog2 1, 1, 1
-#define ORV_COST_sLogb 1, 1, 1
-#define ORV_COST_dExpm1 1, 1, 1
-#define ORV_COST_dLog1p 1, 1, 1
-#define ORV_COST_dExp2 1, 1, 1
-#define ORV_COST_dExp10 1, 1, 1
-#define ORV_COST_dLog10 1, 1, 1
-#define ORV_COST_dLog2 1, 1, 1
-#define ORV_COST_dLogb 1, 1, 1
+#define ORV_COST_sExpm1 15.1, 15.1, 15.1
+#define ORV_COST_sLog1p 14.7, 24.4, 7.71
+#define ORV_COST_sExp2 5.65, 5.65, 5.65
+#define ORV_COST_sExp10 6.9, 6.9, 6.9
+#define ORV_COST_sLog10 8.2, 11.9, 4.3
+#define ORV_COST_sLog2 7.44, 16, 4.16
+#define ORV_COST_sLogb 1.74, 1.74, 1.74
+#define ORV_COST_dExpm1 28.4, 30.6, 13.3
+#define ORV_COST_dLog1p 35.8, 34.4, 22.8
+#define ORV_COST_dExp2 13.1, 13.1, 13.1
+#define ORV_COST_dExp10 16.8, 16.8, 16.8
+#define ORV_COST_dLog10 19, 24.7, 19
+#define ORV_COST_dLog2 18.4, 23.6, 14.4
+#define ORV_COST_dLogb 3.57, 3.57, 3.57
 
 #endif
