@@ -16,6 +16,12 @@ inline T at_run_time(T x) {
     return x;
 }
 
+// x, quiet where it is a NaN.
+template <class T>
+inline T quiet(T x) {
+    return x * at_run_time(T{1});
+}
+
 template <class T>
 inline T overflow() {
     const T huge = at_run_time(std::numeric_limits<T>::max());
