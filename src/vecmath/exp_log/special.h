@@ -34,8 +34,7 @@ inline T underflow() {
 }
 template <class T>
 inline T invalid() {
-    const T zero = at_run_time(T{0});
-    return zero / zero;
+    return T{0} / at_run_time(T{0});
 }
 template <class T>
 inline T minus_infinity_at_pole() {
