@@ -10,6 +10,7 @@ int run(int argc, char** argv) {
     int status = 0;
     CLI::App app("Numbers through the kernels of the orv library.", "orv");
     app.require_subcommand(1);
+    orv::command::add_accuracy(app, status);
     orv::command::add_fit(app, status);
     orv::command::add_info(app, status);
     orv::command::add_math(app, status);

@@ -19,13 +19,26 @@ int exact_logb(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t rounding) {
 #define EXACT(routine) routine
 #endif
 
-long double fast_exp10(long double x) {
 #ifdef _WIN32
-    return powl(10.0L, x);
-#else
-    return exp10l(x);
-#endif
+// The runtime's own are not good to a small part of an ulp of a double.
+long double fast_expm1(long double x) {
+    if (fabsl(x) >= 0.5L) return expl(x) - 1;
+    long double sum = 0;
+    for (int k = 22; k > 0; --k) sum = x / k * (1 + sum);
+    return sum;
 }
+long double fast_exp10(long double x) {
+    const long double whole = rintl(x), part = expl((x - whole) * 2.302585092994045684018L);
+    if (!(fabsl(whole) < 400)) return expl(x * 2.302585092994045684018L);
+    long double power = 1, square = 10;
+    for (int i = static_cast<int>(fabsl(whole)); i != 0; i >>= 1, square *= square)
+        if (i & 1) power *= square;
+    return whole < 0 ? part / power : part * power;
+}
+#else
+long double fast_expm1(long double x) { return expm1l(x); }
+long double fast_exp10(long double x) { return exp10l(x); }
+#endif
 
 #ifndef _WIN32
 int exact_sind(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t rounding) { return mpfr_sinu(y, x, 360, rounding); }
@@ -67,7 +80,7 @@ constexpr Function functions[] = {
     {"Cosd", EXACT(exact_cosd), fast_cosd},
     {"Tand", EXACT(exact_tand), fast_tand},
     {"Exp", EXACT(mpfr_exp), expl},
-    {"Expm1", EXACT(mpfr_expm1), expm1l},
+    {"Expm1", EXACT(mpfr_expm1), fast_expm1},
     {"Exp2", EXACT(mpfr_exp2), exp2l},
     {"Exp10", EXACT(mpfr_exp10), fast_exp10},
     {"Ln", EXACT(mpfr_log), logl},

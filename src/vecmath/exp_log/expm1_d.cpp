@@ -47,7 +47,7 @@ int32_t scalar_expm1(const double* at, double* y) {
     const Expm1Pairs& K = expm1_ha;
     const double x = *at;
     if (!(x - x == 0)) {
-        *y = vecmath::quieted(x);
+        *y = vecmath::quiet(x);
         return frame::status_ok;
     }
     if (x > last_finite) {

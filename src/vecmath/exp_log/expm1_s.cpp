@@ -23,7 +23,7 @@ struct Expm1 : frame::OneInput<float, 8, frame::Tail::masked> {
             *y = vecmath::overflow<float>();
             return frame::status_overflow;
         }
-        *y = vecmath::quieted(*x);
+        *y = vecmath::quiet(*x);
         return frame::status_ok;
     }
 };

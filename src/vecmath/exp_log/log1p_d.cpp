@@ -52,7 +52,7 @@ struct Log1p : frame::OneInput<double, 4, frame::Tail::by_element> {
             *y = vecmath::minus_infinity_at_pole<double>();
             return frame::status_singularity;
         }
-        *y = vecmath::quieted(x);
+        *y = vecmath::quiet(x);
         return frame::status_ok;
     }
 };

@@ -43,7 +43,7 @@ int32_t scalar_log_d(const double* at, double* y, double log_of_2_52) {
         return frame::status_singularity;
     }
     if (!(x < std::numeric_limits<double>::infinity())) {
-        *y = vecmath::quieted(x);
+        *y = quiet(x);
         return frame::status_ok;
     }
     const bool subnormal = x < std::numeric_limits<double>::min();

@@ -46,7 +46,7 @@ int32_t scalar_log_s(const float* at, float* y) {
         return frame::status_singularity;
     }
     if (!(x < std::numeric_limits<float>::infinity())) {
-        *y = vecmath::quieted(x);
+        *y = quiet(x);
         return frame::status_ok;
     }
     const bool subnormal = x < std::numeric_limits<float>::min();

@@ -16,10 +16,9 @@ inline T at_run_time(T x) {
     return x;
 }
 
-// A NaN made quiet, with invalid raised for a signalling one; any other value as it is. The compiler would take a product
-// with a one that it knows for the other factor.
+// x, quiet where it is a NaN.
 template <class T>
-inline T quieted(T x) {
+inline T quiet(T x) {
     return x * at_run_time(T{1});
 }
 
@@ -35,8 +34,7 @@ inline T underflow() {
 }
 template <class T>
 inline T invalid() {
-    const T zero = at_run_time(T{0});
-    return zero / zero;
+    return T{0} / at_run_time(T{0});
 }
 template <class T>
 inline T minus_infinity_at_pole() {
