@@ -8,7 +8,7 @@
 // multiples of 2^-17, their sum is exact, and its sum with R is taken with its rounding error. From row 128 on k is one
 // higher and the row one for m/2, so that no large terms cancel next to 1.
 //
-// Worst errors measured (all arguments): "LA" 2.1 ulp, from the roundings at |r| of 1/3 where the result is less
+// Worst errors measured: "LA" 2.1 ulp, from the roundings at |r| of 1/3 where the result is less
 // than its terms; "HA" 0.61 ulp; "EP" 2^-14.0 relative.
 #include "vecmath/exp_log/log_s.h"
 

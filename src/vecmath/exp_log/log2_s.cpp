@@ -3,7 +3,7 @@
 // "LA", "EP": after the reduction of log_s.h, log2 x = k + r P(r). "EP" has sLog10's polynomial by log2 10.
 // "HA": dLog2's "EP" method, right to 2^-32, rounded to single.
 //
-// Powers of two are exact. Worst errors measured (all arguments): "LA" 2.3 ulp, from the roundings at |r| of 1/3
+// Powers of two are exact. Worst errors measured: "LA" 2.3 ulp, from the roundings at |r| of 1/3
 // where the result is less than its terms; "HA" 0.51 ulp; "EP" 2^-14.0 relative.
 #include "vecmath/exp_log/log2.h"
 #include "vecmath/exp_log/log_s.h"
