@@ -106,7 +106,7 @@ double sine_of_one(double x, int32_t quarters) {
     const uint32_t row =
         static_cast<uint32_t>(std::bit_cast<uint64_t>(shifted)) + 16 * static_cast<uint32_t>(q.quadrant + quarters);
     const Step128 step(splat(r), splat(low));
-    return _mm_cvtsd_f64(step.sin(Indices(_mm_set1_epi64x(static_cast<int64_t>(2 * row))), 0));
+    return _mm_cvtsd_f64(step.sin(Indices(_mm_set1_epi64x(2 * static_cast<int64_t>(row))), 0));
 }
 
 }  // namespace orv::trig
