@@ -145,12 +145,23 @@ void expect_success(int32_t status, const char* what) {
     fail(std::string(what) + ": " + meaning + ", status " + std::to_string(status));
 }
 
+// A task and its end, also where what follows its making fails.
+struct TaskOwner {
+    DFTask* task = nullptr;
+
+    TaskOwner() = default;
+    ~TaskOwner() {
+        if (task) orv_df_kernel_DeleteTask(&task);
+    }
+    TaskOwner(const TaskOwner&) = delete;
+    TaskOwner& operator=(const TaskOwner&) = delete;
+};
+
 // The spline of one run: the task refers to the arrays beside it.
 template <class T>
-struct Fit {
+struct Fit : TaskOwner {
     const Data<T>& data;
     std::vector<T> ends, internal, coeffs;
-    DFTask* task = nullptr;
 
     Fit(const Data<T>& d, const Request& request, const Spline& spline) : data(d) {
         const size_t rows = data.x.size();
@@ -187,9 +198,6 @@ struct Fit {
             status = spline.construct_s(task, nullptr, nullptr, 0, orv_serv_services());
         expect_success(status, spline.name);
     }
-    ~Fit() { orv_df_kernel_DeleteTask(&task); }
-    Fit(const Fit&) = delete;
-    Fit& operator=(const Fit&) = delete;
 
     int64_t parse_boundary(const std::string& text) {
         const size_t colon = text.find(':');
