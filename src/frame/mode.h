@@ -44,7 +44,4 @@ inline uint32_t mode_of(ArqThreadBlock* block) { return block->mode ? block->mod
 // The calling thread's mode word.
 inline uint32_t current_mode() { return mode_of(thread_block()); }
 
-// The part of the mode that decides how an element is reported.
-inline uint32_t current_error_mode() { return current_mode() & mode_error; }
-
 }  // namespace orv::frame

@@ -58,10 +58,6 @@ inline void store(orv_complex_d* p, __m128d v) { _mm_storeu_pd(&p->re, v); }
 inline void store_aligned(float* p, __m128 v) { _mm_store_ps(p, v); }
 inline void store_aligned(double* p, __m128d v) { _mm_store_pd(p, v); }
 
-// Stores past the caches, for results that will not fit there anyway.
-inline void store_streaming(float* p, __m128 v) { _mm_stream_ps(p, v); }
-inline void store_streaming(double* p, __m128d v) { _mm_stream_pd(p, v); }
-
 template <class Element>
 auto splat(Element x);
 template <>
