@@ -17,12 +17,13 @@ struct Outcome {
     std::string out, err;
 };
 
-// A directory of its own for each test, since tests run side by side; the command runs in it.
+// A directory of its own in the build tree for each test, since tests run side by side; the command runs in it.
 class Command : public testing::Test {
 protected:
     void SetUp() override {
         home = std::filesystem::current_path();
-        const auto place = home / "command_test" / testing::UnitTest::GetInstance()->current_test_info()->name();
+        const auto place =
+            std::filesystem::path(ORV_SCRATCH) / testing::UnitTest::GetInstance()->current_test_info()->name();
         std::filesystem::remove_all(place);
         std::filesystem::create_directories(place);
         std::filesystem::current_path(place);
