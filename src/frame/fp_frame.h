@@ -36,6 +36,12 @@ inline uint16_t read_x87_control() {
     return value;
 }
 
+inline uint16_t read_x87_status() {
+    uint16_t value;
+    __asm__ volatile("fnstsw %0" : "=m"(value) : : "memory");
+    return value;
+}
+
 inline void write_x87_control(uint16_t value) { __asm__ volatile("fldcw %0" : : "m"(value) : "memory"); }
 inline void clear_x87_exceptions() { __asm__ volatile("fnclex" : : : "memory"); }
 

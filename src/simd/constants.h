@@ -40,13 +40,13 @@ struct alignas(16) SplatBits {
 
 // ---- Table rows by lane ----------------------------------------------------------------------------------------------
 
-// The low words of 64-bit lanes, as indices or byte offsets; below 65536.
+// The low words of 64-bit lanes, as indices or byte offsets.
 struct Offsets2 {
     uint32_t at0, at1;
 };
 inline Offsets2 offsets_of(__m128i low_words) {
     return {static_cast<uint32_t>(_mm_cvtsi128_si32(low_words)),
-            static_cast<uint32_t>(_mm_extract_epi16(low_words, 4))};
+            static_cast<uint32_t>(_mm_extract_epi32(low_words, 2))};
 }
 // What stands `offset` bytes behind `start`.
 template <class T>

@@ -196,6 +196,11 @@ std::vector<T> samples(const char* function, int64_t count, uint64_t seed) {
         list.push_back(static_cast<T>(range->ordinary_low + u * (range->ordinary_high - range->ordinary_low)));
         // A hair off even for 64-bit patterns: no sample depends on that.
         list.push_back(number<T>(static_cast<OrderOf<T>>(static_cast<uint64_t>(first) + random() % patterns)));
+        // 1 and a power of two of a random exponent: where logarithms are small the other two hardly come.
+        if (i % 8 == 0) {
+            const double distance = std::exp2(-Limits::digits * static_cast<double>(random() >> 11) * 0x1p-53);
+            list.push_back(static_cast<T>(random() & 1 ? 1 + distance : 1 - distance));
+        }
     }
     // Subnormal arguments of every length.
     for (int i = 0; i < 20000 && low <= Limits::denorm_min(); ++i)

@@ -66,16 +66,18 @@ void log_float_257(const Output& output, const std::string& name, Real (*logarit
 }
 
 // Row j serves m near c = 1 + j/steps: log c to a multiple of 2^-39, as log 2's leading part is, so that the two cancel
-// without a rest next to 1; the rest of log c; 1/c to nearest, and the rest of that. From row `folded` on m is taken for
-// twice its half, and the logarithms are those of c/2.
-void log_centres(const Output& output, const std::string& name, Real (*logarithm)(const Real&), int steps, int folded) {
-    Table table(output, name, "log c high and low, 1/c high and low");
+// without a rest next to 1; the rest of log c; factor/c to `bits` bits, and the rest of that. From row `folded` on m is
+// taken for twice its half, and the logarithms are those of c/2.
+void log_centres(const Output& output, const std::string& name, Real (*logarithm)(const Real&), int steps, int folded,
+                 const Real& factor = Real(1), int bits = 53) {
+    Table table(output, name, "log c high and low, L/c high and low");
     for (int j = 0; j <= steps; ++j) {
         const Real c = Real(steps + j) / Real(steps);
         const Real value = logarithm(j < folded ? c : c / Real(2));
         const Real high = to_multiple(value, -39);
-        const auto [rcp, rcp_rest] = Table::split(Real(1) / c);
-        table.row({to_double(high) + 0.0, to_double(value - high) + 0.0, rcp, rcp_rest});
+        const Real rcp = to_bits(factor / c, bits);
+        const Real rcp_rest = factor / c - rcp;
+        table.row({to_double(high) + 0.0, to_double(value - high) + 0.0, to_double(rcp), to_double(rcp_rest) + 0.0});
     }
 }
 
@@ -96,6 +98,8 @@ void exp_log_tables(const Output& output) {
     // Folded at the square root of 2.
     log_centres(output, "ln_centres", log, 512, 725 - 512);
     log_centres(output, "log2_centres", log2, 512, 725 - 512);
+    // A product of 10 bits and of those that m leaves beyond its centre is exact.
+    log_centres(output, "log2_centres_exact", log2, 512, 725 - 512, Real(1.5), 10);
 }
 
 }  // namespace tablegen

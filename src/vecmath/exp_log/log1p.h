@@ -20,7 +20,7 @@ inline __m128d log1p_lanes(__m128d x) {
     const __m128i scale = _mm_sub_epi64(limits.twice_bias, _mm_and_si128(simd::bits_of(s), limits.exponent));
     const __m128d rest = t * simd::doubles(scale);
     __m128d y;
-    if constexpr (requires { K.leading_bits; })
+    if constexpr (requires { K.leading; })
         y = log_513<K>(s, rest);
     else
         y = log_centres<K>(s, rest);

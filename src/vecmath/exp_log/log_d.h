@@ -69,11 +69,9 @@ struct Log513Block {
     double log_of_2_52;
     alignas(16) double rows[513][4];  // rcp, rcp again, -log_b(rcp / L) (or its half's), high and low
     NormalTest normal{};
-    // The leading 10 bits of the fraction, rounded to 9: the row, at 32 bytes a row once it is shifted.
-    simd::SplatBits<uint64_t> leading_bits{in_high_word(0xFFC00)}, half_row{in_high_word(0x400)};
-    simd::SplatBits<uint64_t> row{in_high_word(0x1FF800)};
-    simd::SplatBits<uint64_t> fraction{fraction_bits}, upper_fraction{fraction_bits & in_high_word(0xFFFFFFFF)};
-    simd::SplatBits<uint64_t> exponent_0{bits_of_one};
+    simd::SplatBits<uint64_t> fraction{fraction_bits}, exponent_0{bits_of_one};
+    simd::SplatBits<uint64_t> half_row{in_high_word(0x400)}, row_bits{in_high_word(0xFFFFF800)};
+    simd::SplatBits<uint64_t> upper{in_high_word(0xFFFFFFFF)};
     // Turns the high word into k + 1024 in its exponent field; then 2^52 + 1024 as the number that carries that.
     simd::SplatBits<uint64_t> to_exponent{in_high_word(0x40000000 - 0x3FE7FC00)}, carrier{bits_of_2_52};
     simd::Splat<double> carrier_value{0x1p+52 + 1024};
@@ -83,18 +81,20 @@ struct Log513Block {
 template <const Log513Block& K, class... Rest>
 inline __m128d log_513(__m128d x, Rest... rest) {
     const __m128i bits = simd::bits_of(x);
-    const __m128i leading_bits = _mm_add_epi64(_mm_and_si128(bits, K.leading_bits), K.half_row);
-    const simd::Offsets2 at = simd::offsets_of(_mm_srli_epi64(_mm_and_si128(leading_bits, K.row), 38));
-    const double* row0 = simd::behind(K.rows[0], at.at0);
-    const double* row1 = simd::behind(K.rows[0], at.at1);
+    const __m128i m_bits = _mm_or_si128(_mm_and_si128(bits, K.fraction), K.exponent_0);
+    // The leading bits of m rounded to 9 of the fraction select the row, at 32 bytes a row once they are shifted.
+    const __m128i leading = _mm_and_si128(_mm_add_epi64(m_bits, K.half_row), K.row_bits);
+    const simd::Offsets2 at = simd::offsets_of(_mm_srli_epi64(leading, 38));
+    constexpr uint32_t at_1 = bits_of_one >> 38;
+    const double* row0 = simd::behind(K.rows[0], at.at0 - at_1);
+    const double* row1 = simd::behind(K.rows[0], at.at1 - at_1);
     const __m128d rcp = simd::gather(row0, row1);
     const __m128d logs0 = _mm_load_pd(row0 + 2), logs1 = _mm_load_pd(row1 + 2);
     const __m128d log_high = _mm_unpacklo_pd(logs0, logs1), log_low = _mm_unpackhi_pd(logs0, logs1);
 
     const __m128i exponent = _mm_srli_epi64(_mm_add_epi64(bits, K.to_exponent), 52);
     const __m128d k = simd::doubles(_mm_or_si128(exponent, K.carrier)) - K.carrier_value;
-    const __m128d m = simd::doubles(_mm_or_si128(_mm_and_si128(bits, K.fraction), K.exponent_0));
-    const __m128d m_high = simd::doubles(_mm_or_si128(_mm_and_si128(bits, K.upper_fraction), K.exponent_0));
+    const __m128d m = simd::doubles(m_bits), m_high = simd::doubles(_mm_and_si128(m_bits, K.upper));
 
     const __m128d u = m_high * rcp - K.leading;
     const __m128d v = (m - m_high) * rcp;
@@ -115,27 +115,35 @@ inline __m128d log_513(__m128d x, Rest... rest) {
 //   log_b x = k log_b 2 + log_b c + p(r).
 // log_b 2 and the table are rounded to a common grid, so that they cancel without a rest next to 1. Rows can be folded as
 // above. A polynomial that ends with r^2 goes with a table in one part.
+//
+// With `exact_leading` the rows have L/c in two parts, L being short and close to log_b e, and r is L times the above. Its
+// part u by the first of them is exact, and the sum of the table and u is taken with its rounding error; u has coefficient
+// one, and the rest v of r and what log_b(e) / L - 1 times r is are small terms.
 struct LogCentresShape {
-    uint32_t steps;           // of the grid from 1 to 2
-    int shift;                // brings the leading bits of the fraction, one more than the grid has, to 32 bytes a row
-    double to_grid;           // added and subtracted it rounds to the grid
+    int bits;                 // of the grid from 1 to 2
     uint32_t exponent_carry;  // added to the high word it raises the exponent where the row is folded
+    bool exact_leading = false;
+
+    constexpr uint32_t steps() const { return 1u << bits; }
+    constexpr int shift() const { return 52 - bits - 5; }  // brings the bits of a centre to 32 bytes a row
+    constexpr uint64_t half_step() const { return uint64_t{1} << (51 - bits); }
+    constexpr uint64_t grid() const { return ~(2 * half_step() - 1); }
 };
-inline constexpr LogCentresShape centres_257{256, 32 + 7, 0x1p+44, 0};
-inline constexpr LogCentresShape centres_513{512, 32 + 6, 0x1p+43, 0x100000 - 0x6A400};
+inline constexpr LogCentresShape centres_257{8, 0};
+inline constexpr LogCentresShape centres_513{9, 0x100000 - 0x6A400};
+inline constexpr LogCentresShape centres_513_exact{9, 0x100000 - 0x6A400, true};
 
 template <const LogCentresShape& Shape>
 struct LogCentresBlock {
     char name[8];
     simd::Splat<double> log2_high, log2_low;
-    simd::Splat<double> c1, c2, c3, c4, c5;  // zero from the first that is left out
+    simd::Splat<double> c1;              // less one with exact_leading
+    simd::Splat<double> c2, c3, c4, c5;  // zero from the first that is left out
     double log_of_2_52;
-    alignas(16) double rows[Shape.steps + 1][4];  // log_b c high and low, 1/c and the rest of it
+    alignas(16) double rows[Shape.steps() + 1][4];  // log_b c high and low, L/c and the rest of it
     NormalTest normal{};
-    simd::SplatBits<uint64_t> leading{Shape.steps * 32 - 16}, half_row{16}, row{2 * Shape.steps * 32 - 32};
     simd::SplatBits<uint64_t> fraction{fraction_bits}, exponent_0{bits_of_one};
-    simd::SplatBits<uint32_t> marker{0x3FF};  // below the leading bits: turns ties upwards, as the row's rounding does
-    simd::Splat<double> to_grid{Shape.to_grid};
+    simd::SplatBits<uint64_t> half_step{Shape.half_step()}, grid{Shape.grid()};
     simd::SplatBits<uint64_t> exponent_carry{in_high_word(Shape.exponent_carry)}, carrier{bits_of_2_52};
     simd::Splat<double> carrier_value{0x1p+52 + 1023};
     static constexpr const LogCentresShape& shape = Shape;
@@ -144,17 +152,23 @@ struct LogCentresBlock {
 template <const auto& K, class... Rest>
 inline __m128d log_centres(__m128d x, Rest... rest) {
     const __m128i bits = simd::bits_of(x);
-    const __m128i leading = _mm_add_epi64(_mm_and_si128(_mm_srli_epi64(bits, K.shape.shift), K.leading), K.half_row);
-    const simd::Offsets2 at = simd::offsets_of(_mm_and_si128(leading, K.row));
-    const double* row0 = simd::behind(K.rows[0], at.at0);
-    const double* row1 = simd::behind(K.rows[0], at.at1);
+    const __m128i m = _mm_or_si128(_mm_and_si128(bits, K.fraction), K.exponent_0);
+    // The next number of the grid, a tie upwards: a carry out of the fraction makes it 2, and its row the last.
+    const __m128i centre = _mm_and_si128(_mm_add_epi64(m, K.half_step), K.grid);
+    const simd::Offsets2 at = simd::offsets_of(_mm_srli_epi64(centre, K.shape.shift()));
+    constexpr uint32_t at_1 = bits_of_one >> K.shape.shift();
+    const double* row0 = simd::behind(K.rows[0], at.at0 - at_1);
+    const double* row1 = simd::behind(K.rows[0], at.at1 - at_1);
     const __m128d logs0 = _mm_load_pd(row0), logs1 = _mm_load_pd(row1);
     const __m128d log_high = _mm_unpacklo_pd(logs0, logs1), log_low = _mm_unpackhi_pd(logs0, logs1);
-    const __m128d rcp = simd::gather(row0 + 2, row1 + 2);
 
-    const __m128i m = _mm_or_si128(_mm_and_si128(bits, K.fraction), K.exponent_0);
-    const __m128d centre = (simd::doubles(_mm_or_si128(m, K.marker)) + K.to_grid) - K.to_grid;
-    const __m128d r = ((simd::doubles(m) - centre) + ... + rest) * rcp;
+    const __m128d beyond = ((simd::doubles(m) - simd::doubles(centre)) + ... + rest);
+    const __m128d u = beyond * simd::gather(row0 + 2, row1 + 2);
+    __m128d r = u, v = _mm_setzero_pd();
+    if constexpr (K.shape.exact_leading) {
+        v = beyond * simd::gather(row0 + 3, row1 + 3);
+        r = u + v;
+    }
     __m128i raised = bits;
     if constexpr (K.shape.exponent_carry != 0) raised = _mm_add_epi64(bits, K.exponent_carry);
     const __m128d k = simd::doubles(_mm_or_si128(_mm_srli_epi64(raised, 52), K.carrier)) - K.carrier_value;
@@ -164,10 +178,14 @@ inline __m128d log_centres(__m128d x, Rest... rest) {
     if constexpr (K.c4 == 0.0)
         p = r * r * (K.c2 + r * K.c3);
     else
-        p = r * r * (K.c2 + r * (K.c3 + r * (K.c4 + r * K.c5)));
+        p = r * r * ((K.c2 + r * K.c3) + r * r * (K.c4 + r * K.c5));
     __m128d low = log_low, high = k + log_high;
     if constexpr (K.log2_low != 0.0) low = k * K.log2_low + log_low;
     if constexpr (K.log2_high != 1.0) high = k * K.log2_high + log_high;
+    if constexpr (K.shape.exact_leading) {
+        const __m128d sum = high + u, lost = (high - sum) + u;
+        return sum + (p + ((r * K.c1 + v) + (low + lost)));
+    }
     __m128d linear = r;
     if constexpr (K.c1 != 1.0) linear = r * K.c1;
     return high + (linear + (p + low));
@@ -180,7 +198,7 @@ struct LogD : frame::OneInput<double, 4, frame::Tail::by_element> {
 
     static __m128d doubt(__m128d x) { return K.normal.doubt(x); }
     static __m128d lanes(__m128d x) {
-        if constexpr (requires { K.leading_bits; })
+        if constexpr (requires { K.leading; })
             return log_513<K>(x);
         else
             return log_centres<K>(x);
