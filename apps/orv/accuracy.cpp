@@ -4,6 +4,7 @@
 #include "failure.h"
 #include "functions.h"
 #include "plot.h"
+#include "reference.h"
 
 #include <algorithm>
 #include <cfloat>
@@ -17,46 +18,12 @@ namespace orv::command {
 
 namespace {
 
-// What a function is measured against, and a range that shows it.
-struct Reference {
-    std::string_view function;
-    long double (*exact)(long double);
-    double low, high;
-};
-
-long double ten_to_the(long double x) {
-#ifdef _WIN32
-    return powl(10.0L, x);
-#else
-    return exp10l(x);
-#endif
-}
-
-constexpr Reference references[] = {
-    {"Exp", expl, -80, 80},         {"Expm1", expm1l, -2, 2},    {"Exp2", exp2l, -100, 100},
-    {"Exp10", ten_to_the, -30, 30}, {"Ln", logl, 0.25, 4},       {"Log10", log10l, 0.25, 4},
-    {"Log2", log2l, 0.25, 4},       {"Log1p", log1pl, -0.75, 3}, {"Logb", logbl, 0.25, 100},
-};
-
 struct Request {
     std::string function;
     char type = 'd';
     std::vector<double> range;
     int64_t points = 200'000;
     std::string plot;
-};
-
-// Windows starts a process with the x87 unit at 53 bits.
-struct ExtendedPrecision {
-    unsigned short saved;
-    ExtendedPrecision() {
-        __asm__ volatile("fnstcw %0" : "=m"(saved));
-        const unsigned short extended = saved | 0x0300;
-        __asm__ volatile("fldcw %0" : : "m"(extended));
-    }
-    ~ExtendedPrecision() { __asm__ volatile("fldcw %0" : : "m"(saved)); }
-    ExtendedPrecision(const ExtendedPrecision&) = delete;
-    ExtendedPrecision& operator=(const ExtendedPrecision&) = delete;
 };
 
 // (y - exact) in ulp of the type at the exact value; NaN where there is none.
@@ -80,13 +47,14 @@ int run(const Request& request, const Function& function, const Reference& refer
     const double low = request.range.empty() ? reference.low : request.range[0];
     const double high = request.range.empty() ? reference.high : request.range[1];
     if (!(low < high)) fail("the range is empty");
+    if (std::max(-low, high) >= reference.limit) fail("the range goes beyond what there is to measure against");
 
     const size_t n = static_cast<size_t>(request.points);
     std::vector<T> x(n), y(n);
     for (size_t i = 0; i < n; ++i)
         x[i] = static_cast<T>(low + (high - low) * (static_cast<double>(i) + 0.5) / static_cast<double>(n));
     std::vector<long double> exact(n);
-    for (size_t i = 0; i < n; ++i) exact[i] = reference.exact(x[i]);
+    for (size_t i = 0; i < n; ++i) exact[i] = reference.value(x[i]);
 
     orv_arq_kernel_SetMode(ORV_MODE_ERRMODE_NOERR);
     std::printf("accuracy,worst_ulp,at\n");
@@ -126,15 +94,13 @@ int run(const Request& request, const Function& function, const Reference& refer
 int run(const Request& request) {
     const Function* function = find_function(request.function, request.type);
     if (!function) fail("no function " + request.function + " of type " + request.type);
-    for (const Reference& reference : references) {
-        // Names carry the type before the function.
-        if (function->name.substr(function->name.size() - std::min(function->name.size(), reference.function.size())) !=
-                reference.function ||
-            function->name.size() > reference.function.size() + 1)
-            continue;
-        return request.type == 's' ? run<float>(request, *function, reference)
-                                   : run<double>(request, *function, reference);
-    }
+    // The function's name carries the type, or does not.
+    const std::string_view name = function->name;
+    const Reference* reference = find_reference(name);
+    if (!reference) reference = find_reference(name.substr(1));
+    if (reference)
+        return request.type == 's' ? run<float>(request, *function, *reference)
+                                   : run<double>(request, *function, *reference);
     fail("nothing to measure " + request.function + " against");
 }
 

@@ -206,7 +206,8 @@ std::vector<T> samples(const char* function, int64_t count, uint64_t seed) {
     for (int i = 0; i < 20000 && low <= Limits::denorm_min(); ++i)
         list.push_back(static_cast<T>(1 + random() % (uint64_t{2} << (random() % (Limits::digits - 1)))) *
                        Limits::denorm_min());
-    std::erase_if(list, [&](T x) { return !(x >= low && x <= high) || x == 0; });
+    const double limit = command::find_reference(function)->limit;
+    std::erase_if(list, [&](T x) { return !(x >= low && x <= high) || x == 0 || std::fabs(x) >= limit; });
     list.push_back(0 > range->low ? T{0} : high);
     return list;
 }

@@ -18,6 +18,20 @@ TEST_F(Command, AccuracyMeasures) {
     EXPECT_GT(ep, 1e5);
 }
 
+TEST_F(Command, AccuracyKnowsEveryFunctionOfOneInput) {
+    for (const char* function : {"Exp", "Expm1", "Exp2", "Exp10", "Ln", "Log10", "Log2", "Log1p", "Sin", "Cos", "Tan",
+                                 "Sinpi", "Cospi", "Tanpi", "Sind", "Cosd", "Tand"}) {
+        const Outcome outcome = orv(std::string("accuracy --points 3000 ") + function, "");
+        EXPECT_EQ(outcome.status, 0) << outcome.err;
+        double la = 0, ha = 0;
+        ASSERT_EQ(std::sscanf(outcome.out.c_str(), "accuracy,worst_ulp,at la,%lf,%*f ha,%lf", &la, &ha), 2)
+            << outcome.out;
+        EXPECT_GT(ha, 0.45) << function;
+        EXPECT_LT(ha, 0.76) << function;
+        EXPECT_LT(la, 3.7) << function;
+    }
+}
+
 TEST_F(Command, AccuracyDraws) {
     if (std::system("gnuplot --version >version 2>&1") != 0) GTEST_SKIP() << "no gnuplot here";
     const Outcome outcome = orv("accuracy Exp --type s --points 3000 --plot e.svg", "");

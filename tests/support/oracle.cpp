@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <vector>
 
 namespace orv::oracle {
 
@@ -13,81 +14,26 @@ namespace {
 #ifdef _WIN32
 #define EXACT(routine) nullptr
 #else
+#define EXACT(routine) routine
 int exact_logb(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t rounding) {
     return mpfr_set_si(y, mpfr_zero_p(x) ? 0 : mpfr_get_exp(x) - 1, rounding);
 }
-#define EXACT(routine) routine
-#endif
-
-#ifdef _WIN32
-// The runtime's own are not good to a small part of an ulp of a double.
-long double fast_expm1(long double x) {
-    if (fabsl(x) >= 0.5L) return expl(x) - 1;
-    long double sum = 0;
-    for (int k = 22; k > 0; --k) sum = x / k * (1 + sum);
-    return sum;
-}
-long double fast_exp10(long double x) {
-    const long double whole = rintl(x), part = expl((x - whole) * 2.302585092994045684018L);
-    if (!(fabsl(whole) < 400)) return expl(x * 2.302585092994045684018L);
-    long double power = 1, square = 10;
-    for (int i = static_cast<int>(fabsl(whole)); i != 0; i >>= 1, square *= square)
-        if (i & 1) power *= square;
-    return whole < 0 ? part / power : part * power;
-}
-#else
-long double fast_expm1(long double x) { return expm1l(x); }
-long double fast_exp10(long double x) { return exp10l(x); }
-#endif
-
-#ifndef _WIN32
 int exact_sind(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t rounding) { return mpfr_sinu(y, x, 360, rounding); }
 int exact_cosd(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t rounding) { return mpfr_cosu(y, x, 360, rounding); }
 int exact_tand(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t rounding) { return mpfr_tanu(y, x, 360, rounding); }
 #endif
 
-// sin and cos of x in units of a quarter turn, the multiples of which are taken away exactly.
-struct Quarter {
-    long double sine, cosine;
-    explicit Quarter(long double x, long double quarter) {
-        int k;
-        const long double r = remquol(x, quarter, &k) / quarter * 1.57079632679489661923132169163975144L;
-        const long double s = sinl(r), c = cosl(r);
-        sine = k & 1 ? c : s;
-        cosine = k & 1 ? -s : c;
-        if (k & 2) sine = -sine, cosine = -cosine;
-        cosine += 0.0L;  // no zero is negative: the tangent's poles have the sign of the sine
-    }
+struct Row {
+    std::string_view name;
+    Exact exact;
 };
-long double fast_sinpi(long double x) { return Quarter(x, 0.5L).sine; }
-long double fast_cospi(long double x) { return Quarter(x, 0.5L).cosine; }
-long double fast_tanpi(long double x) { return fast_sinpi(x) / fast_cospi(x); }
-long double fast_sind(long double x) { return Quarter(x, 90.0L).sine; }
-long double fast_cosd(long double x) { return Quarter(x, 90.0L).cosine; }
-long double fast_tand(long double x) { return fast_sind(x) / fast_cosd(x); }
-
-constexpr Function functions[] = {
-#ifndef _WIN32
-    // Elsewhere the C library's 80-bit routines reduce by a pi of 66 bits.
-    {"Sin", EXACT(mpfr_sin), sinl},
-    {"Cos", EXACT(mpfr_cos), cosl},
-    {"Tan", EXACT(mpfr_tan), tanl},
-#endif
-    {"Sinpi", EXACT(mpfr_sinpi), fast_sinpi},
-    {"Cospi", EXACT(mpfr_cospi), fast_cospi},
-    {"Tanpi", EXACT(mpfr_tanpi), fast_tanpi},
-    {"Sind", EXACT(exact_sind), fast_sind},
-    {"Cosd", EXACT(exact_cosd), fast_cosd},
-    {"Tand", EXACT(exact_tand), fast_tand},
-    {"Exp", EXACT(mpfr_exp), expl},
-    {"Expm1", EXACT(mpfr_expm1), fast_expm1},
-    {"Exp2", EXACT(mpfr_exp2), exp2l},
-    {"Exp10", EXACT(mpfr_exp10), fast_exp10},
-    {"Ln", EXACT(mpfr_log), logl},
-    {"Log10", EXACT(mpfr_log10), log10l},
-    {"Log2", EXACT(mpfr_log2), log2l},
-    {"Log1p", EXACT(mpfr_log1p), log1pl},
-    {"Logb", EXACT(exact_logb), logbl},
+constexpr Row rows[] = {
+    {"Sin", EXACT(mpfr_sin)},     {"Cos", EXACT(mpfr_cos)},     {"Tan", EXACT(mpfr_tan)},
+    {"Sinpi", EXACT(mpfr_sinpi)}, {"Cospi", EXACT(mpfr_cospi)}, {"Tanpi", EXACT(mpfr_tanpi)},
+    {"Sind", EXACT(exact_sind)},  {"Cosd", EXACT(exact_cosd)},  {"Tand", EXACT(exact_tand)},
+    {"Exp", EXACT(mpfr_exp)},     {"Expm1", EXACT(mpfr_expm1)}, {"Exp2", EXACT(mpfr_exp2)},
+    {"Exp10", EXACT(mpfr_exp10)}, {"Ln", EXACT(mpfr_log)},      {"Log10", EXACT(mpfr_log10)},
+    {"Log2", EXACT(mpfr_log2)},   {"Log1p", EXACT(mpfr_log1p)}, {"Logb", EXACT(exact_logb)},
 };
 
 template <class T>
@@ -148,6 +94,11 @@ Error fast_error_of(long double exact, T y) {
 }  // namespace
 
 const Function* find(std::string_view name) {
+    static const std::vector<Function> functions = [] {
+        std::vector<Function> list;
+        for (const Row& row : rows) list.push_back({row.name, row.exact, command::find_reference(row.name)->value});
+        return list;
+    }();
     for (const Function& f : functions)
         if (f.name == name) return &f;
     return nullptr;
@@ -169,12 +120,5 @@ Error quick_error(double exact, float y) {
     const double difference = std::fabs(result - exact);
     return {difference / ulp, exact == 0 ? 0.0 : difference / std::fabs(exact)};
 }
-
-ExtendedPrecision::ExtendedPrecision() {
-    __asm__ volatile("fnstcw %0" : "=m"(saved));
-    const unsigned short extended = saved | 0x0300;
-    __asm__ volatile("fldcw %0" : : "m"(extended));
-}
-ExtendedPrecision::~ExtendedPrecision() { __asm__ volatile("fldcw %0" : : "m"(saved)); }
 
 }  // namespace orv::oracle

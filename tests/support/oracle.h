@@ -5,15 +5,18 @@
 // to infinity is served by infinity alone.
 //
 // A function is known here by three things: its name in the row list, its MPFR routine, and an 80-bit routine that is
-// right to a small part of an ulp of a double. The latter is fast, and where there is no MPFR it is all there is.
+// right to a small part of an ulp of a double. The latter is fast, and where there is no MPFR it is all there is; the
+// command measures against it too.
 //
-// To add a function, add a line to the list in oracle.cpp, its limits and boundaries to tests/accuracy/samples.cpp, and
-// its bounds to tests/accuracy/bounds.inc.
+// To add a function, add a line to the list in oracle.cpp and one to that of the command's references, its limits and
+// boundaries to tests/accuracy/samples.cpp, and its bounds to tests/accuracy/bounds.inc.
 #pragma once
 
 #ifndef _WIN32
 #include <mpfr.h>
 #endif
+
+#include "apps/orv/reference.h"
 
 #include <string_view>
 
@@ -50,13 +53,6 @@ Error fast_error(const Function& f, float x, float y);
 // Against a value that is given, for sweeps over all floats.
 Error quick_error(double exact, float y);
 
-// Holds the x87 unit at 64 significant bits, which a Windows process may not start with.
-struct ExtendedPrecision {
-    unsigned short saved;
-    ExtendedPrecision();
-    ~ExtendedPrecision();
-    ExtendedPrecision(const ExtendedPrecision&) = delete;
-    ExtendedPrecision& operator=(const ExtendedPrecision&) = delete;
-};
+using command::ExtendedPrecision;
 
 }  // namespace orv::oracle
