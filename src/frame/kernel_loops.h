@@ -126,6 +126,25 @@ inline auto sure_lanes(V x, typename Kernel::Frame& frame) {
         return Kernel::lanes(x);
 }
 
+// The first `count` elements of a block and harmless ones behind them, to and from a buffer. Whole blocks go register by
+// register: a register is slow to load where single elements were stored just before.
+template <class Kernel, class In, class Element>
+inline void load_block(int32_t i, int32_t count, In a, Element* x) {
+    if (count == Kernel::block) {
+        for (int32_t k = 0; k < count; k += simd::Lanes<Element>::width) simd::store(x + k, a.load(i + k));
+        return;
+    }
+    for (int32_t lane = 0; lane < Kernel::block; ++lane) x[lane] = lane < count ? *a.at(i + lane) : Element{harmless};
+}
+template <class Kernel, class Out, class Result>
+inline void store_block(int32_t i, int32_t count, Out y, const Result* r) {
+    if (count == Kernel::block) {
+        for (int32_t k = 0; k < count; k += simd::Lanes<Result>::width) y.store(i + k, simd::load(r + k));
+        return;
+    }
+    for (int32_t lane = 0; lane < count; ++lane) *y.at(i + lane) = r[lane];
+}
+
 // A block with lanes that the vector path does not serve goes through buffers, as does a part of a block. The doubted lanes
 // are settled from lane 0 up. A reported element is in its place in `y` before the reporter runs, which may change it
 // there; the block is stored at the end. Nothing outside the arrays is touched.
@@ -137,7 +156,7 @@ template <class Kernel, class In, class Out>
     constexpr int width = simd::Lanes<Element>::width;
     alignas(16) Element x[Kernel::block];
     alignas(16) typename Kernel::Result r[Kernel::block];
-    for (int32_t lane = 0; lane < Kernel::block; ++lane) x[lane] = lane < count ? *a.at(i + lane) : Element{harmless};
+    load_block<Kernel>(i, count, a, x);
     for (int32_t k = 0; k < count; k += width) {
         unsigned bits = ~0u;
         if constexpr (!rejects_whole_blocks<Kernel>()) {
@@ -158,7 +177,7 @@ template <class Kernel, class In, class Out>
             r[lane] = *y.at(i + lane);
         }
     }
-    for (int32_t lane = 0; lane < count; ++lane) *y.at(i + lane) = r[lane];
+    store_block<Kernel>(i, count, y, r);
 }
 
 // `Registers` whole registers from element i on.

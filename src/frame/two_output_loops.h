@@ -23,7 +23,7 @@ template <class Kernel, class In, class Out>
     using V = typename simd::Lanes<Element>::V;
     constexpr int width = simd::Lanes<Element>::width;
     alignas(16) Element x[Kernel::block], r1[Kernel::block], r2[Kernel::block];
-    for (int32_t lane = 0; lane < Kernel::block; ++lane) x[lane] = lane < count ? *a.at(i + lane) : Element{harmless};
+    load_block<Kernel>(i, count, a, x);
     for (int32_t k = 0; k < count; k += width) {
         V v1, v2;
         V doubt = Kernel::doubt(simd::load(x + k));
@@ -45,7 +45,8 @@ template <class Kernel, class In, class Out>
             r2[lane] = *z.at(i + lane);
         }
     }
-    for (int32_t lane = 0; lane < count; ++lane) *y.at(i + lane) = r1[lane], *z.at(i + lane) = r2[lane];
+    store_block<Kernel>(i, count, y, r1);
+    store_block<Kernel>(i, count, z, r2);
 }
 
 template <class Kernel, int Registers, class In, class Out>

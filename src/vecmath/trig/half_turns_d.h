@@ -17,22 +17,16 @@ inline D sine_26(D r) {
 // The lowest bit of both 64-bit lanes, as a sign.
 inline D odd_sign(D shifted) { return simd::doubles(simd::shift_left<63>(simd::bits_of(shifted))); }
 
-// All ones where the lowest bit of the 64-bit lane is set.
-inline D odd_mask(D shifted) {
-    const __m128i sign = _mm_srai_epi32(simd::shift_left<63>(simd::bits_of(shifted)), 31);
-    return simd::doubles(_mm_shuffle_epi32(sign, _MM_SHUFFLE(3, 3, 1, 1)));
-}
-
-// Exchanges a and b in the lanes of the mask.
-inline void exchange(D mask, D& a, D& b) {
-    const D difference = simd::bit_and(mask, simd::bit_xor(a, b));
-    a = simd::bit_xor(a, difference);
-    b = simd::bit_xor(b, difference);
+// Exchanges a and b in the lanes whose sign bit is set in `where`.
+inline void exchange(D where, D& a, D& b) {
+    const D old_a = a;
+    a = _mm_blendv_pd(a, b, where);
+    b = _mm_blendv_pd(b, old_a, where);
 }
 
 // Sine and cosine of k pi/2 + r from those of r, k in the low bits of `shifted`.
 inline void turn_by_quarters(D shifted, D& sine, D& cosine) {
-    exchange(odd_mask(shifted), sine, cosine);
+    exchange(odd_sign(shifted), sine, cosine);
     // The sine changes its sign in quarters 2 and 3, the cosine in 1 and 2.
     const __m128i k = simd::bits_of(shifted);
     const __m128i next = _mm_add_epi64(k, simd::splat_bits(1));

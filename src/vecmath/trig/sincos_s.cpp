@@ -49,27 +49,26 @@ struct SinCosLA : SinCos {
         const S r = r0 - t;
         const S low = ((r0 - r) - t) - k * splat(2.56334407e-12f);
         const S w = r * r;
-        S sine =
+        const S sine =
             r +
             (r * w *
                  (splat(-0.16666654602440295f) + w * (splat(0.0083321602989539f) + w * splat(-0.0001951521879448f))) +
              low);
         const S half = w * splat(0.5f);
         const S lead = splat(1.0f) - half;
-        S cosine =
+        const S cosine =
             lead +
             (((splat(1.0f) - lead) - half) +
              (w * w * (splat(0.0416666456705364f) + w * (splat(-0.0013887315633147f) + w * splat(2.44330843567e-05f))) -
               r * low));
         const __m128i bits = simd::bits_of(shifted);
         const __m128i sign = simd::bits_of(splat(-0.0f));
-        const S difference =
-            simd::bit_and(simd::floats(_mm_srai_epi32(_mm_slli_epi32(bits, 31), 31)), simd::bit_xor(sine, cosine));
+        const S odd = simd::floats(_mm_slli_epi32(bits, 31));
         const S sine_sign = simd::floats(_mm_and_si128(_mm_slli_epi32(bits, 30), sign));
         const S cosine_sign =
             simd::floats(_mm_and_si128(_mm_slli_epi32(_mm_add_epi32(bits, _mm_set1_epi32(1)), 30), sign));
-        y = simd::bit_xor(simd::bit_xor(sine, difference), simd::bit_xor(sine_sign, simd::sign_of(x)));
-        z = simd::bit_xor(simd::bit_xor(cosine, difference), cosine_sign);
+        y = simd::bit_xor(_mm_blendv_ps(sine, cosine, odd), simd::bit_xor(sine_sign, simd::sign_of(x)));
+        z = simd::bit_xor(_mm_blendv_ps(cosine, sine, odd), cosine_sign);
     }
 };
 

@@ -31,9 +31,8 @@ struct Tan : frame::OneInput<float, 4, frame::Tail::masked> {
         const S shifted = a * splat(0.636619747f) + splat(shifter_s);
         const S k = shifted - splat(shifter_s);
         const __m128i sign = _mm_slli_epi32(simd::bits_of(shifted), 31);
-        const __m128i odd = _mm_srai_epi32(sign, 31);
-        const S y = join(tangent(low_half(a), low_half(k), simd::doubles(_mm_unpacklo_epi32(odd, odd))),
-                         tangent(high_half(a), high_half(k), simd::doubles(_mm_unpackhi_epi32(odd, odd))));
+        const S y = join(tangent(low_half(a), low_half(k), simd::doubles(_mm_unpacklo_epi32(sign, sign))),
+                         tangent(high_half(a), high_half(k), simd::doubles(_mm_unpackhi_epi32(sign, sign))));
         return simd::bit_xor(y, simd::bit_xor(simd::floats(sign), simd::sign_of(x)));
     }
     static D tangent(D a, D k, D odd) {
