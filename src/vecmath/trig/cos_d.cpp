@@ -27,11 +27,9 @@ struct CosEP : SineKernelEP<1> {
     static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(8388608.0)); }
     static D lanes(D x) {
         const D a = simd::magnitude(x);
-        const D shifted = (a * splat(0.31830988618379069) + splat(0.5)) + splat(shifter);
+        const D shifted = (a * splat(pi_ep.inverse) + splat(0.5)) + splat(shifter);
         const D k = (shifted - splat(shifter)) - splat(0.5);
-        const D r = ((a - k * splat(3.1415925025939941)) - k * splat(1.5099578831723193e-07)) -
-                    k * splat(1.0780605716316238e-14);
-        return simd::bit_xor(sine_26(r), odd_sign(shifted));
+        return simd::bit_xor(sine_26(less_steps<pi_ep>(a, k)), odd_sign(shifted));
     }
 };
 

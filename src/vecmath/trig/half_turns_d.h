@@ -5,6 +5,12 @@
 
 namespace orv::trig {
 
+// Steps of the kernels of least accuracy.
+inline constexpr StepParts pi_ep{0.31830988618379069, 3.1415925025939941, 1.5099578831723193e-07,
+                                 1.0780605716316238e-14};
+inline constexpr StepParts half_pi_ep{0.63661977236758138, 1.5707962512969971, 7.5497894158615964e-08,
+                                      5.390302858158119e-15};
+
 // r in [-pi/2, pi/2]; relative error below 2^-27.
 inline D sine_26(D r) {
     const D z = r * r;

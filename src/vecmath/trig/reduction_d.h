@@ -6,28 +6,22 @@
 
 namespace orv::trig {
 
-inline constexpr double shifter = 6755399441055744.0;  // 1.5 * 2^52: adding it leaves an integer in the low bits
-
 // ---- Below 90112: a multiple of pi/64 in three parts, for the table of 128 rows ---------------------------------------
 
-// The first two parts have 31 and 32 bits and the multiple fewer than 22, so their products are exact; the errors of the
-// two subtractions go to the low part.
+// The first two parts have 31 and 32 bits, the multiple fewer than 22.
 inline constexpr double limit_128 = 90112.0;
+inline constexpr StepParts pi_over_64{20.371832715762604, 0.049087385210441425, 1.8990939082199894e-12,
+                                      6.3195820274873457e-23};
 
 struct Main128 {
     Indices j;
     Step128 step;
 
-    explicit Main128(D a) : Main128(a, a * splat(20.371832715762604) + splat(shifter)) {}
+    explicit Main128(D a) : Main128(a, Nearest<pi_over_64>(a)) {}
 
 private:
-    Main128(D a, D k_shifted) : j(simd::bits_of(k_shifted)), step(reduced(a, k_shifted - splat(shifter))) {}
-    static Step128 reduced(D a, D k) {
-        const D r0 = a - k * splat(0.049087385210441425);
-        const D t = k * splat(1.8990939082199894e-12);
-        const D r = r0 - t;
-        return {r, ((r0 - r) - t) - k * splat(6.3195820274873457e-23)};
-    }
+    Main128(D a, const Nearest<pi_over_64>& nearest)
+        : j(simd::bits_of(nearest.shifted)), step(less_steps_exactly<pi_over_64>(a, nearest.k)) {}
 };
 
 // ---- Any finite argument: exact multiplication with the bits of 1/(2 pi) -------------------------------------------

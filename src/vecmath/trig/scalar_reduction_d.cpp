@@ -1,6 +1,7 @@
 // One double to an eighth of a turn, and its sine from there.
 //
-// Below 2^30 the multiple of pi/4 is a 32-bit number, and five parts of pi/4 of 20 bits each give exact products.
+// Below 2^30 the multiple of pi/4 has 31 bits, and the leading parts of pi/4 so few that their products with it are exact;
+// below 2^23 four parts do, beyond it is five.
 //
 // From 2^30 on, x * 4/pi is formed from pieces of 4/pi of 25 bits. The exponent tells from which piece on: everything
 // before it makes multiples of 8 eighths, which are whole turns. With x in halves of 27 and 26 bits every product is exact;
@@ -12,12 +13,11 @@
 #include "vecmath/trig/steps_d.h"
 
 #include <bit>
+#include <span>
 
 namespace orv::trig {
 
 namespace {
-
-constexpr double shifter = 6755399441055744.0;  // 1.5 * 2^52
 
 uint32_t exponent_field(double x) { return static_cast<uint32_t>(std::bit_cast<uint64_t>(x) >> 52) & 0x7FF; }
 
@@ -39,13 +39,16 @@ void normalise(double& high, double& low) {
 
 // |x| below 2^30.
 Quadrant reduce_by_parts(double a) {
-    constexpr double part[5] = {0.78539752960205078, 6.3379548009834252e-07, -8.2569910110630307e-14,
+    constexpr double four[4] = {0.78539816290140152, 4.9604679044912281e-10, -6.088525906594782e-19,
+                                1.7607799325916001e-27};
+    constexpr double five[5] = {0.78539752960205078, 6.3379548009834252e-07, -8.2569910110630307e-14,
                                 -6.675151087907452e-20, 8.2231284681621288e-27};
+    const std::span<const double> parts = exponent_field(a) < 0x416 ? std::span<const double>(four) : five;
     // The nearest even multiple of pi/4.
     const int64_t eighths = (static_cast<int64_t>(a * 1.2732395447351628) + 1) & ~int64_t{1};
     const double k = static_cast<double>(eighths);
-    double high = a - k * part[0], low = 0;
-    for (int i = 1; i < 5; ++i) accumulate(high, low, -(k * part[i]));
+    double high = a, low = 0;
+    for (const double part : parts) accumulate(high, low, -(k * part));
     normalise(high, low);
     return {static_cast<int32_t>(eighths / 2 & 3), high, low};
 }
@@ -105,7 +108,7 @@ double sine_of_one(double x, int32_t quarters) {
     const double low = (((r0 - r) - t) + q.low) - k * 1.2639164054974691e-22;
     const uint32_t row =
         static_cast<uint32_t>(std::bit_cast<uint64_t>(shifted)) + 16 * static_cast<uint32_t>(q.quadrant + quarters);
-    const Step128 step(splat(r), splat(low));
+    const Step128 step({splat(r), splat(low)});
     return _mm_cvtsd_f64(step.sin(Indices(_mm_set1_epi64x(2 * static_cast<int64_t>(row))), 0));
 }
 

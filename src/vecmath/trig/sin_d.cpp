@@ -56,12 +56,9 @@ struct SinEP : SineKernelEP<0> {
     static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(16777216.0)); }
     static D lanes(D x) {
         const D a = simd::magnitude(x);
-        const D shifted = a * splat(0.31830988618379069) + splat(shifter);
-        const D k = shifted - splat(shifter);
-        const D sign = simd::bit_xor(simd::sign_of(x), odd_sign(shifted));
-        const D r = ((a - k * splat(3.1415925025939941)) - k * splat(1.5099578831723193e-07)) -
-                    k * splat(1.0780605716316238e-14);
-        return simd::bit_xor(sine_26(r), sign);
+        const Nearest<pi_ep> nearest(a);
+        const D sign = simd::bit_xor(simd::sign_of(x), odd_sign(nearest.shifted));
+        return simd::bit_xor(sine_26(less_steps<pi_ep>(a, nearest.k)), sign);
     }
 };
 

@@ -48,11 +48,8 @@ struct SinCosEP : SinCos {
     static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(8388608.0)); }
     static void lanes(D x, D& y, D& z) {
         const D a = simd::magnitude(x);
-        const D shifted = a * splat(0.63661977236758138) + splat(shifter);
-        const D k = shifted - splat(shifter);
-        const D r = ((a - k * splat(1.5707962512969971)) - k * splat(7.5497894158615964e-08)) -
-                    k * splat(5.390302858158119e-15);
-        quarter_turns_26(r, shifted, y, z);
+        const Nearest<half_pi_ep> nearest(a);
+        quarter_turns_26(less_steps<half_pi_ep>(a, nearest.k), nearest.shifted, y, z);
         y = simd::bit_xor(y, simd::sign_of(x));
     }
 };

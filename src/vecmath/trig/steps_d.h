@@ -23,6 +23,36 @@ struct Pair {
     D high, low;
 };
 
+// ---- The nearest multiple of a step, the step in three parts --------------------------------------------------------
+
+inline constexpr double shifter = 6755399441055744.0;  // 1.5 * 2^52: adding it leaves an integer in the low bits
+
+// The first two parts have so few bits that their products with every multiple of the main paths are exact.
+struct StepParts {
+    double inverse;  // of the step
+    double high, middle, low;
+};
+
+template <const StepParts& P>
+struct Nearest {
+    D shifted;  // the multiple in the low bits
+    D k;        // the multiple
+    explicit Nearest(D a) : shifted(a * splat(P.inverse) + splat(shifter)), k(shifted - splat(shifter)) {}
+};
+
+// a less k steps; and the same with what rounding took from it.
+template <const StepParts& P>
+inline D less_steps(D a, D k) {
+    return ((a - k * splat(P.high)) - k * splat(P.middle)) - k * splat(P.low);
+}
+template <const StepParts& P>
+inline Pair less_steps_exactly(D a, D k) {
+    const D r0 = a - k * splat(P.high);
+    const D t = k * splat(P.middle);
+    const D r = r0 - t;
+    return {r, ((r0 - r) - t) - k * splat(P.low)};
+}
+
 // A row of four doubles for each of two lanes, by columns.
 struct Columns {
     D c[4];
@@ -49,7 +79,7 @@ struct Indices {
 struct Step128 {
     D r, low, z, sine, cosine;  // sin r / r - 1 and cos r - 1 over the reduced argument
 
-    Step128(D r_, D low_) : r(r_), low(low_), z(r_ * r_) {
+    explicit Step128(const Pair& angle) : r(angle.high), low(angle.low), z(r * r) {
         sine = z * (splat(-1.0 / 6) + z * (splat(1.0 / 120) + z * splat(-1.0 / 5040)));
         cosine = z * (splat(-0.5) + z * (splat(1.0 / 24) + z * splat(-1.0 / 720)));
     }

@@ -28,6 +28,10 @@ struct Tan : frame::OneInput<double, 4, frame::Tail::masked> {
     static int32_t scalar(const double* x, double* y) { return not_finite(x, y); }
 };
 
+constexpr StepParts half_pi{0.63661977236758138, 1.5707963267923333, 2.5633441515839558e-12, 1.0562999066987428e-23};
+constexpr StepParts pi_over_256{81.487330863050417, 0.012271846302610356, 4.7477347705499734e-13,
+                                1.5798955068718364e-23};
+
 // N and D without their leading 1, over z.
 inline D numerator_rest(D z) {
     return (splat(-0.12828347003747023) + z * splat(0.0028059181997214249)) + (z * z) * splat(-7.4836345641659391e-06);
@@ -41,13 +45,9 @@ struct TanLA : Tan {
     static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(128000.0)); }
     static D lanes(D x) {
         const D a = simd::magnitude(x);
-        const D shifted = a * splat(0.63661977236758138) + splat(shifter);
-        const D k = shifted - splat(shifter);
-        const D odd = odd_sign(shifted);
-        const D r0 = a - k * splat(1.5707963267923333);
-        const D t = k * splat(2.5633441515839558e-12);
-        const D r = r0 - t;
-        const D low = ((r0 - r) - t) - k * splat(1.0562999066987428e-23);
+        const Nearest<half_pi> nearest(a);
+        const D odd = odd_sign(nearest.shifted);
+        const auto [r, low] = less_steps_exactly<half_pi>(a, nearest.k);
         const D z = r * r;
         const D n = (r * z) * numerator_rest(z);
         // The low part counts D(r) / cos^2 r, which two digits of are enough.
@@ -70,11 +70,9 @@ struct TanEP : Tan {
     static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(128000.0)); }
     static D lanes(D x) {
         const D a = simd::magnitude(x);
-        const D shifted = a * splat(0.63661977236758138) + splat(shifter);
-        const D k = shifted - splat(shifter);
-        const D odd = odd_sign(shifted);
-        const D r = ((a - k * splat(1.5707962512969971)) - k * splat(7.5497894158615964e-08)) -
-                    k * splat(5.390302858158119e-15);
+        const Nearest<half_pi_ep> nearest(a);
+        const D odd = odd_sign(nearest.shifted);
+        const D r = less_steps<half_pi_ep>(a, nearest.k);
         const D z = r * r;
         D num = r + (r * z) * numerator_rest(z), den = splat(1.0) + z * denominator_rest(z, denominator_1);
         exchange(odd, num, den);
@@ -86,13 +84,9 @@ struct TanHA : Tan {
     static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(65536.00349206588)); }
     static D lanes(D x) {
         const D a = simd::magnitude(x);
-        const D shifted = a * splat(81.487330863050417) + splat(shifter);
-        const D k = shifted - splat(shifter);
-        const D r0 = a - k * splat(0.012271846302610356);
-        const D t = k * splat(4.7477347705499734e-13);
-        const D r = r0 - t;
-        const D low = ((r0 - r) - t) - k * splat(1.5798955068718364e-23);
-        return simd::bit_xor(Tangent512(Reduced{r, low, simd::bits_of(shifted)}).value(), simd::sign_of(x));
+        const Nearest<pi_over_256> nearest(a);
+        const auto [r, low] = less_steps_exactly<pi_over_256>(a, nearest.k);
+        return simd::bit_xor(Tangent512(Reduced{r, low, simd::bits_of(nearest.shifted)}).value(), simd::sign_of(x));
     }
 };
 
