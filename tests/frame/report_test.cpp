@@ -188,6 +188,24 @@ TEST(Actions, FollowTheStatus) {
         });
 }
 
+// A report leaves its flag set whatever it finds, also where another has been before it.
+TEST(Actions, FlagsGatherFromReportToReport) {
+    on_new_thread([] {
+        const double a[1] = {3};
+        double y[1] = {4};
+        const auto flags_after = [&](int32_t status) {
+            frame::ReportErrorD(status, 0, a, a, y, y, "vdProbe");
+            return x87_flags();
+        };
+        __asm__ volatile("fnclex");
+        EXPECT_EQ(flags_after(2), 0x04);
+        EXPECT_EQ(flags_after(2), 0x04);
+        EXPECT_EQ(flags_after(3), 0x0C);
+        __asm__ volatile("fnclex");
+        EXPECT_EQ(flags_after(3), 0x08);
+    });
+}
+
 std::string messages_of(const ArqErrorContext& context) {
     testing::internal::CaptureStderr();
     on_new_thread([&] {
