@@ -2,7 +2,8 @@
 //
 // x = 2^k m with m in [2/3, 4/3), taken from the bits: those of x less those of 2/3 have k above the fraction, and taken
 // from the bits of x that leaves m. Then r = m - 1 is exact, |r| <= 1/3, and next to 1 k is zero on both
-// sides, so that nothing cancels. The logarithm of base b is k log_b 2 + log_b(1 + r).
+// sides, so that nothing cancels. The logarithm of base b is k log_b 2 + log_b(1 + r); kernels get k as k 2^23 and hold
+// log_b 2 as log_b 2 2^-23.
 //
 // The vector path serves positive normal arguments. Subnormals are scaled by 2^23, which k then makes up for.
 #pragma once
