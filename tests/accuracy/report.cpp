@@ -65,6 +65,11 @@ int main(int argc, char** argv) {
     const long long count = argc > rest ? std::atoll(argv[rest]) : 1'000'000;
     const char* only = argc > rest + 1 ? argv[rest + 1] : nullptr;
 
+    if (count <= 0) {
+        std::fputs("accuracy_report: usage: accuracy_report [--sweep] [RANDOM_COUNT [FUNCTION]]\n", stderr);
+        return 2;
+    }
+
     std::vector<Line> lines;
     for (const Kernel& kernel : kernels())
         if (!only || !std::strcmp(only, kernel.function)) lines.push_back({kernel, {}});
