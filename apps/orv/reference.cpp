@@ -35,8 +35,8 @@ long double tand(long double x) { return sind(x) / cosd(x); }
 #ifdef _WIN32
 // The runtime's own are not good to a small part of an ulp of a double.
 
-// pi/2 in parts of 32 bits, whose products with k are exact.
-constexpr double radians = 0x1p+31;
+// pi/2 in parts of 32 bits, whose products with k are exact below the limit.
+constexpr double radian_limit = 0x1p+31;
 Quarter of_radians(long double x) {
     const long double k = rintl(x * 0.636619772367581343076L);
     const long double r =
@@ -64,7 +64,7 @@ long double ten_to_the(long double x) {
     return whole < 0 ? part / power : part * power;
 }
 #else
-constexpr double radians = __builtin_huge_val();
+constexpr double radian_limit = __builtin_huge_val();
 long double sine(long double x) { return sinl(x); }
 long double cosine(long double x) { return cosl(x); }
 long double tangent(long double x) { return tanl(x); }
@@ -82,9 +82,9 @@ constexpr Reference references[] = {
     {"Log2", log2l, 0.25, 4},
     {"Log1p", log1pl, -0.75, 3},
     {"Logb", logbl, 0.25, 100},
-    {"Sin", sine, -10, 10, radians},
-    {"Cos", cosine, -10, 10, radians},
-    {"Tan", tangent, -10, 10, radians},
+    {"Sin", sine, -10, 10, radian_limit},
+    {"Cos", cosine, -10, 10, radian_limit},
+    {"Tan", tangent, -10, 10, radian_limit},
     {"Sinpi", sinpi, -3, 3},
     {"Cospi", cospi, -3, 3},
     {"Tanpi", tanpi, -3, 3},

@@ -114,7 +114,7 @@ uint32_t trapped_exceptions(uint32_t mode) {
 // next x87 instruction that waits, which is the load that leaves the flag set and everything masked.
 //
 // Without a trap that leaves an environment with the flag set and everything masked, as the report before has mostly left
-// it already. Looking takes a twentieth of the time of the loads.
+// it already: then there is nothing to load.
 void raise_exception(int32_t status) {
     const uint32_t flag = row_of(status).x87_flag;
     const uint32_t trapped = trapped_exceptions(current_mode());

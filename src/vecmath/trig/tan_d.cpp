@@ -36,7 +36,7 @@ constexpr StepParts pi_over_256{81.487330863050417, 0.012271846302610356, 4.7477
 inline D numerator_rest(D z) {
     return (splat(-0.12828347003747023) + z * splat(0.0028059181997214249)) + (z * z) * splat(-7.4836345641659391e-06);
 }
-inline constexpr double denominator_1 = -0.46161680337080113;
+constexpr double denominator_1 = -0.46161680337080113;
 inline D denominator_rest(D z, double constant_term) {
     return (splat(constant_term) + z * splat(0.023344852656587221)) + (z * z) * splat(-0.00020844803827304198);
 }
