@@ -155,8 +155,7 @@ TEST_F(Images, DamageIsRefusedInBothMedia) {
         {"beyond the small rows", without_state(281), StreamStatusBadFile, StreamStatusBadImage},
         {"negative id", with(20, {0, 0, 0, 0xFF}), StreamStatusBadFile, StreamStatusBadImage},
         {"negative id, no state", without_state(-1), StreamStatusBadFile, StreamStatusBadImage},
-        {"state size of another generator", with(20, {0, 0, 0xD0, 0}), StreamStatusBadFile,
-         StreamStatusBadImage},
+        {"state size of another generator", with(20, {0, 0, 0xD0, 0}), StreamStatusBadFile, StreamStatusBadImage},
         {"negative chunk size", with(16, {1}) + std::string(20, '\0') + std::string(4, '\xFF'), StreamStatusReadFailed,
          StreamStatusReadFailed},
     };
