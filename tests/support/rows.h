@@ -45,8 +45,8 @@ inline constexpr const char* accuracy_names[3] = {"LA", "HA", "EP"};
 #define ORV_ENTRY(name) reinterpret_cast<orv::test::Entry>(name)
 #define ORV_FORM(type, row)                                                                     \
     {                                                                                           \
-        {ORV_ENTRY(ORV_PASTE(_arq##row, ORV_LA_SUFFIX_##type)), ORV_ENTRY(_arq##row),                  \
-         ORV_ENTRY(ORV_PASTE(_arq##row, ORV_EP_SUFFIX_##type))},                                       \
+        {ORV_ENTRY(ORV_PASTE(_arq##row, ORV_LA_SUFFIX_##type)), ORV_ENTRY(_arq##row),           \
+         ORV_ENTRY(ORV_PASTE(_arq##row, ORV_EP_SUFFIX_##type))},                                \
             ORV_ENTRY(_arq##row##_HA), orv_arq_kernel_##row##_ttab, orv_arq_kernel_##row##_ctab \
     }
 
