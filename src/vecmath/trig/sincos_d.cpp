@@ -19,8 +19,8 @@ using namespace orv::trig;
 struct SinCos : frame::Elementwise<double, 4, frame::Tail::masked, frame::Rejected::settled> {
     static void settle(D x, D& y, D& z, D& doubt) {
         const Step512<> step(reduce_large(x));
-        y = simd::select(doubt, step.sin(0), y);
-        z = simd::select(doubt, step.sin(1), z);
+        y = simd::select_by_sign(doubt, step.sin(0), y);
+        z = simd::select_by_sign(doubt, step.sin(1), z);
         doubt = simd::not_finite(x);
     }
     static int32_t scalar(const double* x, double* y, double* z) {
@@ -31,7 +31,7 @@ struct SinCos : frame::Elementwise<double, 4, frame::Tail::masked, frame::Reject
 };
 
 struct SinCosHA : SinCos {
-    static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(limit_128)); }
+    static D doubt(D x) { return simd::exceeds(simd::magnitude(x), splat(last_128)); }
     static void lanes(D x, D& y, D& z) {
         const D a = simd::magnitude(x);
         const Main128 main(a);
@@ -41,7 +41,7 @@ struct SinCosHA : SinCos {
 };
 
 struct SinCosEP : SinCos {
-    static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(8388608.0)); }
+    static D doubt(D x) { return simd::exceeds(simd::magnitude(x), splat(0x1.fffffffffffffp+22)); }
     static void lanes(D x, D& y, D& z) {
         const D a = simd::magnitude(x);
         const Nearest<half_pi_ep> nearest(a);
