@@ -16,7 +16,7 @@ extern "C" {
 /* ---- Basic generators ------------------------------------------------------------------------------------------- */
 
 /* The four entries of a generator. */
-#define ORV_BRNG_ENTRIES(name)                                                                        \
+#define ORV_BRNG_ENTRIES(name)                                                                          \
     int32_t __kuzBRng##name##InitStream(int32_t method, Stream* stream, int32_t n, const void* params); \
     int32_t __kuzsBRng##name(Stream* stream, int32_t n, float* r, float a, float b);                    \
     int32_t __kuzdBRng##name(Stream* stream, int32_t n, double* r, double a, double b);                 \
