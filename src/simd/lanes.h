@@ -277,6 +277,10 @@ inline void store_doubles(float* p, __m128d v) {
 inline void store_one_double(double* p, __m128d v) { store_one(p, v); }
 inline void store_one_double(float* p, __m128d v) { store_one(p, _mm_cvtpd_ps(v)); }
 
+// The same by the sign bits of the mask alone.
+inline __m128 select_by_sign(__m128 mask, __m128 a, __m128 b) { return _mm_blendv_ps(b, a, mask); }
+inline __m128d select_by_sign(__m128d mask, __m128d a, __m128d b) { return _mm_blendv_pd(b, a, mask); }
+
 // ---- Rounding, comparison, masks -----------------------------------------------------------------------------------
 
 template <int Control>
@@ -309,6 +313,11 @@ inline __m128 not_less(__m128 a, __m128 b) { return _mm_cmpnlt_ps(a, b); }
 inline __m128d not_less(__m128d a, __m128d b) { return _mm_cmpnlt_pd(a, b); }
 inline __m128 not_less_equal(__m128 a, __m128 b) { return _mm_cmpnle_ps(a, b); }
 inline __m128d not_less_equal(__m128d a, __m128d b) { return _mm_cmpnle_pd(a, b); }
+
+// A mask, by its sign bits, of the lanes of a that exceed `last`, NaNs among them; both without signs. By the bits: a
+// comparison of numbers would raise invalid for a NaN.
+inline __m128 exceeds(__m128 a, __m128 last) { return floats(_mm_sub_epi32(bits_of(last), bits_of(a))); }
+inline __m128d exceeds(__m128d a, __m128d last) { return doubles(_mm_sub_epi64(bits_of(last), bits_of(a))); }
 
 // All ones in the lanes of infinities and NaNs, zero elsewhere.
 inline __m128 not_finite(__m128 x) {
