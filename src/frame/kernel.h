@@ -41,9 +41,9 @@
 // that the kernel serves.
 #pragma once
 
+#include "frame/complex_lanes.h"
 #include "frame/fp_frame.h"
 #include "frame/kernel_tables.h"
-#include "simd/complex_lanes.h"
 
 #include <type_traits>
 
