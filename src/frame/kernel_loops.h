@@ -103,12 +103,22 @@ constexpr bool rejects_whole_blocks() {
         return false;
 }
 
+// The lanes in doubt filled, so that the vector path raises nothing for them.
+template <class V>
+inline V without_doubted(V x, V doubt) {
+    return simd::select_by_sign(doubt, V{} + harmless, x);
+}
+
+template <class V>
+inline constexpr unsigned every_lane = (1u << sizeof(V) / sizeof(V{}[0])) - 1;
+
 // One register's results with their mask, whichever form the kernel has.
 template <class Kernel, class V>
 inline auto doubtful_lanes(V x, V& doubt, [[maybe_unused]] const typename Kernel::Frame& frame) {
     if constexpr (Tested<Kernel>) {
         doubt = Kernel::doubt(x);
-        auto r = Kernel::lanes(x);
+        V r = x;
+        if (simd::lane_bits(doubt) != every_lane<V>) r = Kernel::lanes(without_doubted(x, doubt));
         if constexpr (requires { Kernel::settle_silent(x, r, doubt); })
             if (frame.silent()) r = Kernel::settle_silent(x, r, doubt);
         return r;

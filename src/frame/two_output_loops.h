@@ -27,7 +27,7 @@ template <class Kernel, class In, class Out>
     for (int32_t k = 0; k < count; k += width) {
         V v1, v2;
         V doubt = Kernel::doubt(simd::load(x + k));
-        Kernel::lanes(simd::load(x + k), v1, v2);
+        Kernel::lanes(without_doubted(simd::load(x + k), doubt), v1, v2);
         if constexpr (requires { Kernel::settle(v1, v1, v2, doubt); })
             if (simd::lane_bits(doubt) != 0) Kernel::settle(simd::load(x + k), v1, v2, doubt);
         simd::store(r1 + k, v1);

@@ -70,7 +70,7 @@ struct ExpBase : frame::OneInput<double, 4, frame::Tail::masked> {
 
     static int32_t scalar(const double* at, double* y) {
         const double x = *at;
-        if (!(x - x == 0)) {
+        if (!is_finite(x)) {
             *y = x == -std::numeric_limits<double>::infinity() ? 0.0 : x * x;
             return frame::status_ok;
         }

@@ -69,7 +69,7 @@ struct ExpBaseS : frame::OneInput<float, 8, frame::Tail::masked> {
 
     static int32_t scalar(const float* at, float* y) {
         const float x = *at;
-        if (!(x - x == 0)) {
+        if (!is_finite(x)) {
             *y = x == -std::numeric_limits<float>::infinity() ? 0.0f : x * x;
             return frame::status_ok;
         }

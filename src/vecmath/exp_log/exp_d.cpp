@@ -197,7 +197,8 @@ struct ExpHa : frame::OneInput<double, 4, frame::Tail::masked> {
 
     // Where no report can be made: the arguments beyond all finite results, on both sides.
     static __m128d settle_silent(__m128d x, __m128d y, __m128d& doubt) {
-        const __m128d above = _mm_cmpgt_pd(x, K.overflow), below = _mm_cmplt_pd(x, K.underflow);
+        const __m128d number = simd::bit_and(_mm_cmpord_pd(x, x), x);  // comparing a NaN would raise invalid
+        const __m128d above = _mm_cmpgt_pd(number, K.overflow), below = _mm_cmplt_pd(number, K.underflow);
         const __m128d infinity = simd::splat(std::numeric_limits<double>::infinity());
         doubt = simd::bit_and_not(simd::bit_or(above, below), doubt);
         return simd::bit_and_not(below, _mm_blendv_pd(y, infinity, above));

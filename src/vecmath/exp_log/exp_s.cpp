@@ -37,7 +37,7 @@ struct MagnitudeTest {
 // The arguments that have one answer each. True where x is one of them, with the answer in y and the status.
 inline bool settled(float x, float* y, int32_t* status) {
     *status = frame::status_ok;
-    if (!(x - x == 0)) {
+    if (!vecmath::is_finite(x)) {
         *y = x == -std::numeric_limits<float>::infinity() ? 0.0f : x * x;
     } else if (x > last_finite) {
         *y = vecmath::overflow<float>();

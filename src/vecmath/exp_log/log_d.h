@@ -34,6 +34,10 @@ inline double subnormal_by_2_52(double x) {
 template <class Kernel>
 int32_t scalar_log_d(const double* at, double* y, double log_of_2_52) {
     const double x = *at;
+    if (is_nan(x)) {
+        *y = quiet(x);
+        return frame::status_ok;
+    }
     if (x < 0) {
         *y = invalid<double>();
         return frame::status_domain;
@@ -42,8 +46,8 @@ int32_t scalar_log_d(const double* at, double* y, double log_of_2_52) {
         *y = minus_infinity_at_pole<double>();
         return frame::status_singularity;
     }
-    if (!(x < std::numeric_limits<double>::infinity())) {
-        *y = quiet(x);
+    if (!is_finite(x)) {
+        *y = x;
         return frame::status_ok;
     }
     const bool subnormal = x < std::numeric_limits<double>::min();

@@ -18,7 +18,7 @@ namespace orv::trig {
 
 template <bool Cosine>
 struct HalfTurnKernel : frame::OneInput<float, 8, frame::Tail::masked> {
-    static S doubt(S x) { return simd::not_less(simd::magnitude(x), splat(8192.0f)); }
+    static S doubt(S x) { return simd::exceeds(simd::magnitude(x), splat(0x1.fffffep+12f)); }
 
     // k or k - 1/2, and its parity as a sign.
     static S multiple(S a, S& sign) {
@@ -41,7 +41,7 @@ struct HalfTurnKernel : frame::OneInput<float, 8, frame::Tail::masked> {
         const auto sine = [=](S half) { return sine_of_fraction(_mm_add_epi64(fraction_of_turn(half), quarter)); };
         S result = join(sine(a), sine(_mm_movehl_ps(a, a)));
         if constexpr (!Cosine) result = simd::bit_xor(result, simd::sign_of(x));
-        result = simd::select(doubt, result, y);
+        result = simd::select_by_sign(doubt, result, y);
         doubt = simd::not_finite(x);
         return result;
     }

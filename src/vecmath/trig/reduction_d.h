@@ -9,7 +9,7 @@ namespace orv::trig {
 // ---- Below 90112: a multiple of pi/64 in three parts, for the table of 128 rows ---------------------------------------
 
 // The first two parts have 31 and 32 bits, the multiple fewer than 22.
-inline constexpr double limit_128 = 90112.0;
+inline constexpr double last_128 = 0x1.5ffffffffffffp+16;  // the last below 90112
 inline constexpr StepParts pi_over_64{20.371832715762604, 0.049087385210441425, 1.8990939082199894e-12,
                                       6.3195820274873457e-23};
 
@@ -58,17 +58,21 @@ inline Fraction fraction_of_turn(__m128i significand, const uint64_t* row0, cons
             _mm_or_si128(simd::shift_left<32>(column3), lower(column2))};
 }
 
-inline Reduced reduce_large(D x) {
+// The fraction of a turn that |x| comes to.
+inline Fraction fraction_of_turn(D x) {
     const __m128i bits = simd::bits_of(x);
-    const __m128i sign = simd::bits_of(simd::sign_of(x));
     // The last row serves infinities and NaNs too; what comes of them is not used.
     const __m128i exponent =
         _mm_min_epi16(_mm_and_si128(simd::shift_right<52>(bits), simd::splat_bits(0x7FF)), simd::splat_bits(2046));
     const Indices rows(exponent);
     const __m128i significand =
         _mm_or_si128(_mm_and_si128(bits, simd::splat_bits(0x000FFFFFFFFFFFFF)), simd::splat_bits(0x0010000000000000));
-    const Fraction f =
-        fraction_of_turn(significand, inv_two_pi_192[rows.lane0 & 2047], inv_two_pi_192[rows.lane1 & 2047]);
+    return fraction_of_turn(significand, inv_two_pi_192[rows.lane0 & 2047], inv_two_pi_192[rows.lane1 & 2047]);
+}
+
+inline Reduced reduce_large(D x) {
+    const Fraction f = fraction_of_turn(x);
+    const __m128i sign = simd::bits_of(simd::sign_of(x));
 
     // The fraction in three pieces of 52 bits, each as a number 1 + m less its 1, with the sign of x.
     const auto piece = [=](__m128i digits, double unit) {
@@ -102,9 +106,35 @@ inline Reduced reduce_large(D x) {
     const D r_low = (product - r) + rest;
 
     // Arguments this small are their own reduction, and keep all their digits that way.
-    const D is_large = simd::less(splat(9.5367431640625e-07), simd::magnitude(x));
+    const __m128i high_words = _mm_shuffle_epi32(simd::bits_of(simd::magnitude(x)), _MM_SHUFFLE(3, 3, 1, 1));
+    const D is_large = simd::doubles(_mm_cmpgt_epi32(high_words, _mm_set1_epi32(0x3EB00000)));  // 2^-20
     return {simd::select(is_large, r, x), simd::bit_and(is_large, r_low),
             _mm_and_si128(simd::bits_of(shifted), simd::bits_of(is_large))};
+}
+
+// ---- The same for the kernels of least accuracy: radians from the nearest half or quarter turn ------------------------
+
+// 64-bit integers with sign to doubles: halves as digits of 2^84 and 2^52, whose offsets are taken away.
+inline D signed_to_doubles(__m128i x) {
+    const __m128i low = _mm_blend_epi16(x, simd::bits_of(splat(0x1p52)), 0xCC);
+    const __m128i high = _mm_xor_si128(simd::shift_right<32>(x), simd::bits_of(splat(0x1p84 + 0x1p63)));
+    return (simd::doubles(high) - splat(0x1p84 + 0x1p63 + 0x1p52)) + simd::doubles(low);
+}
+
+// The angle from the nearest of 2^Bits directions, whose number stands in the low bits of k: in radians, to 2^-52 of itself
+// however small it is, since what the nearest direction leaves of the high word is exact when it is small.
+struct Direction {
+    D r;
+    __m128i k;
+};
+template <int Bits>
+inline Direction nearest_direction(Fraction f) {
+    constexpr uint64_t half_step = uint64_t{1} << (63 - Bits);
+    const __m128i k = simd::shift_right<64 - Bits>(_mm_add_epi64(f.high, simd::splat_bits(half_step)));
+    const D high = signed_to_doubles(_mm_sub_epi64(f.high, simd::shift_left<64 - Bits>(k)));
+    // 52 bits of the next word are enough.
+    const D next = simd::doubles(_mm_or_si128(simd::shift_right<12>(f.next), simd::bits_of(splat(1.0)))) - splat(1.0);
+    return {(high + next) * splat(6.2831853071795862 * 0x1p-64), k};
 }
 
 }  // namespace orv::trig

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "vecmath/trig/half_turns_d.h"
+#include "vecmath/trig/reduction_d.h"
 
 namespace orv::trig {
 
@@ -21,21 +22,14 @@ inline __m128i fraction_of_turn(S a) {
     const __m128i bits = _mm_cvtepu32_epi64(simd::bits_of(a));
     const Indices e(simd::shift_right<23>(bits));
     const __m128i m = _mm_or_si128(_mm_and_si128(bits, simd::splat_bits(0x7FFFFF)), simd::splat_bits(0x800000));
-    const uint32_t* const row0 = inv_two_pi_96[e.lane0 & 255];
-    const uint32_t* const row1 = inv_two_pi_96[e.lane1 & 255];
-    const auto product = [=](int k) {
-        return _mm_mul_epu32(m, _mm_unpacklo_epi64(_mm_cvtsi32_si128(static_cast<int32_t>(row0[k])),
-                                                   _mm_cvtsi32_si128(static_cast<int32_t>(row1[k]))));
+    const auto row = [](unsigned i) {
+        return _mm_loadu_si128(reinterpret_cast<const __m128i*>(inv_two_pi_96[i & 255]));
     };
-    return _mm_add_epi64(_mm_add_epi64(simd::shift_left<32>(product(0)), product(1)),
-                         simd::shift_right<32>(product(2)));
-}
-
-// 64-bit integers with sign to doubles: halves as digits of 2^84 and 2^52, whose offsets are taken away.
-inline D signed_to_doubles(__m128i x) {
-    const __m128i low = _mm_blend_epi16(x, simd::bits_of(splat(0x1p52)), 0xCC);
-    const __m128i high = _mm_xor_si128(simd::shift_right<32>(x), simd::bits_of(splat(0x1p84 + 0x1p63)));
-    return (simd::doubles(high) - splat(0x1p84 + 0x1p63 + 0x1p52)) + simd::doubles(low);
+    const __m128i row0 = row(e.lane0), row1 = row(e.lane1);
+    const __m128i leading = _mm_unpacklo_epi64(row0, row1), third = _mm_unpackhi_epi64(row0, row1);
+    return _mm_add_epi64(_mm_add_epi64(simd::shift_left<32>(_mm_mul_epu32(m, leading)),
+                                       _mm_mul_epu32(m, simd::shift_right<32>(leading))),
+                         simd::shift_right<32>(_mm_mul_epu32(m, third)));
 }
 
 // The sine of a fraction of a turn of 64 bits.

@@ -3,10 +3,10 @@
 // "LA": |x| = k pi + r with k to nearest, four parts of pi, |r| up to pi/2; sin x = +-(r + r^3 Q(r^2)), the errors of the
 // subtractions put in with the polynomial. From 2^24 on by the bits of 1/(2 pi) and the table of 512 rows.
 // "HA": |x| = k pi/64 + r with three parts, the table of 128 rows; from 90112 on as "LA".
-// "EP": as "LA" with three parts and a shorter polynomial; from 2^24 on one element at a time.
+// "EP": as "LA" with three parts and a shorter polynomial; from 2^24 on the bits of 1/(2 pi) give the nearest half turn.
 //
 // Valid for every finite x. Worst errors measured: "LA" 3.2 ulp, of which the polynomial has 1.5, "HA" 0.540 ulp, "EP"
-// 2^-27.1 relative; from the limits on 0.502 ulp ("EP" 2^-49).
+// 2^-27.1 relative; from the limits on 0.502 ulp ("EP" 2^-27.1).
 #include "vecmath/trig/sine_kernels_d.h"
 
 namespace {
@@ -16,7 +16,7 @@ using namespace orv::trig;
 
 struct SinLA : SineKernel<0, 8> {
     static constexpr char name[] = "vdSin";
-    static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(16777216.0)); }
+    static D doubt(D x) { return simd::exceeds(simd::magnitude(x), splat(0x1.fffffffffffffp+23)); }
     static D lanes(D x) {
         const D a = simd::magnitude(x);
         const D shifted = a * splat(0.31830988618379069) + splat(shifter);
@@ -43,7 +43,7 @@ struct SinLA : SineKernel<0, 8> {
 
 struct SinHA : SineKernel<0, 4> {
     static constexpr char name[] = "vdSin";
-    static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(limit_128)); }
+    static D doubt(D x) { return simd::exceeds(simd::magnitude(x), splat(last_128)); }
     static D lanes(D x) {
         const D a = simd::magnitude(x);
         const Main128 main(a);
@@ -53,7 +53,7 @@ struct SinHA : SineKernel<0, 4> {
 
 struct SinEP : SineKernelEP<0> {
     static constexpr char name[] = "vdSin";
-    static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(16777216.0)); }
+    static D doubt(D x) { return simd::exceeds(simd::magnitude(x), splat(0x1.fffffffffffffp+23)); }
     static D lanes(D x) {
         const D a = simd::magnitude(x);
         const Nearest<pi_ep> nearest(a);

@@ -23,8 +23,8 @@ struct SinCos {
     static constexpr char name[] = "vdSinCos";
     static void settle(D x, D& y, D& z, D& doubt) {
         const Step512<> step(reduce_large(x));
-        y = simd::select(doubt, step.sin(0), y);
-        z = simd::select(doubt, step.sin(1), z);
+        y = simd::select_by_sign(doubt, step.sin(0), y);
+        z = simd::select_by_sign(doubt, step.sin(1), z);
         doubt = simd::not_finite(x);
     }
     static int32_t scalar(const double* x, double* y, double* z) {
@@ -35,7 +35,7 @@ struct SinCos {
 };
 
 struct SinCosHA : SinCos {
-    static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(limit_128)); }
+    static D doubt(D x) { return simd::exceeds(simd::magnitude(x), splat(last_128)); }
     static void lanes(D x, D& y, D& z) {
         const D a = simd::magnitude(x);
         const Main128 main(a);
@@ -45,7 +45,7 @@ struct SinCosHA : SinCos {
 };
 
 struct SinCosEP : SinCos {
-    static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(8388608.0)); }
+    static D doubt(D x) { return simd::exceeds(simd::magnitude(x), splat(0x1.fffffffffffffp+22)); }
     static void lanes(D x, D& y, D& z) {
         const D a = simd::magnitude(x);
         const Nearest<half_pi_ep> nearest(a);

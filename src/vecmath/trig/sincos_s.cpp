@@ -26,8 +26,8 @@ struct SinCos {
         D sine[2], cosine[2];
         sine_cosine_of_fraction(fraction_of_turn(a), sine[0], cosine[0]);
         sine_cosine_of_fraction(fraction_of_turn(_mm_movehl_ps(a, a)), sine[1], cosine[1]);
-        y = simd::select(doubt, simd::bit_xor(join(sine[0], sine[1]), simd::sign_of(x)), y);
-        z = simd::select(doubt, join(cosine[0], cosine[1]), z);
+        y = simd::select_by_sign(doubt, simd::bit_xor(join(sine[0], sine[1]), simd::sign_of(x)), y);
+        z = simd::select_by_sign(doubt, join(cosine[0], cosine[1]), z);
         doubt = simd::not_finite(x);
     }
     static int32_t scalar(const float* x, float* y, float* z) {
@@ -39,7 +39,7 @@ struct SinCos {
 
 struct SinCosLA : SinCos {
     static constexpr int block = 8;
-    static S doubt(S x) { return simd::not_less(simd::magnitude(x), splat(8192.0f)); }
+    static S doubt(S x) { return simd::exceeds(simd::magnitude(x), splat(0x1.fffffep+12f)); }
     static void lanes(S x, S& y, S& z) {
         const S a = simd::magnitude(x);
         const S shifted = a * splat(0.636619747f) + splat(shifter_s);
@@ -73,7 +73,7 @@ struct SinCosLA : SinCos {
 };
 
 struct SinCosHA : SinCos {
-    static S doubt(S x) { return simd::not_less(simd::magnitude(x), splat(8192.0f)); }
+    static S doubt(S x) { return simd::exceeds(simd::magnitude(x), splat(0x1.fffffep+12f)); }
     static void lanes(S x, S& y, S& z) {
         const S a = simd::magnitude(x);
         D sine[2], cosine[2];

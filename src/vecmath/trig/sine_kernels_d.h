@@ -5,7 +5,6 @@
 #include "vecmath/trig/half_turns_d.h"
 #include "vecmath/trig/not_finite.h"
 #include "vecmath/trig/reduction_d.h"
-#include "vecmath/trig/scalar_reduction_d.h"
 
 namespace orv::trig {
 
@@ -13,21 +12,27 @@ namespace orv::trig {
 template <unsigned Quarters, int Block>
 struct SineKernel : frame::OneInput<double, Block, frame::Tail::masked> {
     static D settle(D x, D y, D& doubt) {
-        const D result = simd::select(doubt, Step512<>(reduce_large(x)).sin(Quarters), y);
+        const D result = simd::select_by_sign(doubt, Step512<>(reduce_large(x)).sin(Quarters), y);
         doubt = simd::not_finite(x);
         return result;
     }
     static int32_t scalar(const double* x, double* y) { return not_finite(x, y); }
 };
 
-// Large arguments one at a time.
-template <int32_t Quarters>
+// Large arguments by the nearest half turn, which is enough for "EP".
+template <unsigned Quarters>
 struct SineKernelEP : frame::OneInput<double, 8, frame::Tail::masked> {
-    static int32_t scalar(const double* x, double* y) {
-        if (!(*x - *x == 0)) return not_finite(x, y);
-        *y = sine_of_one(*x, Quarters);
-        return frame::status_ok;
+    static D settle(D x, D y, D& doubt) {
+        Fraction turn = fraction_of_turn(x);
+        turn.high = _mm_add_epi64(turn.high, simd::splat_bits(uint64_t{Quarters} << 62));
+        const auto [r, k] = nearest_direction<1>(turn);
+        D sine = simd::bit_xor(sine_26(r), odd_sign(simd::doubles(k)));
+        if constexpr (Quarters == 0) sine = simd::bit_xor(sine, simd::sign_of(x));
+        const D result = simd::select_by_sign(doubt, sine, y);
+        doubt = simd::not_finite(x);
+        return result;
     }
+    static int32_t scalar(const double* x, double* y) { return not_finite(x, y); }
 };
 
 }  // namespace orv::trig

@@ -21,7 +21,7 @@ using namespace orv::trig;
 struct Tan : frame::OneInput<double, 4, frame::Tail::masked> {
     static constexpr char name[] = "vdTan";
     static D settle(D x, D y, D& doubt) {
-        const D result = simd::select(doubt, Tangent512(reduce_large(x)).value(), y);
+        const D result = simd::select_by_sign(doubt, Tangent512(reduce_large(x)).value(), y);
         doubt = simd::not_finite(x);
         return result;
     }
@@ -42,7 +42,7 @@ inline D denominator_rest(D z, double constant_term) {
 }
 
 struct TanLA : Tan {
-    static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(128000.0)); }
+    static D doubt(D x) { return simd::exceeds(simd::magnitude(x), splat(0x1.f3fffffffffffp+16)); }
     static D lanes(D x) {
         const D a = simd::magnitude(x);
         const Nearest<half_pi> nearest(a);
@@ -67,7 +67,7 @@ struct TanLA : Tan {
 };
 
 struct TanEP : Tan {
-    static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(128000.0)); }
+    static D doubt(D x) { return simd::exceeds(simd::magnitude(x), splat(0x1.f3fffffffffffp+16)); }
     static D lanes(D x) {
         const D a = simd::magnitude(x);
         const Nearest<half_pi_ep> nearest(a);
@@ -80,8 +80,11 @@ struct TanEP : Tan {
     }
 };
 
+// The last number below 65536.00349206588.
+constexpr double last_256 = 0x1.000000e4db24bp+16;
+
 struct TanHA : Tan {
-    static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(65536.00349206588)); }
+    static D doubt(D x) { return simd::exceeds(simd::magnitude(x), splat(last_256)); }
     static D lanes(D x) {
         const D a = simd::magnitude(x);
         const Nearest<pi_over_256> nearest(a);

@@ -24,7 +24,7 @@ constexpr Rational tan_33{1.0, -0.11130843140533457, 0.0010715018191102182,
 template <const Rational& R>
 struct Tan : frame::OneInput<float, 4, frame::Tail::masked> {
     static constexpr char name[] = "vsTan";
-    static S doubt(S x) { return simd::not_less(simd::magnitude(x), splat(8256.0f)); }
+    static S doubt(S x) { return simd::exceeds(simd::magnitude(x), splat(0x1.01fffep+13f)); }
 
     static S lanes(S x) {
         const S a = simd::magnitude(x);
@@ -55,7 +55,7 @@ struct Tan : frame::OneInput<float, 4, frame::Tail::masked> {
         const S result = simd::bit_xor(join(tangent_of(a), tangent_of(_mm_movehl_ps(a, a))), simd::sign_of(x));
         const S mask = doubt;
         doubt = simd::not_finite(x);
-        return simd::select(mask, result, y);
+        return simd::select_by_sign(mask, result, y);
     }
     static int32_t scalar(const float* x, float* y) { return not_finite(x, y); }
 };

@@ -81,12 +81,14 @@ inline Reduced reduce_unit(D a) {
     return {r.high, r.low, simd::bits_of(shifted)};
 }
 
-// The function of angles in [0, limit), or of folded ones. `pole` is set where the tangent has no value.
+// The function of angles in [0, limit), or of folded ones. `pole` is set where the tangent has no value; what is returned
+// there is a number, so that no division by zero is seen before the report.
 template <class Unit, Function F, Sums Kind>
 inline D by_table(D a, [[maybe_unused]] D& pole) {
     if constexpr (F == Function::tan) {
-        const Tangent512 tangent(reduce_unit<Unit>(a));
+        Tangent512 tangent(reduce_unit<Unit>(a));
         pole = simd::equal(tangent.denominator.high + tangent.denominator.low, splat(0.0));
+        tangent.denominator.high = tangent.denominator.high + simd::bit_and(pole, splat(1.0));
         return tangent.value();
     } else {
         return Step512<Kind>(reduce_unit<Unit>(a)).sin(F == Function::cos ? 1 : 0);
@@ -102,7 +104,7 @@ inline D by_half_turns(D a, [[maybe_unused]] D& pole) {
         quarter_turns_26((a - k * splat(Unit::half_turn / 2)) * splat(Unit::radians), shifted, sine, cosine);
         // No zero is negative here.
         pole = simd::equal(cosine, splat(0.0));
-        return (sine + splat(0.0)) / (cosine + splat(0.0));
+        return (sine + splat(0.0)) / (cosine + simd::bit_and(pole, splat(1.0)));
     } else {
         constexpr double offset = F == Function::cos ? 0.5 : 0.0;
         D turns = a * splat(Unit::inverse);
@@ -115,11 +117,18 @@ inline D by_half_turns(D a, [[maybe_unused]] D& pole) {
     }
 }
 
+// An equal angle below the limit.
+template <class Unit>
+inline D folded(D a) {
+    constexpr double last = std::bit_cast<double>(std::bit_cast<uint64_t>(Unit::limit) - 1);
+    return simd::select_by_sign(simd::exceeds(a, splat(last)), Unit::fold(a), a);
+}
+
 // The tangent's result where it has a pole: infinities, of which every other one along the axis is negative.
 template <class Unit, class T>
 inline int32_t at_pole(double x, T* y) {
     const D a = simd::magnitude(splat(x));
-    const D small = simd::select(simd::not_less(a, splat(Unit::limit)), Unit::fold(a), a);
+    const D small = folded<Unit>(a);
     const double quarters = _mm_cvtsd_f64(small) * (2 / Unit::half_turn);
     const bool negative = (static_cast<int64_t>(quarters) & 2) != 0;
     *y = negative != (x < 0) ? -std::numeric_limits<T>::infinity() : std::numeric_limits<T>::infinity();
@@ -139,9 +148,9 @@ struct UnitAngle : frame::OneInput<double, 4, frame::Tail::masked> {
     static D lanes(D x, D& doubt) {
         const D a = simd::magnitude(x);
         doubt = outside(a);
-        D pole = doubt;
-        const D y = of_magnitude(a, pole);
-        doubt = simd::bit_or(doubt, pole);
+        D pole = splat(0.0);
+        const D y = of_magnitude(frame::without_doubted(a, doubt), pole);
+        if constexpr (F == Function::tan) doubt = simd::bit_or(doubt, pole);
         return with_sign_of(x, y);
     }
     // Outside [least, limit): one comparison of the high words, those below the first wrapping round to the top.
@@ -155,21 +164,18 @@ struct UnitAngle : frame::OneInput<double, 4, frame::Tail::masked> {
     }
 
     static D settle(D x, D y, D& doubt) {
-        const D a = simd::magnitude(x);
-        const D large = simd::not_less(a, splat(Unit::limit));
-        D pole = large;
-        D result = of_magnitude(simd::select(large, Unit::fold(a), a), pole);
-        if constexpr (F != Function::cos) {
-            const Pair tiny = in_radians<Unit>(a * splat(0x1p200));
-            result = simd::select(simd::less(a, splat(least_in_main_path)), (tiny.high + tiny.low) * splat(0x1p-200),
-                                  result);
-        }
-        // In doubt by the high word alone: all bits are wanted.
-        const D mask =
-            simd::doubles(_mm_shuffle_epi32(_mm_srai_epi32(simd::bits_of(doubt), 31), _MM_SHUFFLE(3, 3, 1, 1)));
+        const D mask = doubt;
         doubt = simd::not_finite(x);
+        const D a = frame::without_doubted(simd::magnitude(x), doubt);
+        const D tiny = simd::less(a, splat(least_in_main_path));
+        D pole = splat(0.0);
+        D result = of_magnitude(folded<Unit>(simd::bit_and_not(tiny, a)), pole);
+        if constexpr (F != Function::cos) {
+            const Pair r = in_radians<Unit>(simd::bit_and(tiny, a) * splat(0x1p200));
+            result = simd::select(tiny, (r.high + r.low) * splat(0x1p-200), result);
+        }
         if constexpr (F == Function::tan) doubt = simd::bit_or(doubt, pole);
-        return simd::select(mask, with_sign_of(x, result), y);
+        return simd::select_by_sign(mask, with_sign_of(x, result), y);
     }
 
     // An infinity, a NaN, or a pole of the tangent.

@@ -20,16 +20,18 @@ template <class Unit, Function F, Method How>
 struct UnitAngleS : frame::OneInput<float, 8, frame::Tail::masked> {
     // Below it k half turns are exact in float, and the multiple of 1/2^22 that rounds them has room.
     static constexpr float limit = How == Method::in_float ? 0x1p17f : static_cast<float>(Unit::limit);
+    static constexpr float last = std::bit_cast<float>(std::bit_cast<uint32_t>(limit) - 1);
 
     static S lanes(S x, S& doubt) {
         const S a = simd::magnitude(x);
-        doubt = simd::not_less(a, splat(limit));
-        S y;
+        doubt = simd::exceeds(a, splat(last));
+        const S served = frame::without_doubted(a, doubt);
+        S pole = splat(0.0f), y;
         if constexpr (How == Method::in_float)
-            y = by_floats(a);
+            y = by_floats(served);
         else
-            y = by_doubles(a);
-        if constexpr (F == Function::tan) doubt = simd::bit_or(doubt, infinite(y));
+            y = by_doubles(low_half(served), high_half(served), pole);
+        if constexpr (F == Function::tan) doubt = simd::bit_or(doubt, pole);
         return with_sign_of(x, y);
     }
 
@@ -45,10 +47,16 @@ struct UnitAngleS : frame::OneInput<float, 8, frame::Tail::masked> {
         return simd::bit_xor(r * q, simd::floats(_mm_slli_epi32(simd::bits_of(shifted), 31))) + splat(0.0f);
     }
 
-    static S by_doubles(S a) { return join(of_doubles(low_half(a)), of_doubles(high_half(a))); }
+    static S by_doubles(D low, D high, S& pole) {
+        D low_pole = splat(0.0), high_pole = splat(0.0);
+        const S y = join(of_doubles(low, low_pole), of_doubles(high, high_pole));
+        pole = _mm_shuffle_ps(simd::floats(simd::bits_of(low_pole)), simd::floats(simd::bits_of(high_pole)),
+                              _MM_SHUFFLE(2, 0, 2, 0));
+        return y;
+    }
 
-    // Angles below the limit of doubles, or folded ones.
-    static D of_doubles(D a) {
+    // Angles below the limit of doubles, or folded ones. Poles as in the kernels of doubles.
+    static D of_doubles(D a, [[maybe_unused]] D& pole) {
         if constexpr (F == Function::tan) {
             const D shifted = a * splat(2 * Unit::inverse) + splat(shifter);
             const D k = shifted - splat(shifter);
@@ -58,7 +66,8 @@ struct UnitAngleS : frame::OneInput<float, 8, frame::Tail::masked> {
                 quarter_turns_33(r, shifted, sine, cosine);
             else
                 quarter_turns_26(r, shifted, sine, cosine);
-            return (sine + splat(0.0)) / (cosine + splat(0.0));
+            pole = simd::equal(cosine, splat(0.0));
+            return (sine + splat(0.0)) / (cosine + simd::bit_and(pole, splat(1.0)));
         } else {
             D turns = a * splat(Unit::inverse);
             if constexpr (F == Function::cos) turns += splat(0.5);
@@ -72,18 +81,15 @@ struct UnitAngleS : frame::OneInput<float, 8, frame::Tail::masked> {
     }
 
     static S with_sign_of(S x, S y) { return F == Function::cos ? y : simd::bit_xor(y, simd::sign_of(x)); }
-    static S infinite(S y) { return simd::equal(simd::magnitude(y), splat(std::numeric_limits<float>::infinity())); }
 
     static S settle(S x, S y, S& doubt) {
-        const S a = simd::magnitude(x);
-        const auto folded = [](D half) {
-            return simd::select(simd::not_less(half, splat(Unit::limit)), Unit::fold(half), half);
-        };
-        const S result = with_sign_of(x, join(of_doubles(folded(low_half(a))), of_doubles(folded(high_half(a)))));
         const S mask = doubt;
         doubt = simd::not_finite(x);
-        if constexpr (F == Function::tan) doubt = simd::bit_or(doubt, infinite(result));
-        return simd::select(mask, result, y);
+        const S a = frame::without_doubted(simd::magnitude(x), doubt);
+        S pole = splat(0.0f);
+        const S result = with_sign_of(x, by_doubles(folded<Unit>(low_half(a)), folded<Unit>(high_half(a)), pole));
+        if constexpr (F == Function::tan) doubt = simd::bit_or(doubt, pole);
+        return simd::select_by_sign(mask, result, y);
     }
 
     static int32_t scalar(const float* x, float* y) {
