@@ -15,10 +15,7 @@ namespace {
 using namespace orv;
 using namespace orv::vecmath;
 
-struct SinCos {
-    using Element = double;
-    using Frame = frame::GeneralFrame;
-    static constexpr int block = 4;
+struct SinCos : frame::Elementwise<double, 4, frame::Tail::masked, frame::Rejected::settled> {
     static void settle(D x, D& y, D& z, D& doubt) {
         const Step512<> step(reduce_large(x));
         y = simd::select_by_sign(doubt, step.sin(0), y);
