@@ -7,6 +7,7 @@ const std::vector<Function>& functions() {
         std::vector<Function> list;
         for (const auto family : {
                  basic_functions,
+                 roots_functions,
                  exp_log_functions,
                  trig_functions,
              })

@@ -50,7 +50,9 @@ constexpr Range ranges[] = {
     {" Exp Exp2 Exp10 Expm1 Sin Cos Tan SinCos Sinpi Cospi Tanpi ", -10, 10},
     {" Sind Cosd Tand ", -360, 360},
     {" Ln Log10 Log2 Log1p Logb Acosh ", 1.1, 100},
-    {" Ceil Floor Trunc Rint NearbyInt Round Frac Abs ", -100, 100},
+    {" Sqrt InvSqrt Cbrt InvCbrt Inv Div ", 0.5, 16},
+    {" Hypot Fmod Remainder CopySign NextAfter Fdim Fmax Fmin MaxMag MinMag LinearFrac ", -10, 10},
+    {" Modf Ceil Floor Trunc Rint NearbyInt Round Frac Abs ", -100, 100},
 };
 
 const Range& range_of(std::string_view function) {
@@ -59,15 +61,18 @@ const Range& range_of(std::string_view function) {
     return ranges[0];
 }
 
-// One array of n elements of any type; complex ones are pairs.
+// Two arrays of n elements of any type, one behind the other; complex ones are pairs.
 template <class T>
 std::vector<T> arguments(const Range& range) {
-    std::vector<T> x(2 * n);
+    std::vector<T> x(4 * n);
     for (size_t i = 0; i < x.size(); ++i)
         x[i] = static_cast<T>(range.low +
                               (range.high - range.low) * static_cast<double>((i * 2654435761u) % 10007) / 10007);
     return x;
 }
+
+template <class T>
+using Linear = void(int32_t, const void*, const void*, T, T, T, T, void*);
 
 double cycles_of(orv_arq_kernel kernel, const Row& row) {
     using OneInput = void(int32_t, const void*, void*);
@@ -77,6 +82,7 @@ double cycles_of(orv_arq_kernel kernel, const Row& row) {
     const std::vector<float> a_single = arguments<float>(range);
     const std::vector<double> a_double = arguments<double>(range);
     const void* a = single ? static_cast<const void*>(a_single.data()) : a_double.data();
+    const void* b = single ? static_cast<const void*>(a_single.data() + 2 * n) : a_double.data() + 2 * n;
     std::vector<double> y(2 * n + 200), z(2 * n + 400);
     double* first = y.data() + 40;
     double* second = z.data() + 120;
@@ -84,7 +90,11 @@ double cycles_of(orv_arq_kernel kernel, const Row& row) {
     const std::string_view shape = row.shape;
     const auto call = [&] {
         if (shape == "TWO" || shape == "TWO_OUT")
-            reinterpret_cast<TwoInputs*>(kernel)(n, a, shape == "TWO" ? a : first, second);
+            reinterpret_cast<TwoInputs*>(kernel)(n, a, shape == "TWO" ? b : first, second);
+        else if (shape == "LINEAR" && single)
+            reinterpret_cast<Linear<float>*>(kernel)(n, a, b, 2, 1, 3, 4, first);
+        else if (shape == "LINEAR")
+            reinterpret_cast<Linear<double>*>(kernel)(n, a, b, 2, 1, 3, 4, first);
         else
             reinterpret_cast<OneInput*>(kernel)(n, a, first);
     };

@@ -9,7 +9,7 @@ using namespace orv;
 using vecmath::Product;
 
 // fpminimax(expm1(log1p(x) / 3) / x, 5, [|D...|], [-0.0084; 0.0084], absolute): 2^-59.0 of the result.
-constexpr vecmath::CubeRootD block{
+constexpr vecmath::CubeRootD constants{
     .q0 = 0x1.5555555555559p-2,
     .q1 = -0x1.c71c71c71c768p-4,
     .q2 = 0x1.f9add3b983f82p-5,
@@ -27,7 +27,7 @@ constexpr vecmath::CubeRootD block{
 template <Product Of>
 struct Cbrt : frame::OneInput<double, 4, frame::Tail::masked> {
     static __m128d doubt(__m128d x) { return vecmath::not_normal(x); }
-    static __m128d lanes(__m128d x) { return vecmath::cube_root<block, false, Of>(x); }
+    static __m128d lanes(__m128d x) { return vecmath::cube_root<constants, false, Of>(x); }
     static int32_t scalar(const double* at, double* y) {
         const double x = *at;
         if (x == 0 || !vecmath::is_finite(x))

@@ -7,7 +7,7 @@ using namespace orv;
 using vecmath::Precision;
 
 // fpminimax(expm1(log1p(x) / 3) / x, 2, [|SG...|], [-0.0084; 0.0084], absolute): 2^-33.6 of the result.
-constexpr vecmath::CubeRootS block{
+constexpr vecmath::CubeRootS constants{
     .q0 = 0x1.555556p-2f,
     .q1 = -0x1.c71ebap-4f,
     .q2 = 0x1.f8283ep-5f,
@@ -22,7 +22,7 @@ constexpr vecmath::CubeRootS block{
 template <Precision Of>
 struct Cbrt : frame::OneInput<float, 8, frame::Tail::masked> {
     static __m128 doubt(__m128 x) { return vecmath::not_normal(x); }
-    static __m128 lanes(__m128 x) { return vecmath::cube_root<block, false, Of>(x); }
+    static __m128 lanes(__m128 x) { return vecmath::cube_root<constants, false, Of>(x); }
     static int32_t scalar(const float* at, float* y) {
         const float x = *at;
         if (x == 0 || !vecmath::is_finite(x))

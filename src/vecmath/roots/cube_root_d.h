@@ -22,7 +22,7 @@ struct CubeRootD {
     simd::SplatBits<uint64_t> leading{0xFFFFFFFFFFFFE000}, exponent{0x7FF}, exponent_and_64th{0x1FFFF};
     simd::SplatBits<uint64_t> sign{uint64_t{1} << 63};
     simd::SplatBits<uint64_t> third{21846}, rows_per_third{192};
-    simd::SplatBits<uint64_t> bias;  // of 2^(pk): 1023 less p 341
+    simd::SplatBits<uint64_t> bias;   // of 2^(pk): 1023 less p 341
     alignas(16) double rows[192][4];  // c, the two parts of (2^j / c)^(p/3), nothing
 };
 
@@ -36,8 +36,8 @@ inline __m128d cube_root(__m128d x) {
     const __m128i at = bit_and(shift_right<46>(bits), K.exponent_and_64th);
     const __m128i k = _mm_mulhi_epu16(shift_right<6>(at), K.third);
     const __m128i index = subtract(at, _mm_madd_epi16(k, K.rows_per_third));
-    const Offsets2 row = offsets_of(index);
-    const double *row0 = K.rows[row.at0], *row1 = K.rows[row.at1];
+    const Indices<2> row(index);
+    const double *row0 = K.rows[row.lane[0]], *row1 = K.rows[row.lane[1]];
     const __m128d first = load_aligned(row0), second = load_aligned(row1);
     const __m128d c = interleave_low(first, second), high = interleave_high(first, second);
     const __m128d low = gather(row0 + 2, row1 + 2);

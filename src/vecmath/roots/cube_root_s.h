@@ -33,7 +33,7 @@ inline __m128 cube_root(__m128 x) {
     const __m128i k = _mm_mulhi_epu16(shift_right_32<6>(at), K.third);
     const __m128i index = subtract_32(at, _mm_madd_epi16(k, K.rows_per_third));
     __m128 c, high, low;
-    gather_triples(K.rows[0], offsets_of_4(shift_left_32<4>(index)), c, high, low);
+    gather_triples(K.rows[0], Indices<4>(shift_left_32<4>(index)), c, high, low);
 
     const __m128 m = floats(bit_or(bit_and(bits, K.significand), K.exponent_of_1));
     __m128 root;

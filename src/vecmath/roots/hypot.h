@@ -12,8 +12,8 @@ namespace orv::vecmath {
 template <uint32_t First, uint32_t End, class V>
 inline V larger_outside(V a, V b) {
     const __m128i magnitude = simd::splat_32(0x7FFFFFFF);
-    const __m128i larger = simd::greatest_32(simd::bit_and(simd::bits_of(a), magnitude),
-                                             simd::bit_and(simd::bits_of(b), magnitude));
+    const __m128i larger =
+        simd::greatest_32(simd::bit_and(simd::bits_of(a), magnitude), simd::bit_and(simd::bits_of(b), magnitude));
     constexpr uint32_t bottom = First + 0x80000000u;
     const __m128i outside =
         simd::greater_32(simd::subtract_32(larger, simd::splat_32(bottom)), simd::splat_32(End - bottom - 1));

@@ -17,7 +17,6 @@ namespace {
 using namespace orv;
 
 constexpr simd::SplatBits<uint64_t> keep_26{~uint64_t{0} << 27};
-constexpr simd::Splat<double> half{0.5};
 
 inline __m128d leading(__m128d x) { return simd::doubles(simd::bit_and(simd::bits_of(x), keep_26)); }
 
@@ -33,7 +32,7 @@ inline void compensated_root(__m128d a, __m128d b, __m128d& h, __m128d& missing)
     h = simd::square_root(sum + rest);
     const __m128d h_high = leading(h);
     const __m128d difference = ((sum - h_high * h_high) - (h + h_high) * (h - h_high)) + (lost + rest);
-    missing = difference * (half / h);
+    missing = difference * (simd::splat(0.5) / h);
 }
 
 // (h + missing) 2^n for n of at least -1022, rounded once: a subnormal result is h cut to its last place, and the rest to

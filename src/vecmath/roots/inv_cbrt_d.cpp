@@ -8,7 +8,7 @@ namespace {
 using namespace orv;
 
 // fpminimax(expm1(-log1p(x) / 3) / x, 6, [|D...|], [-0.0084; 0.0084], absolute): 2^-63.9 of the result.
-constexpr vecmath::CubeRootD block{
+constexpr vecmath::CubeRootD constants{
     .q0 = -0x1.5555555555555p-2,
     .q1 = 0x1.c71c71c71c79cp-3,
     .q2 = -0x1.61f9add3d3505p-3,
@@ -25,7 +25,7 @@ constexpr vecmath::CubeRootD block{
 
 struct InvCbrt : frame::OneInput<double, 4, frame::Tail::masked> {
     static __m128d doubt(__m128d x) { return vecmath::not_normal(x); }
-    static __m128d lanes(__m128d x) { return vecmath::cube_root<block, true, vecmath::Product::exact>(x); }
+    static __m128d lanes(__m128d x) { return vecmath::cube_root<constants, true, vecmath::Product::exact>(x); }
     static int32_t scalar(const double* at, double* y) {
         const double x = *at;
         if (x == 0 || !vecmath::is_finite(x)) {

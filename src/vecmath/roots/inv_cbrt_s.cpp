@@ -8,7 +8,7 @@ using namespace orv;
 using vecmath::Precision;
 
 // fpminimax(expm1(-log1p(x) / 3) / x, 2, [|SG...|], [-0.0084; 0.0084], absolute): 2^-32.2 of the result.
-constexpr vecmath::CubeRootS block{
+constexpr vecmath::CubeRootS constants{
     .q0 = -0x1.555556p-2f,
     .q1 = 0x1.c7207p-3f,
     .q2 = -0x1.619b7ep-3f,
@@ -23,7 +23,7 @@ constexpr vecmath::CubeRootS block{
 template <Precision Of>
 struct InvCbrt : frame::OneInput<float, 8, frame::Tail::masked> {
     static __m128 doubt(__m128 x) { return vecmath::not_normal(x); }
-    static __m128 lanes(__m128 x) { return vecmath::cube_root<block, true, Of>(x); }
+    static __m128 lanes(__m128 x) { return vecmath::cube_root<constants, true, Of>(x); }
     static int32_t scalar(const float* at, float* y) {
         const float x = *at;
         if (x == 0 || !vecmath::is_finite(x)) {

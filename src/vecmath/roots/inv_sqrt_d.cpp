@@ -23,13 +23,13 @@ using simd::doubles;
 using simd::Splat;
 using simd::SplatBits;
 
-struct Block {
+struct Constants {
     Splat<double> one{1.0}, half{0.5}, three_eighths{0.375}, five_sixteenths{0.3125};
     SplatBits<uint64_t> below_quarters{0x001FFFFFFFFFFFFF}, exponent_of_half{0x3FE0000000000000};
     SplatBits<uint64_t> exponent{0x7FF0000000000000}, twice_the_middle{uint64_t{1023 + 511} << 52};
     SplatBits<uint64_t> keep_26{~uint64_t{0} << 27}, keep_17{~uint64_t{0} << 36}, keep_19{~uint64_t{0} << 34};
 };
-constexpr Block K;
+constexpr Constants K;
 
 template <bool High>
 struct InvSqrt : frame::OneInput<double, 4, frame::Tail::masked> {

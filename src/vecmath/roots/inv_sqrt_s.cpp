@@ -23,14 +23,14 @@ using simd::floats;
 using simd::Splat;
 using simd::SplatBits;
 
-struct Block {
+struct Constants {
     Splat<float> one{1.0f}, half{0.5f}, three_eighths{0.375f};
     // fpminimax(expm1(-log1p(-x) / 2) / x, 3, [|SG...|], [-0.0085; 0.0085], absolute): 2^-39 of the result
     Splat<float> p1, p2, p3;
     SplatBits<uint32_t> round_to_12{0x00000800}, keep_12{0xFFFFF000}, round_to_8{0x00008000}, keep_8{0xFFFF0000};
     SplatBits<uint32_t> bottom{0x80800000}, last{0x7E000000 - 0x80800000 - 1};
 };
-constexpr Block K{.p1 = 0x1.8p-2f, .p2 = 0x1.4003e2p-2f, .p3 = 0x1.1803dep-2f};
+constexpr Constants K{.p1 = 0x1.8p-2f, .p2 = 0x1.4003e2p-2f, .p3 = 0x1.1803dep-2f};
 
 struct InvSqrt : frame::OneInput<float, 8, frame::Tail::masked> {
     static int32_t scalar(const float* at, float* y) {
@@ -46,9 +46,7 @@ struct InvSqrt : frame::OneInput<float, 8, frame::Tail::masked> {
 
 struct InvSqrtLA : InvSqrt {
     // Outside [2^-126, 2^125), by bits moved to the bottom of the signed range.
-    static __m128 doubt(__m128 x) {
-        return floats(simd::greater_32(simd::subtract_32(bits_of(x), K.bottom), K.last));
-    }
+    static __m128 doubt(__m128 x) { return floats(simd::greater_32(simd::subtract_32(bits_of(x), K.bottom), K.last)); }
     static __m128 lanes(__m128 x) {
         const __m128i near = simd::add_32(bits_of(_mm_rsqrt_ps(x)), K.round_to_12);
         const __m128 y = floats(simd::bit_and(near, K.keep_12));

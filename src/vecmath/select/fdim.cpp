@@ -16,8 +16,8 @@ struct Fdim : frame::Elementwise<T, 32 / sizeof(T), frame::Tail::masked> {
     // By the upper words.
     static V doubt(V a, V b) {
         const __m128i magnitude = simd::splat_32(0x7FFFFFFF);
-        const __m128i larger = simd::greatest_32(simd::bit_and(simd::bits_of(a), magnitude),
-                                                 simd::bit_and(simd::bits_of(b), magnitude));
+        const __m128i larger =
+            simd::greatest_32(simd::bit_and(simd::bits_of(a), magnitude), simd::bit_and(simd::bits_of(b), magnitude));
         if constexpr (sizeof(T) == 4)
             return simd::floats(simd::greater_32(larger, simd::splat_32(0x7EFFFFFF)));
         else
@@ -31,7 +31,7 @@ struct Fdim : frame::Elementwise<T, 32 / sizeof(T), frame::Tail::masked> {
         }
         *y = *a > *b ? *a - *b : T{0};
         return vecmath::is_finite(*y) || !vecmath::is_finite(*a) || !vecmath::is_finite(*b) ? frame::status_ok
-                                                                                           : frame::status_overflow;
+                                                                                            : frame::status_overflow;
     }
 };
 
