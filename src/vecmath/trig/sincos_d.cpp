@@ -1,7 +1,7 @@
 // SinCos of doubles: y is the sine and z the cosine. The method stands in sincos_d.h.
 #include "vecmath/trig/sincos_d.h"
 
-#include "frame/two_output_loops.h"
+#include "frame/kernel_loops.h"
 #include "vecmath/trig/not_finite.h"
 
 namespace {
@@ -9,11 +9,7 @@ namespace {
 using namespace orv;
 using namespace orv::vecmath;
 
-struct SinCos {
-    using Element = double;
-    using Frame = frame::GeneralFrame;
-    static constexpr int block = 4;
-    static constexpr char name[] = "vdSinCos";
+struct SinCos : frame::Elementwise<double, 4, frame::Tail::masked, frame::Rejected::settled> {
     static void settle(D x, D& y, D& z, D& doubt) {
         D sine, cosine;
         sincos_large(x, sine, cosine);

@@ -1,7 +1,7 @@
 // SinCos of floats: y is the sine and z the cosine. The method stands in sincos_s.h.
 #include "vecmath/trig/sincos_s.h"
 
-#include "frame/two_output_loops.h"
+#include "frame/kernel_loops.h"
 #include "vecmath/trig/not_finite.h"
 
 namespace {
@@ -9,12 +9,7 @@ namespace {
 using namespace orv;
 using namespace orv::vecmath;
 
-struct SinCos {
-    using Element = float;
-    using Frame = frame::GeneralFrame;
-    static constexpr int block = 4;
-    static constexpr char name[] = "vsSinCos";
-
+struct SinCos : frame::Elementwise<float, 4, frame::Tail::masked, frame::Rejected::settled> {
     static S doubt(S x) { return simd::exceeds(simd::magnitude(x), trig_s.last_8192); }
     static void settle(S x, S& y, S& z, S& doubt) {
         S sine, cosine;
