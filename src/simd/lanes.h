@@ -3,8 +3,6 @@
 // Arithmetic is written with the operators that the compiler gives its vector types; what they cannot say stands here.
 #pragma once
 
-#include <orv/vecmath.h>
-
 #include <smmintrin.h>
 #include <stddef.h>
 #include <stdint.h>
@@ -27,33 +25,17 @@ struct Lanes<double> {
     using Scalar = double;
     static constexpr int width = 2;
 };
-template <>
-struct Lanes<orv_complex_s> {
-    using V = __m128;
-    using Scalar = float;
-    static constexpr int width = 2;
-};
-template <>
-struct Lanes<orv_complex_d> {
-    using V = __m128d;
-    using Scalar = double;
-    static constexpr int width = 1;
-};
 
 // ---- Whole registers -----------------------------------------------------------------------------------------------
 
 inline __m128 load(const float* p) { return _mm_loadu_ps(p); }
 inline __m128d load(const double* p) { return _mm_loadu_pd(p); }
-inline __m128 load(const orv_complex_s* p) { return _mm_loadu_ps(&p->re); }
-inline __m128d load(const orv_complex_d* p) { return _mm_loadu_pd(&p->re); }
 
 inline __m128 load_aligned(const float* p) { return _mm_load_ps(p); }
 inline __m128d load_aligned(const double* p) { return _mm_load_pd(p); }
 
 inline void store(float* p, __m128 v) { _mm_storeu_ps(p, v); }
 inline void store(double* p, __m128d v) { _mm_storeu_pd(p, v); }
-inline void store(orv_complex_s* p, __m128 v) { _mm_storeu_ps(&p->re, v); }
-inline void store(orv_complex_d* p, __m128d v) { _mm_storeu_pd(&p->re, v); }
 
 inline void store_aligned(float* p, __m128 v) { _mm_store_ps(p, v); }
 inline void store_aligned(double* p, __m128d v) { _mm_store_pd(p, v); }
@@ -77,15 +59,9 @@ inline __m128d load_splat(const double* p) { return _mm_loaddup_pd(p); }
 
 inline __m128 load_one(const float* p) { return _mm_load_ss(p); }
 inline __m128d load_one(const double* p) { return _mm_load_sd(p); }
-inline __m128 load_one(const orv_complex_s* p) {
-    return _mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)));
-}
-inline __m128d load_one(const orv_complex_d* p) { return load(p); }
 
 inline void store_one(float* p, __m128 v) { _mm_store_ss(p, v); }
 inline void store_one(double* p, __m128d v) { _mm_store_sd(p, v); }
-inline void store_one(orv_complex_s* p, __m128 v) { _mm_storel_pi(reinterpret_cast<__m64*>(p), v); }
-inline void store_one(orv_complex_d* p, __m128d v) { store(p, v); }
 
 // ---- Strides, counted in elements; lanes go in rising order, so the last of several stores to one place holds ------
 
@@ -95,10 +71,6 @@ inline __m128 load_strided(const float* p, ptrdiff_t step) {
     return _mm_movelh_ps(low, high);
 }
 inline __m128d load_strided(const double* p, ptrdiff_t step) { return _mm_loadh_pd(_mm_load_sd(p), p + step); }
-inline __m128 load_strided(const orv_complex_s* p, ptrdiff_t step) {
-    return _mm_loadh_pi(load_one(p), reinterpret_cast<const __m64*>(p + step));
-}
-inline __m128d load_strided(const orv_complex_d* p, ptrdiff_t) { return load(p); }
 
 inline void store_strided(float* p, ptrdiff_t step, __m128 v) {
     _mm_store_ss(p, v);
@@ -110,11 +82,6 @@ inline void store_strided(double* p, ptrdiff_t step, __m128d v) {
     _mm_store_sd(p, v);
     _mm_storeh_pd(p + step, v);
 }
-inline void store_strided(orv_complex_s* p, ptrdiff_t step, __m128 v) {
-    _mm_storel_pi(reinterpret_cast<__m64*>(p), v);
-    _mm_storeh_pi(reinterpret_cast<__m64*>(p + step), v);
-}
-inline void store_strided(orv_complex_d* p, ptrdiff_t, __m128d v) { store(p, v); }
 
 // ---- The first `count` lanes, at least one and fewer than all; a load fills the others -------------------------------
 

@@ -43,7 +43,6 @@ int32_t scalar_log1p(const float* at, float* y) {
 }
 
 struct Log1pBlock {
-    char name[8] = "vsLog1p";
     Splat<float> minus_one{-1.0f}, limit{0x1p+64f}, infinity{std::numeric_limits<float>::infinity()};
     SplatBits<uint32_t> exponent_0{0x3F800000};
     Splat<float> ln2{0x1.62e43p-24f}, ln2_high{0x1.62e4p-24f}, ln2_low{0x1.7f7d1cp-43f};
@@ -71,7 +70,6 @@ inline Reduced reduce(__m128 x) {
 }
 
 struct Log1pSingle : frame::OneInput<float, 8, frame::Tail::masked> {
-    static constexpr const char* name = K.name;
     static __m128 doubt(__m128 x) { return simd::bit_or(_mm_cmpngt_ps(x, K.minus_one), _mm_cmpnlt_ps(x, K.limit)); }
     static int32_t scalar(const float* x, float* y) { return scalar_log1p(x, y); }
 };
@@ -93,7 +91,6 @@ struct Log1pLa : Log1pSingle {
 };
 
 struct Log1pHa : frame::OneInput<float, 8, frame::Tail::masked> {
-    static constexpr const char* name = K.name;
     static __m128 doubt(__m128 x) { return simd::bit_or(_mm_cmpngt_ps(x, K.minus_one), _mm_cmpnlt_ps(x, K.infinity)); }
     static __m128 lanes(__m128 x) { return log1p_ha_lanes(x); }
     static int32_t scalar(const float* x, float* y) { return scalar_log1p(x, y); }

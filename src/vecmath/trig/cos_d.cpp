@@ -13,7 +13,6 @@ using namespace orv;
 using namespace orv::trig;
 
 struct CosHA : SineKernel<1, 4> {
-    static constexpr char name[] = "vdCos";
     static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(limit_128)); }
     static D lanes(D x) {
         const D a = simd::magnitude(x);
@@ -23,7 +22,6 @@ struct CosHA : SineKernel<1, 4> {
 };
 
 struct CosEP : SineKernelEP<1> {
-    static constexpr char name[] = "vdCos";
     static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(8388608.0)); }
     static D lanes(D x) {
         const D a = simd::magnitude(x);

@@ -17,7 +17,7 @@
 namespace orv::trig {
 
 template <bool Cosine>
-struct HalfTurnKernel : frame::OneInput<float, 8, frame::Tail::masked> {
+struct HalfTurnKernel : frame::OneInput<float, 8, frame::Tail::masked, frame::Rejected::settled> {
     static S doubt(S x) { return simd::not_less(simd::magnitude(x), splat(8192.0f)); }
 
     // k or k - 1/2, and its parity as a sign.
@@ -99,18 +99,12 @@ struct HalfTurnEP : HalfTurnKernel<Cosine> {
 
 }  // namespace orv::trig
 
-#define ORV_HALF_TURN_KERNELS(function, Cosine)           \
-    namespace {                                           \
-    struct function##LA : orv::trig::HalfTurnLA<Cosine> { \
-        static constexpr char name[] = "vs" #function;    \
-    };                                                    \
-    struct function##HA : orv::trig::HalfTurnHA<Cosine> { \
-        static constexpr char name[] = "vs" #function;    \
-    };                                                    \
-    struct function##EP : orv::trig::HalfTurnEP<Cosine> { \
-        static constexpr char name[] = "vs" #function;    \
-    };                                                    \
-    }                                                     \
-    ORV_ONE_INPUT(s##function, la, function##LA)          \
-    ORV_ONE_INPUT(s##function, ha, function##HA)          \
+#define ORV_HALF_TURN_KERNELS(function, Cosine)             \
+    namespace {                                             \
+    struct function##LA : orv::trig::HalfTurnLA<Cosine> {}; \
+    struct function##HA : orv::trig::HalfTurnHA<Cosine> {}; \
+    struct function##EP : orv::trig::HalfTurnEP<Cosine> {}; \
+    }                                                       \
+    ORV_ONE_INPUT(s##function, la, function##LA)            \
+    ORV_ONE_INPUT(s##function, ha, function##HA)            \
     ORV_ONE_INPUT(s##function, ep, function##EP)

@@ -15,7 +15,6 @@ using namespace orv;
 using namespace orv::trig;
 
 struct SinLA : SineKernel<0, 8> {
-    static constexpr char name[] = "vdSin";
     static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(16777216.0)); }
     static D lanes(D x) {
         const D a = simd::magnitude(x);
@@ -42,7 +41,6 @@ struct SinLA : SineKernel<0, 8> {
 };
 
 struct SinHA : SineKernel<0, 4> {
-    static constexpr char name[] = "vdSin";
     static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(limit_128)); }
     static D lanes(D x) {
         const D a = simd::magnitude(x);
@@ -52,7 +50,6 @@ struct SinHA : SineKernel<0, 4> {
 };
 
 struct SinEP : SineKernelEP<0> {
-    static constexpr char name[] = "vdSin";
     static D doubt(D x) { return simd::not_less(simd::magnitude(x), splat(16777216.0)); }
     static D lanes(D x) {
         const D a = simd::magnitude(x);

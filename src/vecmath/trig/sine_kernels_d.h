@@ -11,7 +11,7 @@ namespace orv::trig {
 
 // Large arguments in vector form.
 template <unsigned Quarters, int Block>
-struct SineKernel : frame::OneInput<double, Block, frame::Tail::masked> {
+struct SineKernel : frame::OneInput<double, Block, frame::Tail::masked, frame::Rejected::settled> {
     static D settle(D x, D y, D& doubt) {
         const D result = simd::select(doubt, Step512<>(reduce_large(x)).sin(Quarters), y);
         doubt = simd::not_finite(x);

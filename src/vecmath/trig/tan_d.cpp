@@ -18,8 +18,7 @@ namespace {
 using namespace orv;
 using namespace orv::trig;
 
-struct Tan : frame::OneInput<double, 4, frame::Tail::masked> {
-    static constexpr char name[] = "vdTan";
+struct Tan : frame::OneInput<double, 4, frame::Tail::masked, frame::Rejected::settled> {
     static D settle(D x, D y, D& doubt) {
         const D result = simd::select(doubt, Tangent512(reduce_large(x)).value(), y);
         doubt = simd::not_finite(x);

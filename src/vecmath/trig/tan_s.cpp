@@ -22,8 +22,7 @@ constexpr Rational tan_33{1.0, -0.11130843140533457, 0.0010715018191102182,
                           1.0, -0.44464176422096688, 0.015952083975738321};
 
 template <const Rational& R>
-struct Tan : frame::OneInput<float, 4, frame::Tail::masked> {
-    static constexpr char name[] = "vsTan";
+struct Tan : frame::OneInput<float, 4, frame::Tail::masked, frame::Rejected::settled> {
     static S doubt(S x) { return simd::not_less(simd::magnitude(x), splat(8256.0f)); }
 
     static S lanes(S x) {

@@ -127,7 +127,7 @@ inline int32_t at_pole(double x, T* y) {
 }
 
 template <class Unit, Function F, bool ByTable, Sums Kind>
-struct UnitAngle : frame::OneInput<double, 4, frame::Tail::masked> {
+struct UnitAngle : frame::OneInput<double, 4, frame::Tail::masked, frame::Rejected::settled> {
     static D of_magnitude(D a, D& pole) {
         if constexpr (ByTable)
             return by_table<Unit, F, Kind>(a, pole);
@@ -182,21 +182,15 @@ struct UnitAngle : frame::OneInput<double, 4, frame::Tail::masked> {
 }  // namespace orv::trig
 
 // The three kernels of a function of angles in a unit.
-#define ORV_UNIT_ANGLE(function, Unit, which)                                                                     \
-    namespace {                                                                                                   \
-    struct function##LA                                                                                           \
-        : orv::trig::UnitAngle<orv::trig::Unit, orv::trig::Function::which, true, orv::trig::Sums::plain> {       \
-        static constexpr char name[] = "vd" #function;                                                            \
-    };                                                                                                            \
-    struct function##HA                                                                                           \
-        : orv::trig::UnitAngle<orv::trig::Unit, orv::trig::Function::which, true, orv::trig::Sums::compensated> { \
-        static constexpr char name[] = "vd" #function;                                                            \
-    };                                                                                                            \
-    struct function##EP                                                                                           \
-        : orv::trig::UnitAngle<orv::trig::Unit, orv::trig::Function::which, false, orv::trig::Sums::plain> {      \
-        static constexpr char name[] = "vd" #function;                                                            \
-    };                                                                                                            \
-    }                                                                                                             \
-    ORV_ONE_INPUT(d##function, la, function##LA)                                                                  \
-    ORV_ONE_INPUT(d##function, ha, function##HA)                                                                  \
+#define ORV_UNIT_ANGLE(function, Unit, which)                                                                       \
+    namespace {                                                                                                     \
+    struct function##LA                                                                                             \
+        : orv::trig::UnitAngle<orv::trig::Unit, orv::trig::Function::which, true, orv::trig::Sums::plain> {};       \
+    struct function##HA                                                                                             \
+        : orv::trig::UnitAngle<orv::trig::Unit, orv::trig::Function::which, true, orv::trig::Sums::compensated> {}; \
+    struct function##EP                                                                                             \
+        : orv::trig::UnitAngle<orv::trig::Unit, orv::trig::Function::which, false, orv::trig::Sums::plain> {};      \
+    }                                                                                                               \
+    ORV_ONE_INPUT(d##function, la, function##LA)                                                                    \
+    ORV_ONE_INPUT(d##function, ha, function##HA)                                                                    \
     ORV_ONE_INPUT(d##function, ep, function##EP)

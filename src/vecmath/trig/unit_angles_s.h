@@ -17,7 +17,7 @@ namespace orv::trig {
 enum class Method { in_float, in_double, in_double_longer };
 
 template <class Unit, Function F, Method How>
-struct UnitAngleS : frame::OneInput<float, 8, frame::Tail::masked> {
+struct UnitAngleS : frame::OneInput<float, 8, frame::Tail::masked, frame::Rejected::settled> {
     // Below it k half turns are exact in float, and the multiple of 1/2^22 that rounds them has room.
     static constexpr float limit = How == Method::in_float ? 0x1p17f : static_cast<float>(Unit::limit);
 
@@ -95,21 +95,15 @@ struct UnitAngleS : frame::OneInput<float, 8, frame::Tail::masked> {
 }  // namespace orv::trig
 
 // The three kernels of a function of angles in a unit.
-#define ORV_UNIT_ANGLE_S(function, Unit, which, ep_method)                                                          \
-    namespace {                                                                                                     \
-    struct function##LA                                                                                             \
-        : orv::trig::UnitAngleS<orv::trig::Unit, orv::trig::Function::which, orv::trig::Method::in_double> {        \
-        static constexpr char name[] = "vs" #function;                                                              \
-    };                                                                                                              \
-    struct function##HA                                                                                             \
-        : orv::trig::UnitAngleS<orv::trig::Unit, orv::trig::Function::which, orv::trig::Method::in_double_longer> { \
-        static constexpr char name[] = "vs" #function;                                                              \
-    };                                                                                                              \
-    struct function##EP                                                                                             \
-        : orv::trig::UnitAngleS<orv::trig::Unit, orv::trig::Function::which, orv::trig::Method::ep_method> {        \
-        static constexpr char name[] = "vs" #function;                                                              \
-    };                                                                                                              \
-    }                                                                                                               \
-    ORV_ONE_INPUT(s##function, la, function##LA)                                                                    \
-    ORV_ONE_INPUT(s##function, ha, function##HA)                                                                    \
+#define ORV_UNIT_ANGLE_S(function, Unit, which, ep_method)                                                            \
+    namespace {                                                                                                       \
+    struct function##LA                                                                                               \
+        : orv::trig::UnitAngleS<orv::trig::Unit, orv::trig::Function::which, orv::trig::Method::in_double> {};        \
+    struct function##HA                                                                                               \
+        : orv::trig::UnitAngleS<orv::trig::Unit, orv::trig::Function::which, orv::trig::Method::in_double_longer> {}; \
+    struct function##EP                                                                                               \
+        : orv::trig::UnitAngleS<orv::trig::Unit, orv::trig::Function::which, orv::trig::Method::ep_method> {};        \
+    }                                                                                                                 \
+    ORV_ONE_INPUT(s##function, la, function##LA)                                                                      \
+    ORV_ONE_INPUT(s##function, ha, function##HA)                                                                      \
     ORV_ONE_INPUT(s##function, ep, function##EP)
