@@ -54,7 +54,7 @@ struct Pow3o2 : frame::OneInput<double, 4, frame::Tail::masked> {
             const int quarter = (exponent - 1) >> 1;    // a = 4^quarter m', m' in [1, 4)
             const Sum sum = parts(simd::splat(std::ldexp(m, exponent - 2 * quarter)));
             const double high = _mm_cvtsd_f64(sum.high), rest = _mm_cvtsd_f64(sum.rest);
-            *result = 3 * quarter < -1140 ? vecmath::underflow<double>() : vecmath::scaled_sum(high, rest, 3 * quarter);
+            *result = 3 * quarter < -1080 ? vecmath::underflow<double>() : vecmath::scaled_sum(high, rest, 3 * quarter);
             return vecmath::status_of_size(*result);
         });
     }
