@@ -10,9 +10,9 @@
 //   log2(1 + z / L) = z + z (c1 + c2 z + ... + c7 z^6).
 //
 // c1 = log2 e / L - 1 makes up for the bits that L lacks. Terms are gathered in a high and a low part: k + table_high is
-// exact, w and v join it with their rounding errors. c2 z^2 is 2^-10 of z at most, and in one double its own rounding would
+// exact, and sums are taken with their rounding errors. c2 z^2 is 2^-10 of z at most, and in one double its own rounding would
 // be 2^-63 of the logarithm next to a = 1, which an exponent of 2^20 makes an ulp and more of the result. So c2 has a part of
-// ten bits, and with g, the leading 21 bits of w, c2_high g^2 is exact and joins the high part with its rounding error; what
+// ten bits, and with g, the leading 21 bits of z, c2_high g^2 is exact and joins the high part with its rounding error; what
 // is left of the term,
 //
 //   c2_high (z - g) (z + g) + (c2 - c2_high) z^2,
@@ -93,21 +93,21 @@ inline Log2Pair log2_pair(__m128d a) {
     const __m128d v = (m_high * rcp - u) + (m - m_high) * rcp;
     const __m128d w = u - K.leading;
     const __m128d t = k + log_high;
-    const __m128d s = t + w, s_lost = (t - s) + w;
-    const __m128d s2 = s + v, s2_lost = (s - s2) + v;
+    const __m128d z = w + v, z_lost = (w - z) + v;
+    const __m128d s = t + z, s_lost = (t - s) + z;
 
-    const __m128d z = w + v;
-    const __m128d g = simd::doubles(_mm_and_si128(simd::bits_of(w), K.leading_21));
+    const __m128d g = simd::doubles(_mm_and_si128(simd::bits_of(z), K.leading_21));
     const __m128d square = (g * K.c2_high) * g;
-    const __m128d s3 = s2 + square, s3_lost = (s2 - s3) + square;
-    const __m128d rest = (((w - g) + v) * K.c2_high) * (z + g);
+    const __m128d leading = s + square, leading_lost = (s - leading) + square;
+    const __m128d rest = (((z - g) + z_lost) * K.c2_high) * (z + g);
     const __m128d z2 = z * z;
     const __m128d q = (K.c3 + z * K.c4) + z2 * ((K.c5 + z * K.c6) + z2 * K.c7);
-    const __m128d low = (s_lost + s2_lost) + (s3_lost + ((log_low + rest) + z * (K.c1 + z * (K.c2_low + z * q))));
+    const __m128d lost = (z_lost + s_lost) + leading_lost;
+    const __m128d low = (lost + ((log_low + rest) + z * (K.c1 + z * K.c2_low))) + (z2 * z) * q;
 
-    const __m128d sum = s3 + low;
+    const __m128d sum = leading + low;
     const __m128d high = simd::doubles(_mm_and_si128(simd::bits_of(sum), K.split));
-    return {high, (s3 - high) + low};
+    return {high, (leading - high) + low};
 }
 
 // b log2 a: an exact leading part and the rest.
@@ -130,7 +130,8 @@ inline Exp2Parts exp2_parts(Log2Pair p) {
     const simd::Offsets2 j = simd::offsets_of(_mm_and_si128(words, K.index_mask));
     const __m128d row0 = _mm_load_pd(K.exp_rows[j.at0]), row1 = _mm_load_pd(K.exp_rows[j.at1]);
     const __m128d high = _mm_unpacklo_pd(row0, row1), low = _mm_unpackhi_pd(row0, row1);
-    const __m128d polynomial = f * (K.p1 + f * (K.p2 + f * (K.p3 + f * (K.p4 + f * K.p5))));
+    const __m128d f2 = f * f;
+    const __m128d polynomial = f * (K.p1 + f * K.p2) + (f2 * f) * ((K.p3 + f * K.p4) + f2 * K.p5);
     return {high, high * polynomial + low, words};
 }
 
