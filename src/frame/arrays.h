@@ -1,7 +1,7 @@
 // Arrays as a kernel's loop sees them. The two forms of a kernel differ in nothing else.
 #pragma once
 
-#include "simd/complex_lanes.h"
+#include "frame/complex_lanes.h"
 
 namespace orv::frame {
 

@@ -17,7 +17,8 @@
 //   lanes(x..., doubt)  with a mask of the lanes that the vector path does not serve; or
 //   lanes(x...) and doubt(x...)
 //                       with that mask from a test of the arguments alone. The test comes first, for the whole block, so
-//                       nothing of a block is kept in registers; results of lanes in doubt are thrown away
+//                       nothing of a block is kept in registers, and lanes() sees `fill` where a lane is in doubt: it need
+//                       not mind what raises exceptions there
 //   scalar(&x..., &y)   with either mask: one element's result, returning its status
 //   settle(x..., y, doubt)
 //                       with Rejected::settled: where the lanes in doubt have a vector path of their own. Returns the
@@ -40,9 +41,9 @@
 // that the kernel serves.
 #pragma once
 
+#include "frame/complex_lanes.h"
 #include "frame/fp_frame.h"
 #include "frame/kernel_tables.h"
-#include "simd/complex_lanes.h"
 
 #include <type_traits>
 

@@ -35,19 +35,39 @@ inline void sure_lanes(ResultLanes<Kernel> (&r)[Count], [[maybe_unused]] typenam
         r[0] = Kernel::lanes(x...);
 }
 
+// The same with the mask gathered on the way.
 template <class Kernel, int Count, class... X>
-inline void doubtful_lanes(ResultLanes<Kernel> (&r)[Count], typename Kernel::V& doubt, X... x) {
+inline void gather_lanes(ResultLanes<Kernel> (&r)[Count], typename Kernel::V& doubt, X... x) {
+    if constexpr (Count == 2)
+        Kernel::lanes(x..., r[0], r[1], doubt);
+    else
+        r[0] = Kernel::lanes(x..., doubt);
+}
+
+// ---- Blocks with lanes in doubt --------------------------------------------------------------------------------------
+
+// The lanes in doubt filled, so that the vector path raises nothing for them.
+template <class Kernel>
+inline auto without_doubted(typename Kernel::V x, typename Kernel::V doubt) {
+    return simd::select_by_sign(doubt, simd::splat(Kernel::fill), x);
+}
+template <class Kernel>
+inline auto without_doubted(simd::Complex<typename Kernel::Scalar> x, typename Kernel::V doubt) {
+    return simd::Complex<typename Kernel::Scalar>{without_doubted<Kernel>(x.re, doubt),
+                                                  without_doubted<Kernel>(x.im, doubt)};
+}
+
+// What the vector path gives for a register of which lanes may be in doubt, and which are.
+template <class Kernel, int Count, class... X>
+inline void doubtful_lanes(ResultLanes<Kernel> (&r)[Count], typename Kernel::V& doubt,
+                           [[maybe_unused]] typename Kernel::Frame& frame, X... x) {
     if constexpr (Tested<Kernel>) {
+        constexpr unsigned every_lane = (1u << simd::Lanes<typename Kernel::Element>::width) - 1;
         doubt = Kernel::doubt(x...);
-        if constexpr (Count == 2)
-            Kernel::lanes(x..., r[0], r[1]);
-        else
-            r[0] = Kernel::lanes(x...);
+        for (auto& result : r) result = ResultLanes<Kernel>{};
+        if (simd::lane_bits(doubt) != every_lane) sure_lanes<Kernel>(r, frame, without_doubted<Kernel>(x, doubt)...);
     } else {
-        if constexpr (Count == 2)
-            Kernel::lanes(x..., r[0], r[1], doubt);
-        else
-            r[0] = Kernel::lanes(x..., doubt);
+        gather_lanes<Kernel>(r, doubt, x...);
     }
 }
 
@@ -66,8 +86,6 @@ inline void settle([[maybe_unused]] const typename Kernel::Frame& frame, ResultL
         if (frame.silent()) r[0] = Kernel::settle_silent(x..., r[0], doubt);
     }
 }
-
-// ---- Blocks with lanes in doubt --------------------------------------------------------------------------------------
 
 // What absent lanes hold, as an element.
 template <class Kernel>
@@ -103,7 +121,7 @@ inline void store_block(int32_t i, int32_t count, Out y, const typename Kernel::
 // are settled from lane 0 up. A reported element is in its place in the outputs before the reporter runs, which may change
 // it there; the block is stored at the end. Nothing outside the arrays is touched.
 template <class Kernel, class Out, int Count, size_t... Input, class... In>
-[[gnu::noinline, gnu::cold]] void map_buffered(const char* name, const typename Kernel::Frame& frame, int32_t i,
+[[gnu::noinline, gnu::cold]] void map_buffered(const char* name, typename Kernel::Frame& frame, int32_t i,
                                                int32_t count, Outputs<Out, Count> out, std::index_sequence<Input...>,
                                                In... in) {
     using Element = typename Kernel::Element;
@@ -120,7 +138,7 @@ template <class Kernel, class Out, int Count, size_t... Input, class... In>
         if constexpr (Kernel::rejected != Rejected::whole_block) {
             typename Kernel::V doubt;
             ResultLanes<Kernel> registers[Count];
-            doubtful_lanes<Kernel>(registers, doubt, simd::load(x[Input] + k)...);
+            doubtful_lanes<Kernel>(registers, doubt, frame, simd::load(x[Input] + k)...);
             settle<Kernel>(frame, registers, doubt, simd::load(x[Input] + k)...);
             for (int output = 0; output < Count; ++output) simd::store(r[output] + k, registers[output]);
             bits = simd::lane_bits(doubt);
@@ -143,6 +161,13 @@ template <class Kernel, class Out, int Count, size_t... Input, class... In>
     for (int output = 0; output < Count; ++output) store_block<Kernel>(i, count, out.at[output], r[output]);
 }
 
+template <class Kernel, class Out, int Count, class... In>
+inline void map_doubted(const char* name, typename Kernel::Frame& frame, int32_t i, int32_t count,
+                        Outputs<Out, Count> out, In... in) {
+    if constexpr (Doubtful<Kernel>)
+        map_buffered<Kernel>(name, frame, i, count, out, std::index_sequence_for<In...>{}, in...);
+}
+
 // ---- Whole registers, parts of one, single elements ------------------------------------------------------------------
 
 // `Registers` whole registers from element i on.
@@ -157,8 +182,7 @@ inline void map_registers(const char* name, typename Kernel::Frame& frame, int32
 #pragma GCC unroll 16
         for (int k = 1; k < Registers; ++k) any = simd::bit_or(any, Kernel::doubt(in.load(i + k * width)...));
         if (simd::lane_bits(any) != 0) [[unlikely]]
-            return map_buffered<Kernel>(name, frame, i, Registers * width, out, std::index_sequence_for<In...>{},
-                                        in...);
+            return map_doubted<Kernel>(name, frame, i, Registers * width, out, in...);
 #pragma GCC unroll 16
         for (int k = 0; k < Registers; ++k) {
             sure_lanes<Kernel>(r[k], frame, in.load(i + k * width)...);
@@ -171,12 +195,11 @@ inline void map_registers(const char* name, typename Kernel::Frame& frame, int32
 #pragma GCC unroll 16
         for (int k = 0; k < Registers; ++k) {
             V doubt;
-            doubtful_lanes<Kernel>(r[k], doubt, in.load(i + k * width)...);
+            gather_lanes<Kernel>(r[k], doubt, in.load(i + k * width)...);
             any = k == 0 ? doubt : simd::bit_or(any, doubt);
         }
         if (simd::lane_bits(any) != 0) [[unlikely]]
-            return map_buffered<Kernel>(name, frame, i, Registers * width, out, std::index_sequence_for<In...>{},
-                                        in...);
+            return map_doubted<Kernel>(name, frame, i, Registers * width, out, in...);
     } else {
 #pragma GCC unroll 16
         for (int k = 0; k < Registers; ++k) sure_lanes<Kernel>(r[k], frame, in.load(i + k * width)...);
@@ -187,19 +210,30 @@ inline void map_registers(const char* name, typename Kernel::Frame& frame, int32
         for (int output = 0; output < Count; ++output) out.at[output].store(i + k * width, r[k][output]);
 }
 
+// The results of one register; false where a lane is in doubt, and then they do not count.
+template <class Kernel, int Count, class... X>
+inline bool free_of_doubts(ResultLanes<Kernel> (&r)[Count], typename Kernel::Frame& frame, X... x) {
+    if constexpr (Tested<Kernel>) {
+        if (simd::lane_bits(Kernel::doubt(x...)) != 0) [[unlikely]]
+            return false;
+        sure_lanes<Kernel>(r, frame, x...);
+    } else if constexpr (Doubtful<Kernel>) {
+        typename Kernel::V doubt;
+        gather_lanes<Kernel>(r, doubt, x...);
+        return simd::lane_bits(doubt) == 0;
+    } else {
+        sure_lanes<Kernel>(r, frame, x...);
+    }
+    return true;
+}
+
 // Fewer elements than a register holds, the absent lanes filled.
 template <class Kernel, class Out, int Count, class... In>
 inline void map_group(const char* name, typename Kernel::Frame& frame, int32_t i, int32_t count,
                       Outputs<Out, Count> out, In... in) {
     ResultLanes<Kernel> r[Count];
-    if constexpr (Doubtful<Kernel>) {
-        typename Kernel::V doubt;
-        doubtful_lanes<Kernel>(r, doubt, simd::load_part(in.at(i), in.increment, count, Kernel::fill)...);
-        if (simd::lane_bits(doubt) != 0) [[unlikely]]
-            return map_buffered<Kernel>(name, frame, i, count, out, std::index_sequence_for<In...>{}, in...);
-    } else {
-        sure_lanes<Kernel>(r, frame, simd::load_part(in.at(i), in.increment, count, Kernel::fill)...);
-    }
+    if (!free_of_doubts<Kernel>(r, frame, simd::load_part(in.at(i), in.increment, count, Kernel::fill)...)) [[unlikely]]
+        return map_doubted<Kernel>(name, frame, i, count, out, in...);
     for (int output = 0; output < Count; ++output)
         simd::store_part(out.at[output].at(i), out.at[output].increment, count, r[output]);
 }
@@ -208,14 +242,8 @@ inline void map_group(const char* name, typename Kernel::Frame& frame, int32_t i
 template <class Kernel, class Out, int Count, class... In>
 inline void map_element(const char* name, typename Kernel::Frame& frame, int32_t i, Outputs<Out, Count> out, In... in) {
     ResultLanes<Kernel> r[Count];
-    if constexpr (Doubtful<Kernel>) {
-        typename Kernel::V doubt;
-        doubtful_lanes<Kernel>(r, doubt, simd::load_splat(in.at(i))...);
-        if (simd::lane_bits(doubt) != 0) [[unlikely]]
-            return map_buffered<Kernel>(name, frame, i, 1, out, std::index_sequence_for<In...>{}, in...);
-    } else {
-        sure_lanes<Kernel>(r, frame, simd::load_splat(in.at(i))...);
-    }
+    if (!free_of_doubts<Kernel>(r, frame, simd::load_splat(in.at(i))...)) [[unlikely]]
+        return map_doubted<Kernel>(name, frame, i, 1, out, in...);
     for (int output = 0; output < Count; ++output) simd::store_one(out.at[output].at(i), r[output]);
 }
 

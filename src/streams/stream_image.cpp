@@ -2,8 +2,8 @@
 //
 // One writer and one reader serve both media. A sink or source is a file, or a position in a memory block whose end
 // nobody knows. In a file every size is held against the bytes that are left before memory is asked for.
-#include "platform/export.h"
 #include "platform/platform.h"
+#include "services/export.h"
 #include "services/services.h"
 #include "streams/chunks.h"
 #include "streams/record.h"
@@ -134,8 +134,8 @@ int32_t load_chunk(Source& source, uint8_t version, Stream* stream) {
 }
 
 int32_t processor_can(int32_t id) {
-    if (id == BrngTRNG && !platform::processor_features().rdrand) return TrngStatusNotSupported;
-    if (id == BrngARS5 && !platform::processor_features().aes) return ArsStatusNotSupported;
+    if (id == BrngTRNG && !__kuzCPUisRDRAND()) return TrngStatusNotSupported;
+    if (id == BrngARS5 && !__kuzCPUisAES()) return ArsStatusNotSupported;
     return StatusOk;
 }
 

@@ -6,7 +6,7 @@
 namespace orv::vecmath {
 
 struct Log1pLimits {
-    simd::Splat<double> one{1.0}, minus_one{-1.0}, infinity{std::numeric_limits<double>::infinity()};
+    simd::Splat<double> one{1.0};
     simd::SplatBits<uint64_t> exponent{uint64_t{0x7FF} << 52}, twice_bias{uint64_t{0x7FE} << 52};
 };
 inline constexpr Log1pLimits log1p_limits;

@@ -32,7 +32,7 @@ struct Logb : frame::OneInput<double, 4, frame::Tail::masked> {
             *y = vecmath::minus_infinity_at_pole<double>();
             return frame::status_singularity;
         }
-        *y = x - x == 0 ? _mm_cvtsd_f64(lanes(simd::splat(x * 0x1p+52))) - 52 : x * x;
+        *y = vecmath::is_finite(x) ? _mm_cvtsd_f64(lanes(simd::splat(x * 0x1p+52))) - 52 : x * x;
         return frame::status_ok;
     }
 };

@@ -32,7 +32,7 @@ struct Logb : frame::OneInput<float, 8, frame::Tail::masked> {
             *y = vecmath::minus_infinity_at_pole<float>();
             return frame::status_singularity;
         }
-        *y = x - x == 0 ? _mm_cvtss_f32(lanes(simd::splat(x * 0x1p+23f))) - 23 : x * x;
+        *y = vecmath::is_finite(x) ? _mm_cvtss_f32(lanes(simd::splat(x * 0x1p+23f))) - 23 : x * x;
         return frame::status_ok;
     }
 };

@@ -39,10 +39,8 @@ double frac_of(double x) {
 template <class T>
 struct Frac : frame::OneInput<T, sizeof(T) == 4 ? 16 : 4, frame::Tail::masked> {
     using V = typename simd::Lanes<T>::V;
-    static V lanes(V x, V& doubt) {
-        doubt = simd::not_finite(x);
-        return simd::bit_or(x - simd::round<_MM_FROUND_TO_ZERO>(x), simd::sign_of(x));
-    }
+    static V doubt(V x) { return simd::not_finite(x); }
+    static V lanes(V x) { return simd::bit_or(x - simd::round<_MM_FROUND_TO_ZERO>(x), simd::sign_of(x)); }
     static int32_t scalar(const T* x, T* y) {
         *y = static_cast<T>(frac_of(*x));
         return frame::status_ok;
