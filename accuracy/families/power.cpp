@@ -9,9 +9,10 @@ namespace {
 
 // The runtime's own on Windows is not good to a small part of an ulp of a double.
 #ifdef _WIN32
-constexpr Fast fast_pow = nullptr;
+constexpr Fast fast_pow = nullptr, fast_powr = nullptr;
 #else
-constexpr Fast fast_pow = FAST(powl);
+long double powr(long double a, long double b) { return a < 0 || (a == 0 && b == 0) ? NAN : powl(a, b); }
+constexpr Fast fast_pow = FAST(powl), fast_powr = FAST(powr);
 #endif
 
 long double pow2o3(long double x) {
@@ -30,8 +31,9 @@ void hard_powers(std::vector<double>& list) {
         for (const double x : {0x1.0000000000001p+0, 0x1.0000000000003p+0, 0x1.fffffffffffffp-1, 0x1.ffffffffffffdp-1})
             list.insert(list.end(), {x, b});
     // The ends of the first row of the logarithm, to the largest powers: the worst that a logarithm of less than two parts makes.
-    list.insert(list.end(), {0x1.005f2ff95016ep+0, 0x1.d1d52fa57a34fp+18, 0x1.005e8dac26de6p+0, 0x1.b4a3108e73abap+18,
-                             0x1.005ffffe18d09p+0, -0x1.a97f76a0376c4p+18, 0x1.00025ef20d044p+0, -0x1.15debe5e39b6cp+24});
+    list.insert(list.end(),
+                {0x1.005f2ff95016ep+0, 0x1.d1d52fa57a34fp+18, 0x1.005e8dac26de6p+0, 0x1.b4a3108e73abap+18,
+                 0x1.005ffffe18d09p+0, -0x1.a97f76a0376c4p+18, 0x1.00025ef20d044p+0, -0x1.15debe5e39b6cp+24});
 }
 
 }  // namespace
@@ -42,7 +44,11 @@ std::vector<Function> power_functions() {
     const std::vector<Range> exponents = {{-10, 10}, {-1000, 1000}, {-50000, 50000}, {-500000, 500000}};
     return {
         {"Pow", "sd", EXACT(mpfr_pow), fast_pow, bases, base_points, exponents, hard_powers},
-        {"Powr", "sd", EXACT(mpfr_pow), fast_pow, bases, base_points, exponents, hard_powers},
+        {"Powr", "sd", EXACT_BY([](mpfr_t* y, mpfr_t* x) {
+             mpfr_pow(y[0], x[0], x[1], MPFR_RNDN);
+             if (mpfr_sgn(x[0]) < 0 || (mpfr_zero_p(x[0]) && mpfr_zero_p(x[1]))) mpfr_set_nan(y[0]);
+         }),
+         fast_powr, bases, base_points, exponents, hard_powers},
         {"Powx", "sd", EXACT(mpfr_pow), fast_pow, bases, base_points, exponents, hard_powers},
         {"Pow2o3",
          "sd",

@@ -77,10 +77,10 @@ inline Log2Pair log2_pair(__m128d a) {
     const __m128i bits = simd::bits_of(a);
     const __m128i m_bits = _mm_or_si128(_mm_and_si128(bits, K.fraction), K.exponent_0);
     const __m128i row = _mm_and_si128(_mm_add_epi64(m_bits, K.half_row), K.row_bits);
-    const simd::Offsets2 at = simd::offsets_of(_mm_srli_epi64(row, 38));
+    const simd::Indices<2> at(_mm_srli_epi64(row, 38));
     constexpr uint32_t at_1 = uint64_t{0x3FF0000000000000} >> 38;
-    const double* row0 = simd::behind(K.log_rows[0], at.at0 - at_1);
-    const double* row1 = simd::behind(K.log_rows[0], at.at1 - at_1);
+    const double* row0 = simd::behind(K.log_rows[0], at.lane[0] - at_1);
+    const double* row1 = simd::behind(K.log_rows[0], at.lane[1] - at_1);
     const __m128d logs0 = _mm_load_pd(row0), logs1 = _mm_load_pd(row1);
     const __m128d log_high = _mm_unpacklo_pd(logs0, logs1), log_low = _mm_unpackhi_pd(logs0, logs1);
     const __m128d rcp = simd::gather(row0 + 2, row1 + 2);
@@ -127,8 +127,8 @@ inline Exp2Parts exp2_parts(Log2Pair p) {
     const __m128d shifted = p.high + K.shifter;
     const __m128d f = (p.high - (shifted - K.shifter)) + p.low;
     const __m128i words = simd::bits_of(shifted);
-    const simd::Offsets2 j = simd::offsets_of(_mm_and_si128(words, K.index_mask));
-    const __m128d row0 = _mm_load_pd(K.exp_rows[j.at0]), row1 = _mm_load_pd(K.exp_rows[j.at1]);
+    const simd::Indices<2> j(_mm_and_si128(words, K.index_mask));
+    const __m128d row0 = _mm_load_pd(K.exp_rows[j.lane[0]]), row1 = _mm_load_pd(K.exp_rows[j.lane[1]]);
     const __m128d high = _mm_unpacklo_pd(row0, row1), low = _mm_unpackhi_pd(row0, row1);
     const __m128d f2 = f * f;
     const __m128d polynomial = f * (K.p1 + f * K.p2) + (f2 * f) * ((K.p3 + f * K.p4) + f2 * K.p5);

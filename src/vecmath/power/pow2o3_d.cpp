@@ -31,8 +31,9 @@ struct Pow2o3Block {
     Splat<double> one{1.0};
     SplatBits<uint64_t> magnitude{0x7FFFFFFFFFFFFFFF}, fraction{0x000FFFFFFFFFFFFF}, exponent_0{0x3FF0000000000000};
     SplatBits<uint64_t> upper{0xFFFFFFFFFFE00000}, row_bits{0x7F};
-    SplatBits<uint64_t> third{43691};  // 2^17 / 3, rounded up: its product with an exponent field has the third above bit 17
-    SplatBits<uint64_t> bias{682};     // two thirds of 1023
+    SplatBits<uint64_t> third{
+        43691};  // 2^17 / 3, rounded up: its product with an exponent field has the third above bit 17
+    SplatBits<uint64_t> bias{682};  // two thirds of 1023
     SplatBits<uint32_t> least_normal{0x00100000}, greatest{0x7FEFFFFF};
     alignas(16) double rows[384][2] = {
     // R, T
@@ -54,8 +55,8 @@ struct Pow2o3 : frame::OneInput<double, 4, frame::Tail::masked> {
         const __m128i q = _mm_srli_epi64(_mm_mul_epu32(field, K.third), 17);
         const __m128i r = _mm_sub_epi64(field, _mm_add_epi64(q, _mm_add_epi64(q, q)));
         const __m128i row = _mm_add_epi64(_mm_slli_epi64(r, 7), _mm_and_si128(_mm_srli_epi64(bits, 45), K.row_bits));
-        const simd::Offsets2 at = simd::offsets_of(row);
-        const __m128d row0 = _mm_load_pd(K.rows[at.at0]), row1 = _mm_load_pd(K.rows[at.at1]);
+        const simd::Indices<2> at(row);
+        const __m128d row0 = _mm_load_pd(K.rows[at.lane[0]]), row1 = _mm_load_pd(K.rows[at.lane[1]]);
         const __m128d rcp = _mm_unpacklo_pd(row0, row1), t = _mm_unpackhi_pd(row0, row1);
 
         const __m128i m_bits = _mm_or_si128(_mm_and_si128(bits, K.fraction), K.exponent_0);
@@ -75,7 +76,7 @@ struct Pow2o3 : frame::OneInput<double, 4, frame::Tail::masked> {
 
     static int32_t scalar(const double* at, double* y) {
         const double x = std::fabs(*at);
-        if (x == 0 || !(x < std::numeric_limits<double>::infinity()))
+        if (x == 0 || !vecmath::is_finite(x))
             *y = x + x;
         else
             *y = _mm_cvtsd_f64(lanes(simd::splat(x * 0x1p+54))) * 0x1p-36;

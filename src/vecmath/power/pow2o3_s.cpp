@@ -57,7 +57,7 @@ struct Pow2o3 : frame::OneInput<float, 8, frame::Tail::masked> {
 
     static int32_t scalar(const float* at, float* y) {
         const float x = std::fabs(*at);
-        if (x == 0 || !(x < std::numeric_limits<float>::infinity()))
+        if (x == 0 || !vecmath::is_finite(x))
             *y = x + x;
         else
             *y = _mm_cvtss_f32(lanes(simd::splat(x * 0x1p+24f))) * 0x1p-16f;

@@ -9,11 +9,15 @@ namespace orv::vecmath {
 // finite(a, y): a^(3/2) of a positive finite a, returning the status.
 template <class T, class Finite>
 int32_t pow3o2_cases(T a, T* y, Finite finite) {
+    if (is_nan(a)) {
+        *y = quiet(a);
+        return frame::status_ok;
+    }
     if (a < 0) {
         *y = invalid<T>();
         return frame::status_domain;
     }
-    if (a == 0 || !(a < std::numeric_limits<T>::infinity())) {
+    if (a == 0 || !is_finite(a)) {
         *y = a + T{0};
         return frame::status_ok;
     }

@@ -24,9 +24,11 @@ template <class T>
 inline bool is_infinite(T x) {
     return std::fabs(x) == std::numeric_limits<T>::infinity();
 }
+
+// Infinity of a zero to the negative power b, a pole but where b is infinite.
 template <class T>
-inline T infinity_at_pole() {
-    return T{1} / at_run_time(T{0});
+inline T zero_to_negative(T b) {
+    return is_infinite(b) ? std::numeric_limits<T>::infinity() : -minus_infinity_at_pole<T>();
 }
 
 // |a|^b where one of them is infinite and |a| is not 1.
@@ -45,7 +47,7 @@ int32_t pow_cases(T a, T b, T* y, Magnitude magnitude) {
         *y = 1;
         return frame::status_ok;
     }
-    if (a != a || b != b) {
+    if (is_nan(a) || is_nan(b)) {
         *y = a + b;
         return frame::status_ok;
     }
@@ -56,7 +58,7 @@ int32_t pow_cases(T a, T b, T* y, Magnitude magnitude) {
             *y = minus ? -T{0} : T{0};
             return frame::status_ok;
         }
-        *y = minus ? minus_infinity_at_pole<T>() : infinity_at_pole<T>();
+        *y = minus ? -zero_to_negative(b) : zero_to_negative(b);
         return frame::status_domain;
     }
     if (a < 0 && parity == Parity::none) {
@@ -79,7 +81,7 @@ int32_t pow_cases(T a, T b, T* y, Magnitude magnitude) {
 // The power as exp(b ln a): no negative base, and no value where b ln a has none.
 template <class T, class Magnitude>
 int32_t powr_cases(T a, T b, T* y, Magnitude magnitude) {
-    if (a != a || b != b) {
+    if (is_nan(a) || is_nan(b)) {
         *y = a + b;
         return frame::status_ok;
     }
@@ -88,7 +90,7 @@ int32_t powr_cases(T a, T b, T* y, Magnitude magnitude) {
         return frame::status_domain;
     }
     if (a == 0) {
-        *y = b > 0 ? T{0} : infinity_at_pole<T>();
+        *y = b > 0 ? T{0} : zero_to_negative(b);
         return b > 0 ? frame::status_ok : frame::status_domain;
     }
     if (is_infinite(a) || is_infinite(b)) {

@@ -25,12 +25,11 @@ struct PowEpDBlock {
     // Raises k from row 213 on.
     simd::SplatBits<uint64_t> exponent_carry{uint64_t{0x100000 - 0x6A400} << 32}, carrier{uint64_t{0x433} << 52};
     simd::Splat<double> carrier_value{0x1p+52 + 1023};
-    simd::SplatBits<uint64_t> exponent_field{0x7FF0000000000000};
     // Of high words: a positive and normal; |b| below 2^65, where its product with any ln a but 0 is beyond all results;
     // |b ln a| below 708.
     simd::SplatBits<uint32_t> a_bottom{0x80100000}, a_last{0xFFDFFFFF};
     simd::SplatBits<uint32_t> magnitude{0x7FFFFFFF}, b_last{0x43FFFFFF}, product_last{0x4086232A};
-    simd::SplatBits<uint64_t> index_mask{0x7FF}, bias{uint64_t{1023} << 11};
+    simd::SplatBits<uint64_t> index_mask{0x7FF};
     alignas(16) double log_rows[513][2] = {
     // ln c (or that of c/2), 1/c
 #include "vecmath/tables/pow_ln.inc"
@@ -47,10 +46,10 @@ inline __m128d ln_ep(__m128d a) {
     const __m128i bits = simd::bits_of(a);
     const __m128i m = _mm_or_si128(_mm_and_si128(bits, K.fraction), K.exponent_0);
     const __m128i centre = _mm_and_si128(_mm_add_epi64(m, K.half_step), K.grid);
-    const simd::Offsets2 at = simd::offsets_of(_mm_srli_epi64(centre, 39));
+    const simd::Indices<2> at(_mm_srli_epi64(centre, 39));
     constexpr uint32_t at_1 = uint64_t{0x3FF0000000000000} >> 39;
-    const __m128d row0 = _mm_load_pd(simd::behind(K.log_rows[0], at.at0 - at_1));
-    const __m128d row1 = _mm_load_pd(simd::behind(K.log_rows[0], at.at1 - at_1));
+    const __m128d row0 = _mm_load_pd(simd::behind(K.log_rows[0], at.lane[0] - at_1));
+    const __m128d row1 = _mm_load_pd(simd::behind(K.log_rows[0], at.lane[1] - at_1));
     const __m128d ln_c = _mm_unpacklo_pd(row0, row1), rcp = _mm_unpackhi_pd(row0, row1);
 
     const __m128d r = (simd::doubles(m) - simd::doubles(centre)) * rcp;
@@ -69,24 +68,24 @@ inline ExpEpParts exp_ep_parts(__m128d t) {
     const __m128d position = t * K.scale;
     const __m128d shifted = (position - K.half) + K.shifter;
     const __m128i k = simd::bits_of(shifted);
-    const simd::Offsets2 j = simd::offsets_of(_mm_and_si128(k, K.index_mask));
-    return {k, simd::gather(&K.exp_rows[j.at0], &K.exp_rows[j.at1]), (position - (shifted - K.shifter)) * K.chord};
+    const simd::Indices<2> j(_mm_and_si128(k, K.index_mask));
+    return {k, simd::gather(&K.exp_rows[j.lane[0]], &K.exp_rows[j.lane[1]]),
+            (position - (shifted - K.shifter)) * K.chord};
 }
 
 template <const PowEpDBlock& K>
 inline __m128d pow_ep_lanes(__m128d a, __m128d b, __m128d& doubt) {
     const __m128i a_doubt = _mm_cmpgt_epi32(_mm_sub_epi32(simd::bits_of(a), K.a_bottom), K.a_last);
     const __m128i b_doubt = _mm_cmpgt_epi32(_mm_and_si128(simd::bits_of(b), K.magnitude), K.b_last);
-    const __m128d refused =
-        simd::doubles(_mm_shuffle_epi32(_mm_or_si128(a_doubt, b_doubt), _MM_SHUFFLE(3, 3, 1, 1)));
+    const __m128d refused = simd::doubles(_mm_shuffle_epi32(_mm_or_si128(a_doubt, b_doubt), _MM_SHUFFLE(3, 3, 1, 1)));
     // Lanes in doubt raise nothing with an exponent of 0.
     const __m128d t = simd::bit_and_not(refused, b) * ln_ep<K>(a);
     const __m128i beyond = _mm_cmpgt_epi32(_mm_and_si128(simd::bits_of(t), K.magnitude), K.product_last);
     doubt = simd::bit_or(refused, simd::doubles(beyond));
     const ExpEpParts parts = exp_ep_parts<K>(t);
-    const __m128i exponent = _mm_and_si128(_mm_slli_epi64(_mm_add_epi64(parts.k, K.bias), 41), K.exponent_field);
-    const __m128d power = simd::doubles(_mm_or_si128(exponent, parts.row));
-    return power + power * parts.rest;
+    const __m128d power = simd::doubles(_mm_or_si128(parts.row, K.exponent_0));
+    const __m128i exponent = _mm_slli_epi64(_mm_andnot_si128(K.index_mask, parts.k), 41);
+    return simd::doubles(_mm_add_epi64(simd::bits_of(power + power * parts.rest), exponent));
 }
 
 // a^b for positive finite a and finite non-zero b.

@@ -26,7 +26,8 @@ using vecmath::Powr;
 
 struct PowSBlock {
     // fpminimax(log2(1+x)/x, 3, [|D...|], [-2^-9;2^-9]): 2^-40.8
-    Splat<double> c1{0x1.71547652b79c2p+0}, c2{-0x1.71547652b6122p-1}, c3{0x1.ec70e7a1dcdacp-2}, c4{-0x1.7154c0312e77cp-2};
+    Splat<double> c1{0x1.71547652b79c2p+0}, c2{-0x1.71547652b6122p-1}, c3{0x1.ec70e7a1dcdacp-2},
+        c4{-0x1.7154c0312e77cp-2};
     // fpminimax((2^x-1)/x, 2, [|D...|], [-2^-8;2^-8]): 2^-41 of the power
     Splat<double> p1{0x1.62e42fefa3e08p-1}, p2{0x1.ebfbeebe2ce42p-3}, p3{0x1.c6b08d70068c7p-5};
     Splat<double> shifter{0x1.8p+45}, largest{200.0}, smallest{-200.0};
@@ -52,10 +53,10 @@ inline __m128d product(__m128d a, __m128d b) {
     const __m128i bits = simd::bits_of(a);
     const __m128i m = _mm_or_si128(_mm_and_si128(bits, K.fraction), K.exponent_0);
     const __m128i centre = _mm_and_si128(_mm_add_epi64(m, K.half_step), K.grid);
-    const simd::Offsets2 at = simd::offsets_of(_mm_srli_epi64(centre, 40));
+    const simd::Indices<2> at(_mm_srli_epi64(centre, 40));
     constexpr uint32_t at_1 = uint64_t{0x3FF0000000000000} >> 40;
-    const __m128d row0 = _mm_load_pd(simd::behind(K.log_rows[0], at.at0 - at_1));
-    const __m128d row1 = _mm_load_pd(simd::behind(K.log_rows[0], at.at1 - at_1));
+    const __m128d row0 = _mm_load_pd(simd::behind(K.log_rows[0], at.lane[0] - at_1));
+    const __m128d row1 = _mm_load_pd(simd::behind(K.log_rows[0], at.lane[1] - at_1));
     const __m128d log_c = _mm_unpacklo_pd(row0, row1), rcp = _mm_unpackhi_pd(row0, row1);
     const __m128d r = (simd::doubles(m) - simd::doubles(centre)) * rcp;
     const __m128i raised = _mm_srli_epi64(_mm_add_epi64(bits, K.exponent_carry), 52);
@@ -68,10 +69,10 @@ inline __m128d power_of_two(__m128d p) {
     const __m128d shifted = p + K.shifter;
     const __m128d f = p - (shifted - K.shifter);
     const __m128i words = simd::bits_of(shifted);
-    const simd::Offsets2 j = simd::offsets_of(_mm_and_si128(words, K.index_mask));
+    const simd::Indices<2> j(_mm_and_si128(words, K.index_mask));
     const __m128i exponent = _mm_and_si128(_mm_slli_epi64(_mm_add_epi64(words, K.bias), 45), K.exponent_field);
     const __m128d power =
-        simd::doubles(_mm_or_si128(exponent, simd::gather(&K.exp_rows[j.at0], &K.exp_rows[j.at1])));
+        simd::doubles(_mm_or_si128(exponent, simd::gather(&K.exp_rows[j.lane[0]], &K.exp_rows[j.lane[1]])));
     return power + power * (f * (K.p1 + f * (K.p2 + f * K.p3)));
 }
 
