@@ -15,23 +15,24 @@ extern "C" {
 
 /* ---- Basic generators ------------------------------------------------------------------------------------------- */
 
+/* The four entries of a generator. */
+#define ORV_BRNG_ENTRIES(name)                                                                          \
+    int32_t __kuzBRng##name##InitStream(int32_t method, Stream* stream, int32_t n, const void* params); \
+    int32_t __kuzsBRng##name(Stream* stream, int32_t n, float* r, float a, float b);                    \
+    int32_t __kuzdBRng##name(Stream* stream, int32_t n, double* r, double a, double b);                 \
+    int32_t __kuziBRng##name(Stream* stream, int32_t n, void* r);
+
 /* MCG31M1: x(n+1) = 1132489760 x(n) mod 2^31 - 1, the state's x being the first output.
  * Seed: seed[0] mod 2^31 - 1, where 0 becomes 1; no seed gives 1. Words of 31 bits, never 0. Period 2^31 - 2.
  * Has leapfrog and skip-ahead. A call with n = 0 writes r[0] and moves on by one.
  * P. L'Ecuyer, "Tables of linear congruential generators of different sizes and good lattice structure", 1999. */
-int32_t __kuzBRngMCG31M1InitStream(int32_t method, Stream* stream, int32_t n, const void* params);
-int32_t __kuzsBRngMCG31M1(Stream* stream, int32_t n, float* r, float a, float b);
-int32_t __kuzdBRngMCG31M1(Stream* stream, int32_t n, double* r, double a, double b);
-int32_t __kuziBRngMCG31M1(Stream* stream, int32_t n, void* r);
+ORV_BRNG_ENTRIES(MCG31M1)
 
 /* MCG59: x(n+1) = 13^13 x(n) mod 2^59, the state's x being the first output.
  * Seed: seed[0] + 2^32 (seed[1] mod 2^27), where 0 becomes 1. An odd seed gives the period 2^57, an even one a shorter.
  * Words of 59 bits in 8 bytes. Has leapfrog and skip-ahead.
  * D. E. Knuth, "The Art of Computer Programming", volume 2, 3.2.1.2 and 3.3.4. */
-int32_t __kuzBRngMCG59InitStream(int32_t method, Stream* stream, int32_t n, const void* params);
-int32_t __kuzsBRngMCG59(Stream* stream, int32_t n, float* r, float a, float b);
-int32_t __kuzdBRngMCG59(Stream* stream, int32_t n, double* r, double a, double b);
-int32_t __kuziBRngMCG59(Stream* stream, int32_t n, void* r);
+ORV_BRNG_ENTRIES(MCG59)
 
 /* MRG32K3A: the combined multiple recursive generator
  *   x(n) = 1403580 x(n-2) - 810728 x(n-3) mod 2^32 - 209, y(n) = 527612 y(n-1) - 1370589 y(n-3) mod 2^32 - 22853,
@@ -41,10 +42,25 @@ int32_t __kuziBRngMCG59(Stream* stream, int32_t n, void* r);
  * several words.
  * P. L'Ecuyer, "Good parameters and implementations for combined multiple recursive random number generators",
  * Operations Research 47, 1999. */
-int32_t __kuzBRngMRG32K3AInitStream(int32_t method, Stream* stream, int32_t n, const void* params);
-int32_t __kuzsBRngMRG32K3A(Stream* stream, int32_t n, float* r, float a, float b);
-int32_t __kuzdBRngMRG32K3A(Stream* stream, int32_t n, double* r, double a, double b);
-int32_t __kuziBRngMRG32K3A(Stream* stream, int32_t n, void* r);
+ORV_BRNG_ENTRIES(MRG32K3A)
+
+/* PHILOX4X32X10: blocks of four words, each ten rounds of multiplications applied to a 128-bit counter under a 64-bit key.
+ * Seed: key (2 words), counter (4 words, lowest first); missing words are 0. Words of 32 bits, period 2^130.
+ * Floating numbers count the word as signed: s x + m with s = (b - a) 2^-32 and m = (a + b) / 2, for floats in single
+ * precision throughout. Has skip-ahead, also by counts of several words, of which the lowest three count.
+ * J. K. Salmon, M. A. Moraes, R. O. Dror, D. E. Shaw, "Parallel random numbers: as easy as 1, 2, 3", SC11, 2011. */
+ORV_BRNG_ENTRIES(PHILOX4X32X10)
+
+/* ARS5: likewise blocks of four words, from five rounds of AES with round keys that a Weyl sequence gives.
+ * Seed: key (4 words), counter (4 words); otherwise as PHILOX4X32X10, in the same paper. Kernels and skip-ahead return
+ * ArsStatusNotSupported on a processor without the AES instructions. */
+ORV_BRNG_ENTRIES(ARS5)
+
+/* TRNG: the processor's hardware source, RDRAND, without a sequence to repeat, to skip in or to save.
+ * Seed: seed[1] is the number of further attempts when the source has no number ready, 10 if missing or 0; seed[0] is not
+ * used. Words of 32 bits. A double is made of 64 bits, a float of 32. Kernels return TrngStatusNotSupported on a processor
+ * without the instruction, and TrngStatusRetriesExhausted with the numbers before written. */
+ORV_BRNG_ENTRIES(TRNG)
 
 /* The kernels of an abstract stream for numbers of another type than its ring's: they return AbstractStatusWrongKernel
  * and write nothing. */
@@ -54,6 +70,8 @@ int32_t __kuziBRngdAbstract(Stream* stream, int32_t n, void* r);
 int32_t __kuzsBRngdAbstract(Stream* stream, int32_t n, float* r, float a, float b);
 int32_t __kuziBRngsAbstract(Stream* stream, int32_t n, void* r);
 int32_t __kuzdBRngsAbstract(Stream* stream, int32_t n, double* r, double a, double b);
+
+#undef ORV_BRNG_ENTRIES
 
 /* ---- Arithmetic of jumps ---------------------------------------------------------------------------------------- */
 

@@ -57,19 +57,6 @@ void inv_two_pi_windows(const Output& output, const std::string& name, int bias,
     }
 }
 
-// 4/pi in pieces of 25 bits, the leading 1 of 4/pi first, times 2^200; before them a zero.
-void four_over_pi_pieces(const Output& output) {
-    const OverPi inverse(4.0);
-    Table table(output, "four_over_pi_pieces", "4/pi times 2^200 in pieces of 25 bits, after a zero");
-    table.row({0.0});
-    for (int i = 0; i < 50; ++i) {
-        const std::vector<bool> bits = expansion(inverse.value, 25 * i - 1, 25);
-        Real piece(static_cast<double>(word(bits, 0, 25)));
-        mpfr_mul_2si(piece.value, piece.value, 200 - 24 - 25 * i, MPFR_RNDN);
-        table.row({to_double(piece)});
-    }
-}
-
 // The sine and cosine of turn/rows, exact where they are 0, 1 or -1.
 Real sine_of_turn(int j, int rows) {
     Real result;
@@ -126,7 +113,6 @@ void sin_steps(const Output& output) {
 void trig_tables(const Output& output) {
     inv_two_pi_windows(output, "inv_two_pi_192", 1075, 2047, 64);
     inv_two_pi_windows(output, "inv_two_pi_96", 150, 256, 32);
-    four_over_pi_pieces(output);
     sin_cos_steps(output);
     sin_steps(output);
 }

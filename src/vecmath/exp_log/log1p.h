@@ -6,7 +6,7 @@
 namespace orv::vecmath {
 
 struct Log1pLimits {
-    simd::Splat<double> one{1.0}, minus_one{-1.0}, infinity{std::numeric_limits<double>::infinity()};
+    simd::Splat<double> one{1.0};
     simd::SplatBits<uint64_t> exponent{uint64_t{0x7FF} << 52}, twice_bias{uint64_t{0x7FE} << 52};
 };
 inline constexpr Log1pLimits log1p_limits;
@@ -29,7 +29,6 @@ inline __m128d log1p_lanes(__m128d x) {
 
 // "EP" of `d`, which is good for "HA" of `s` too.
 inline constexpr LogCentresBlock<centres_513> log1p_ep{
-    .name = "vdLog1p",
     .log2_high = 0x1.62e42fefa4p-1,
     .log2_low = -0x1.8432a1b0e2634p-43,
     .c1 = 1.0,

@@ -15,7 +15,6 @@ namespace {
 using namespace orv;
 
 constexpr vecmath::Log513Block log1p_ha{
-    .name = "vdLog1p",
     .log2_high = 0x1.62e42fefa38p-1,
     .log2_low = 0x1.ef35793c7673p-45,
     .leading = 1.0,
@@ -33,17 +32,19 @@ constexpr vecmath::Log513Block log1p_ha{
 
 template <const auto& K>
 struct Log1p : frame::OneInput<double, 4, frame::Tail::by_element> {
-    static constexpr const char* name = K.name;
-
     static __m128d doubt(__m128d x) {
-        return simd::bit_or(_mm_cmpngt_pd(x, vecmath::log1p_limits.minus_one),
-                            _mm_cmpnlt_pd(x, vecmath::log1p_limits.infinity));
+        // 1 + x is normal and positive above -1 and not finite where x is not.
+        return K.normal.doubt(x + vecmath::log1p_limits.one);
     }
 
     static __m128d lanes(__m128d x) { return vecmath::log1p_lanes<K>(x); }
 
     static int32_t scalar(const double* at, double* y) {
         const double x = *at;
+        if (vecmath::is_nan(x)) {
+            *y = vecmath::quiet(x);
+            return frame::status_ok;
+        }
         if (x < -1) {
             *y = vecmath::invalid<double>();
             return frame::status_domain;
@@ -52,7 +53,7 @@ struct Log1p : frame::OneInput<double, 4, frame::Tail::by_element> {
             *y = vecmath::minus_infinity_at_pole<double>();
             return frame::status_singularity;
         }
-        *y = vecmath::quiet(x);
+        *y = x;
         return frame::status_ok;
     }
 };

@@ -27,6 +27,10 @@ inline __m128 log1p_ha_lanes(__m128 x) {
 
 int32_t scalar_log1p(const float* at, float* y) {
     const float x = *at;
+    if (vecmath::is_nan(x)) {
+        *y = vecmath::quiet(x);
+        return frame::status_ok;
+    }
     if (x < -1) {
         *y = vecmath::invalid<float>();
         return frame::status_domain;
@@ -35,16 +39,25 @@ int32_t scalar_log1p(const float* at, float* y) {
         *y = vecmath::minus_infinity_at_pole<float>();
         return frame::status_singularity;
     }
-    if (x < std::numeric_limits<float>::infinity())
+    if (vecmath::is_finite(x))
         simd::store_one(y, log1p_ha_lanes(simd::splat(x)));
     else
-        *y = vecmath::quiet(x);
+        *y = x;
     return frame::status_ok;
 }
 
+// The sum 1 + x is normal and positive above -1, and not finite where x is not. In doubt is what lies outside [2^-126,
+// limit), by bits moved to the bottom of the signed range.
+struct SumTest {
+    SplatBits<uint32_t> bottom{0x80800000}, last;
+    Splat<float> one{1.0f};
+
+    constexpr SumTest(float limit) : last(std::bit_cast<uint32_t>(limit) - 1 - 0x80800000) {}
+    __m128 doubt(__m128 x) const { return floats(_mm_cmpgt_epi32(_mm_sub_epi32(bits_of(x + one), bottom), last)); }
+};
+constexpr SumTest below_2_64{0x1p+64f}, finite{std::numeric_limits<float>::infinity()};
+
 struct Log1pBlock {
-    char name[8] = "vsLog1p";
-    Splat<float> minus_one{-1.0f}, limit{0x1p+64f}, infinity{std::numeric_limits<float>::infinity()};
     SplatBits<uint32_t> exponent_0{0x3F800000};
     Splat<float> ln2{0x1.62e43p-24f}, ln2_high{0x1.62e4p-24f}, ln2_low{0x1.7f7d1cp-43f};
     Splat<float> la2{-0.5f}, la3{0x1.555526p-2f}, la4{-0x1.00016cp-2f}, la5{0x1.99bef2p-3f}, la6{-0x1.54d04ap-3f},
@@ -71,8 +84,7 @@ inline Reduced reduce(__m128 x) {
 }
 
 struct Log1pSingle : frame::OneInput<float, 8, frame::Tail::masked> {
-    static constexpr const char* name = K.name;
-    static __m128 doubt(__m128 x) { return simd::bit_or(_mm_cmpngt_ps(x, K.minus_one), _mm_cmpnlt_ps(x, K.limit)); }
+    static __m128 doubt(__m128 x) { return below_2_64.doubt(x); }
     static int32_t scalar(const float* x, float* y) { return scalar_log1p(x, y); }
 };
 
@@ -93,8 +105,7 @@ struct Log1pLa : Log1pSingle {
 };
 
 struct Log1pHa : frame::OneInput<float, 8, frame::Tail::masked> {
-    static constexpr const char* name = K.name;
-    static __m128 doubt(__m128 x) { return simd::bit_or(_mm_cmpngt_ps(x, K.minus_one), _mm_cmpnlt_ps(x, K.infinity)); }
+    static __m128 doubt(__m128 x) { return finite.doubt(x); }
     static __m128 lanes(__m128 x) { return log1p_ha_lanes(x); }
     static int32_t scalar(const float* x, float* y) { return scalar_log1p(x, y); }
 };

@@ -40,6 +40,10 @@ struct LogReduction {
 template <class Kernel>
 int32_t scalar_log_s(const float* at, float* y) {
     const float x = *at;
+    if (is_nan(x)) {
+        *y = quiet(x);
+        return frame::status_ok;
+    }
     if (x < 0) {
         *y = invalid<float>();
         return frame::status_domain;
@@ -48,8 +52,8 @@ int32_t scalar_log_s(const float* at, float* y) {
         *y = minus_infinity_at_pole<float>();
         return frame::status_singularity;
     }
-    if (!(x < std::numeric_limits<float>::infinity())) {
-        *y = quiet(x);
+    if (!is_finite(x)) {
+        *y = x;
         return frame::status_ok;
     }
     const bool subnormal = x < std::numeric_limits<float>::min();

@@ -11,14 +11,11 @@ using namespace orv;
 using simd::bits_of;
 
 struct LogbBlock {
-    char name[8] = "vsLogb";
     simd::SplatBits<uint32_t> magnitude{0x7FFFFFFF}, least{0x00800000}, greatest{0x7F7FFFFF}, bias{127};
 };
 constexpr LogbBlock K;
 
 struct Logb : frame::OneInput<float, 8, frame::Tail::masked> {
-    static constexpr const char* name = K.name;
-
     static __m128 doubt(__m128 x) {
         const __m128i bits = _mm_and_si128(bits_of(x), K.magnitude);
         return simd::floats(_mm_or_si128(_mm_cmpgt_epi32(K.least, bits), _mm_cmpgt_epi32(bits, K.greatest)));
@@ -35,7 +32,7 @@ struct Logb : frame::OneInput<float, 8, frame::Tail::masked> {
             *y = vecmath::minus_infinity_at_pole<float>();
             return frame::status_singularity;
         }
-        *y = x - x == 0 ? _mm_cvtss_f32(lanes(simd::splat(x * 0x1p+23f))) - 23 : x * x;
+        *y = vecmath::is_finite(x) ? _mm_cvtss_f32(lanes(simd::splat(x * 0x1p+23f))) - 23 : x * x;
         return frame::status_ok;
     }
 };

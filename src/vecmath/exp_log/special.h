@@ -16,6 +16,16 @@ inline T at_run_time(T x) {
     return x;
 }
 
+// By comparisons that raise nothing for a quiet NaN; so do == and !=, but no other operator.
+template <class T>
+inline bool is_nan(T x) {
+    return x != x;
+}
+template <class T>
+inline bool is_finite(T x) {
+    return __builtin_isfinite(x);
+}
+
 // x, quiet where it is a NaN.
 template <class T>
 inline T quiet(T x) {

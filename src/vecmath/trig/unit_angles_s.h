@@ -1,10 +1,12 @@
 // Sine, cosine and tangent of angles in half turns and in degrees, for floats.
 //
-// "LA" and "HA": in double, where taking away half turns (of the tangent: quarter turns) and folding large arguments are
-// exact, as in the kernels of doubles; "HA" has a polynomial of one more term.
+// |x| = k step + f with step a half turn (of the tangent: a quarter turn) is exact in float, and the rest is the sine of
+// +-f or the tangent of f, or its -1/tangent for odd k, in polynomials and quotients of polynomials of the unit itself.
+//
+// "LA" and "HA": those in double, where a polynomial of "HA" has one term more; large arguments are folded in double.
 // "EP": in float with a short polynomial; the tangent as "LA".
 //
-// Worst errors measured: "LA" 0.62 ulp, the tangents 0.56 ulp; "HA" 0.501 ulp; "EP" 2^-12.6 relative.
+// Worst errors measured: "LA" 0.62 ulp, the tangents 0.51 ulp; "HA" 0.501 ulp; "EP" 2^-12.6 relative.
 //
 // Signs of zeros and poles are those of the kernels of doubles.
 #pragma once
@@ -12,104 +14,122 @@
 #include "vecmath/trig/reduction_s.h"
 #include "vecmath/trig/unit_angles_d.h"
 
-namespace orv::trig {
+namespace orv::vecmath {
 
 enum class Method { in_float, in_double, in_double_longer };
 
-template <class Unit, Function F, Method How>
-struct UnitAngleS : frame::OneInput<float, 8, frame::Tail::masked> {
-    // Below it k half turns are exact in float, and the multiple of 1/2^22 that rounds them has room.
-    static constexpr float limit = How == Method::in_float ? 0x1p17f : static_cast<float>(Unit::limit);
+// Below 2^17 the sum that rounds to k has room in a float, and k steps are exact.
+inline constexpr Splat<float> last_in_float{0x1.fffffep+16f};
 
-    static S lanes(S x, S& doubt) {
-        const S a = simd::magnitude(x);
-        doubt = simd::not_less(a, splat(limit));
+template <class Unit>
+inline constexpr ShortSine short_sine_of = in_unit(short_sine, Unit::radians);
+
+// ---- Sine and cosine -------------------------------------------------------------------------------------------------
+
+template <class Unit, Function F, Method How>
+struct UnitAngleS : frame::OneInput<float, 8, frame::Tail::masked, frame::Rejected::settled> {
+    static constexpr bool halfway = F == Function::cos;
+
+    static S doubt(S x) { return simd::exceeds(simd::magnitude(x), last_in_float); }
+    static S lanes(S x) {
+        const auto [shifted, multiple, f] = nearby<Unit, 1, halfway>(simd::magnitude(x));
         S y;
         if constexpr (How == Method::in_float)
-            y = by_floats(a);
+            y = sine<short_sine_of<Unit>>(f);
         else
-            y = by_doubles(a);
-        if constexpr (F == Function::tan) doubt = simd::bit_or(doubt, infinite(y));
+            y = simd::narrow(in_double(simd::widen_low(f)), in_double(simd::widen_high(f)));
+        // A zero is positive here.
+        y = simd::bit_xor(y, simd::floats(simd::shift_left_32<31>(simd::bits_of(shifted)))) + trig_s.zero;
         return with_sign_of(x, y);
     }
-
-    static S by_floats(S a) {
-        S turns = a * splat(static_cast<float>(Unit::inverse));
-        if constexpr (F == Function::cos) turns += splat(0.5f);
-        const S shifted = turns + splat(shifter_s);
-        S k = shifted - splat(shifter_s);
-        if constexpr (F == Function::cos) k -= splat(0.5f);
-        const S r = (a - k * splat(static_cast<float>(Unit::half_turn))) * splat(static_cast<float>(Unit::radians));
-        const S z = r * r;
-        const S q = splat(0.999885321f) + z * (splat(-0.165920958f) + z * splat(0.00757660158f));
-        return simd::bit_xor(r * q, simd::floats(_mm_slli_epi32(simd::bits_of(shifted), 31))) + splat(0.0f);
+    static D in_double(D f) {
+        if constexpr (How == Method::in_double_longer)
+            return sine<sine_35_of<Unit>>(f);
+        else
+            return sine<sine_26_of<Unit>>(f);
     }
-
-    static S by_doubles(S a) { return join(of_doubles(low_half(a)), of_doubles(high_half(a))); }
-
-    // Angles below the limit of doubles, or folded ones.
-    static D of_doubles(D a) {
-        if constexpr (F == Function::tan) {
-            const D shifted = a * splat(2 * Unit::inverse) + splat(shifter);
-            const D k = shifted - splat(shifter);
-            const D r = (a - k * splat(Unit::half_turn / 2)) * splat(Unit::radians);
-            D sine, cosine;
-            if constexpr (How == Method::in_double_longer)
-                quarter_turns_33(r, shifted, sine, cosine);
-            else
-                quarter_turns_26(r, shifted, sine, cosine);
-            return (sine + splat(0.0)) / (cosine + splat(0.0));
-        } else {
-            D turns = a * splat(Unit::inverse);
-            if constexpr (F == Function::cos) turns += splat(0.5);
-            const D shifted = turns + splat(shifter);
-            D k = shifted - splat(shifter);
-            if constexpr (F == Function::cos) k -= splat(0.5);
-            const D r = (a - k * splat(Unit::half_turn)) * splat(Unit::radians);
-            const D sine = How == Method::in_double_longer ? sine_35(r) : sine_26(r);
-            return simd::bit_xor(sine, odd_sign(shifted)) + splat(0.0);
-        }
-    }
-
     static S with_sign_of(S x, S y) { return F == Function::cos ? y : simd::bit_xor(y, simd::sign_of(x)); }
-    static S infinite(S y) { return simd::equal(simd::magnitude(y), splat(std::numeric_limits<float>::infinity())); }
 
     static S settle(S x, S y, S& doubt) {
-        const S a = simd::magnitude(x);
-        const auto folded = [](D half) {
-            return simd::select(simd::not_less(half, splat(Unit::limit)), Unit::fold(half), half);
-        };
-        const S result = with_sign_of(x, join(of_doubles(folded(low_half(a))), of_doubles(folded(high_half(a)))));
         const S mask = doubt;
         doubt = simd::not_finite(x);
-        if constexpr (F == Function::tan) doubt = simd::bit_or(doubt, infinite(result));
-        return simd::select(mask, result, y);
+        const S a = simd::bit_and_not(doubt, simd::magnitude(x));
+        const auto of_doubles = [](D half) {
+            const auto [shifted, multiple, f] = nearby<Unit, 1, halfway>(folded<Unit>(half));
+            return simd::bit_xor(in_double(f), odd_sign(shifted));
+        };
+        const S result = simd::narrow(of_doubles(simd::widen_low(a)), of_doubles(simd::widen_high(a))) + trig_s.zero;
+        return simd::select_by_sign(mask, with_sign_of(x, result), y);
+    }
+    static int32_t scalar(const float* x, float* y) { return not_finite(x, y); }
+};
+
+// ---- Tangent ---------------------------------------------------------------------------------------------------------
+
+template <class Unit, Method How>
+struct UnitAngleS<Unit, Function::tan, How> : frame::OneInput<float, 4, frame::Tail::masked, frame::Rejected::settled> {
+    // The multiple of a quarter turn next to |x|, and the lanes where that is x itself.
+    struct Quarters {
+        S f, axis;
+        __m128i k;
+        explicit Quarters(S x) {
+            const S a = simd::magnitude(x);
+            const auto quarter = nearby<Unit, 2, false>(a);
+            f = quarter.f;
+            axis = simd::equal(quarter.multiple, a);
+            k = simd::bits_of(quarter.shifted);
+        }
+    };
+    static S doubt(S x) {
+        const Quarters q(x);
+        const S pole = simd::bit_and(q.axis, simd::floats(simd::shift_left_32<31>(q.k)));
+        return simd::bit_or(simd::exceeds(simd::magnitude(x), last_in_float), pole);
+    }
+    static S lanes(S x) {
+        const Quarters q(x);
+        const __m128i odd = simd::shift_left_32<31>(q.k);
+        const S y = simd::narrow(
+            tangent<tan_33_of<Unit>>(simd::widen_low(q.f), simd::doubles(simd::interleave_low_32(odd, odd))),
+            tangent<tan_33_of<Unit>>(simd::widen_high(q.f), simd::doubles(simd::interleave_high_32(odd, odd))));
+        // The zero at an odd half turn is negative.
+        const S half_turns = simd::floats(simd::shift_left_32<30>(q.k));
+        const S minus = simd::sign_of(simd::bit_and(q.axis, half_turns));
+        return simd::bit_xor(simd::bit_xor(y, minus), simd::bit_xor(simd::floats(odd), simd::sign_of(x)));
+    }
+
+    static S settle(S x, S y, S& doubt) {
+        const S mask = doubt;
+        const S infinite_or_nan = simd::not_finite(x);
+        const S a = simd::bit_and_not(infinite_or_nan, simd::magnitude(x));
+        D low = folded<Unit>(simd::widen_low(a)), high = folded<Unit>(simd::widen_high(a));
+        const D low_pole = at_odd_quarter<Unit>(low), high_pole = at_odd_quarter<Unit>(high);
+        low = simd::select_by_sign(low_pole, trig.zero, low);
+        high = simd::select_by_sign(high_pole, trig.zero, high);
+        const S result =
+            simd::narrow(tangent_of_unit<Unit, tan_33_of<Unit>>(low), tangent_of_unit<Unit, tan_33_of<Unit>>(high));
+        const S pole = simd::floats(simd::odd_words(simd::bits_of(low_pole), simd::bits_of(high_pole)));
+        doubt = simd::bit_or(infinite_or_nan, pole);
+        return simd::select_by_sign(mask, simd::bit_xor(result, simd::sign_of(x)), y);
     }
 
     static int32_t scalar(const float* x, float* y) {
-        if (F != Function::tan || !(*x - *x == 0)) return not_finite(x, y);
+        if (!(*x - *x == 0)) return not_finite(x, y);
         return at_pole<Unit>(*x, y);
     }
 };
 
-}  // namespace orv::trig
+}  // namespace orv::vecmath
 
 // The three kernels of a function of angles in a unit.
-#define ORV_UNIT_ANGLE_S(function, Unit, which, ep_method)                                                          \
-    namespace {                                                                                                     \
-    struct function##LA                                                                                             \
-        : orv::trig::UnitAngleS<orv::trig::Unit, orv::trig::Function::which, orv::trig::Method::in_double> {        \
-        static constexpr char name[] = "vs" #function;                                                              \
-    };                                                                                                              \
-    struct function##HA                                                                                             \
-        : orv::trig::UnitAngleS<orv::trig::Unit, orv::trig::Function::which, orv::trig::Method::in_double_longer> { \
-        static constexpr char name[] = "vs" #function;                                                              \
-    };                                                                                                              \
-    struct function##EP                                                                                             \
-        : orv::trig::UnitAngleS<orv::trig::Unit, orv::trig::Function::which, orv::trig::Method::ep_method> {        \
-        static constexpr char name[] = "vs" #function;                                                              \
-    };                                                                                                              \
-    }                                                                                                               \
-    ORV_ONE_INPUT(s##function, la, function##LA)                                                                    \
-    ORV_ONE_INPUT(s##function, ha, function##HA)                                                                    \
+#define ORV_UNIT_ANGLE_S(function, Unit, which)                                                       \
+    namespace {                                                                                       \
+    struct function##LA : orv::vecmath::UnitAngleS<orv::vecmath::Unit, orv::vecmath::Function::which, \
+                                                   orv::vecmath::Method::in_double> {};               \
+    struct function##HA : orv::vecmath::UnitAngleS<orv::vecmath::Unit, orv::vecmath::Function::which, \
+                                                   orv::vecmath::Method::in_double_longer> {};        \
+    struct function##EP : orv::vecmath::UnitAngleS<orv::vecmath::Unit, orv::vecmath::Function::which, \
+                                                   orv::vecmath::Method::in_float> {};                \
+    }                                                                                                 \
+    ORV_ONE_INPUT(s##function, la, function##LA)                                                      \
+    ORV_ONE_INPUT(s##function, ha, function##HA)                                                      \
     ORV_ONE_INPUT(s##function, ep, function##EP)

@@ -3,21 +3,16 @@
 
 #include <stdint.h>
 
-namespace orv::trig {
+namespace orv::vecmath {
 
 // One row for each value of the exponent field: the bits of 1/(2 pi) that matter for numbers of that exponent.
 inline constexpr uint64_t inv_two_pi_192[2047][3] = {
 #include "vecmath/tables/inv_two_pi_192.inc"
 };
 
-// The same for the exponent field of a float.
-inline constexpr uint32_t inv_two_pi_96[256][3] = {
+// The same for the exponent field of a float, and a last row that lets four words be loaded from any of them.
+inline constexpr uint32_t inv_two_pi_96[257][3] = {
 #include "vecmath/tables/inv_two_pi_96.inc"
-};
-
-// 4/pi times 2^200 in pieces of 25 bits, after a zero.
-inline constexpr double four_over_pi_pieces[51] = {
-#include "vecmath/tables/four_over_pi_pieces.inc"
 };
 
 // For theta = 2 pi j/512: cos theta - lead, lead (a power of two), sin theta to nearest and the rest of it.
@@ -30,4 +25,4 @@ alignas(32) inline constexpr double sin_128[128][4] = {
 #include "vecmath/tables/sin_128.inc"
 };
 
-}  // namespace orv::trig
+}  // namespace orv::vecmath
