@@ -12,7 +12,6 @@
 namespace orv::vecmath {
 
 struct ExpBaseSBlock {
-    char name[8];
     bool exact_reduction;  // x + shifter rounds x itself, and r = x - k / 128 is exact
     float last_finite, first_zero, last_normal;
     double log2_base;
@@ -43,8 +42,6 @@ inline float exp2_rounded(double z) {
 
 template <const ExpBaseSBlock& K>
 struct ExpBaseS : frame::OneInput<float, 8, frame::Tail::masked> {
-    static constexpr const char* name = K.name;
-
     static __m128 doubt(__m128 x) {
         return simd::floats(_mm_cmpgt_epi32(_mm_and_si128(simd::bits_of(x), K.magnitude), K.limit));
     }
@@ -61,7 +58,7 @@ struct ExpBaseS : frame::OneInput<float, 8, frame::Tail::masked> {
         }
         const __m128i words = simd::bits_of(shifted);
         __m128 t_high, t_low;
-        simd::gather_pairs(K.rows, simd::offsets_of_4(_mm_and_si128(words, K.index_mask)), t_high, t_low);
+        simd::gather_pairs(K.rows, simd::Indices<4>(_mm_and_si128(words, K.index_mask)), t_high, t_low);
         const __m128 p = r * (K.c1 + r * K.c2) + t_low;
         const __m128i exponent = _mm_slli_epi32(_mm_andnot_si128(K.index_mask, words), 23 - 7);
         return simd::floats(_mm_add_epi32(simd::bits_of(p * t_high + t_high), exponent));

@@ -54,7 +54,6 @@ inline bool settled(float x, float* y, int32_t* status) {
 // ---- "LA" and "EP" ---------------------------------------------------------------------------------------------------
 
 struct ExpPolynomial {
-    char name[8];
     Splat<float> ln2_high, ln2_low;   // zero where the polynomial is one of 2^f
     Splat<float> c1, c2, c3, c4, c5;  // the leading coefficient is 1
     Splat<float> one{1.0f};
@@ -63,13 +62,12 @@ struct ExpPolynomial {
     MagnitudeTest test{};
 };
 
-constexpr ExpPolynomial exp_la{"vsExp",        0x1.62e4p-1f,   0x1.7f7d1cp-20f, 0x1.fffffcp-1f,
-                               0x1.fffe68p-2f, 0x1.555958p-3f, 0x1.570724p-5f,  0x1.0fb3fcp-7f};
-constexpr ExpPolynomial exp_ep{"vsExp", 0.0f, 0.0f, 0x1.62e844p-1f, 0x1.efacd4p-3f, 0x1.c6b056p-5f, 0.0f, 0.0f};
+constexpr ExpPolynomial exp_la{0x1.62e4p-1f,   0x1.7f7d1cp-20f, 0x1.fffffcp-1f, 0x1.fffe68p-2f,
+                               0x1.555958p-3f, 0x1.570724p-5f,  0x1.0fb3fcp-7f};
+constexpr ExpPolynomial exp_ep{0.0f, 0.0f, 0x1.62e844p-1f, 0x1.efacd4p-3f, 0x1.c6b056p-5f, 0.0f, 0.0f};
 
 template <const ExpPolynomial& K>
 struct Exp : frame::OneInput<float, 16, frame::Tail::masked> {
-    static constexpr const char* name = K.name;
     static constexpr bool of_two = K.ln2_high == 0.0f;
 
     static __m128 doubt(__m128 x) { return K.test.doubt(x); }
@@ -113,7 +111,6 @@ struct Exp : frame::OneInput<float, 16, frame::Tail::masked> {
 // ---- "HA" ------------------------------------------------------------------------------------------------------------
 
 struct ExpPairs {
-    char name[8] = "vsExp";
     Splat<float> shifter{0x1.6p+23f};
     Splat<float> scale{0x1.715476p+7f};                            // 128 / ln 2
     Splat<float> ln2_high{0x1.63p-8f}, ln2_low{-0x1.bd0106p-20f};  // ln 2 / 128
@@ -129,7 +126,6 @@ constexpr ExpPairs exp_ha;
 
 struct ExpHa : frame::OneInput<float, 8, frame::Tail::by_element, frame::Rejected::whole_block> {
     static constexpr const ExpPairs& K = exp_ha;
-    static constexpr const char* name = K.name;
 
     static __m128 doubt(__m128 x) { return K.test.doubt(x); }
 
@@ -138,7 +134,7 @@ struct ExpHa : frame::OneInput<float, 8, frame::Tail::by_element, frame::Rejecte
         const __m128 minus_k = K.shifter - shifted;
         const __m128 r = (x + minus_k * K.ln2_high) + minus_k * K.ln2_low;
         __m128 t_high, t_low;
-        simd::gather_pairs(K.rows, simd::offsets_of_4(_mm_and_si128(bits_of(shifted), K.index_mask)), t_high, t_low);
+        simd::gather_pairs(K.rows, simd::Indices<4>(_mm_and_si128(bits_of(shifted), K.index_mask)), t_high, t_low);
         const __m128 p = (r + t_low) + K.half * r * r;
         const __m128i exponent = _mm_add_epi32(_mm_srai_epi32(bits_of(shifted), 7), K.bias);
         return (p * t_high + t_high) * floats(_mm_slli_epi32(exponent, 23));

@@ -27,7 +27,6 @@ constexpr double last_finite = 0x1.62e42fefa39efp+9;  // 709.78
 constexpr const vecmath::Expm1Limits& limits = vecmath::expm1_limits;
 
 struct Expm1Pairs {
-    char name[8];
     bool r_in_two_parts;
     Splat<double> shifter{0x1.80000001ff8p+48};
     Splat<double> ln2_high{0x1.62e42fef8p-8}, ln2_low{0x1.1cf79abc9e3b4p-43};  // ln 2 / 128
@@ -39,8 +38,8 @@ struct Expm1Pairs {
 #include "vecmath/tables/exp2_128.inc"
     };
 };
-constexpr Expm1Pairs expm1_la{.name = "vdExpm1", .r_in_two_parts = false};
-constexpr Expm1Pairs expm1_ha{.name = "vdExpm1", .r_in_two_parts = true};
+constexpr Expm1Pairs expm1_la{.r_in_two_parts = false};
+constexpr Expm1Pairs expm1_ha{.r_in_two_parts = true};
 
 // Beyond the vector path e^x - 1 is e^x to the last bit, of which the power of two is taken last.
 int32_t scalar_expm1(const double* at, double* y) {
@@ -65,17 +64,15 @@ int32_t scalar_expm1(const double* at, double* y) {
 
 template <const Expm1Pairs& K>
 struct Expm1 : frame::OneInput<double, 4, frame::Tail::masked> {
-    static constexpr const char* name = K.name;
-
     static __m128d doubt(__m128d x) { return limits.doubt(x); }
 
     static __m128d lanes(__m128d argument) {
         const __m128d x = _mm_max_pd(argument, limits.saturated);
         const __m128d k = simd::round<_MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC>(x * limits.scale);
         const __m128i words = bits_of(k + K.shifter);
-        const simd::Offsets2 at = simd::offsets_of(_mm_and_si128(words, K.offset_mask));
-        const __m128d row0 = _mm_load_pd(simd::behind(K.rows[0], at.at0));
-        const __m128d row1 = _mm_load_pd(simd::behind(K.rows[0], at.at1));
+        const simd::Indices<2> at(_mm_and_si128(words, K.offset_mask));
+        const __m128d row0 = _mm_load_pd(simd::behind(K.rows[0], at.lane[0]));
+        const __m128d row1 = _mm_load_pd(simd::behind(K.rows[0], at.lane[1]));
         // The power of two; rows times it are exact.
         const __m128d power = doubles(_mm_and_si128(_mm_slli_epi64(words, 41), limits.exponent_mask));
         const __m128d s = _mm_unpacklo_pd(row0, row1) * power;
@@ -101,11 +98,9 @@ struct Expm1 : frame::OneInput<double, 4, frame::Tail::masked> {
     static int32_t scalar(const double* x, double* y) { return scalar_expm1(x, y); }
 };
 
-constexpr vecmath::Expm1Words expm1_ep{.name = "vdExpm1"};
+constexpr vecmath::Expm1Words expm1_ep{};
 
 struct Expm1Ep : frame::OneInput<double, 4, frame::Tail::masked> {
-    static constexpr const char* name = expm1_ep.name;
-
     static __m128d doubt(__m128d x) { return limits.doubt(x); }
     static __m128d lanes(__m128d x) { return vecmath::expm1_words<expm1_ep>(x); }
     static int32_t scalar(const double* x, double* y) { return scalar_expm1(x, y); }

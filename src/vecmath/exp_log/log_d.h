@@ -66,7 +66,6 @@ int32_t scalar_log_d(const double* at, double* y, double log_of_2_52) {
 // leading part of R. Where a is zero, next to 1, the rest v of R joins u in one exact sum; elsewhere it joins the small
 // terms.
 struct Log513Block {
-    char name[8];
     simd::Splat<double> log2_high, log2_low;
     simd::Splat<double> leading;             // L
     simd::Splat<double> q0, q1, q2, q3, q4;  // of q, from the constant term
@@ -88,10 +87,10 @@ inline __m128d log_513(__m128d x, Rest... rest) {
     const __m128i m_bits = _mm_or_si128(_mm_and_si128(bits, K.fraction), K.exponent_0);
     // The leading bits of m rounded to 9 of the fraction select the row, at 32 bytes a row once they are shifted.
     const __m128i leading = _mm_and_si128(_mm_add_epi64(m_bits, K.half_row), K.row_bits);
-    const simd::Offsets2 at = simd::offsets_of(_mm_srli_epi64(leading, 38));
+    const simd::Indices<2> at(_mm_srli_epi64(leading, 38));
     constexpr uint32_t at_1 = bits_of_one >> 38;
-    const double* row0 = simd::behind(K.rows[0], at.at0 - at_1);
-    const double* row1 = simd::behind(K.rows[0], at.at1 - at_1);
+    const double* row0 = simd::behind(K.rows[0], at.lane[0] - at_1);
+    const double* row1 = simd::behind(K.rows[0], at.lane[1] - at_1);
     const __m128d rcp = simd::gather(row0, row1);
     const __m128d logs0 = _mm_load_pd(row0 + 2), logs1 = _mm_load_pd(row1 + 2);
     const __m128d log_high = _mm_unpacklo_pd(logs0, logs1), log_low = _mm_unpackhi_pd(logs0, logs1);
@@ -139,7 +138,6 @@ inline constexpr LogCentresShape centres_513_exact{9, 0x100000 - 0x6A400, true};
 
 template <const LogCentresShape& Shape>
 struct LogCentresBlock {
-    char name[8];
     simd::Splat<double> log2_high, log2_low;
     simd::Splat<double> c1;              // less one with exact_leading
     simd::Splat<double> c2, c3, c4, c5;  // zero from the first that is left out
@@ -159,10 +157,10 @@ inline __m128d log_centres(__m128d x, Rest... rest) {
     const __m128i m = _mm_or_si128(_mm_and_si128(bits, K.fraction), K.exponent_0);
     // The next number of the grid, a tie upwards: a carry out of the fraction makes it 2, and its row the last.
     const __m128i centre = _mm_and_si128(_mm_add_epi64(m, K.half_step), K.grid);
-    const simd::Offsets2 at = simd::offsets_of(_mm_srli_epi64(centre, K.shape.shift()));
+    const simd::Indices<2> at(_mm_srli_epi64(centre, K.shape.shift()));
     constexpr uint32_t at_1 = bits_of_one >> K.shape.shift();
-    const double* row0 = simd::behind(K.rows[0], at.at0 - at_1);
-    const double* row1 = simd::behind(K.rows[0], at.at1 - at_1);
+    const double* row0 = simd::behind(K.rows[0], at.lane[0] - at_1);
+    const double* row1 = simd::behind(K.rows[0], at.lane[1] - at_1);
     const __m128d logs0 = _mm_load_pd(row0), logs1 = _mm_load_pd(row1);
     const __m128d log_high = _mm_unpacklo_pd(logs0, logs1), log_low = _mm_unpackhi_pd(logs0, logs1);
 
@@ -198,8 +196,6 @@ inline __m128d log_centres(__m128d x, Rest... rest) {
 // The kernel of a block of either method.
 template <const auto& K>
 struct LogD : frame::OneInput<double, 4, frame::Tail::by_element> {
-    static constexpr const char* name = K.name;
-
     static __m128d doubt(__m128d x) { return K.normal.doubt(x); }
     static __m128d lanes(__m128d x) {
         if constexpr (requires { K.leading; })
