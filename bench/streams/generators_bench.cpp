@@ -43,7 +43,9 @@ void floats(benchmark::State& state, int32_t id) {
 void words(benchmark::State& state, int32_t id) {
     const int32_t n = static_cast<int32_t>(state.range(0));
     OpenStream stream(id);
-    std::vector<uint64_t> r(static_cast<size_t>(n));
+    BrngProperties generator;
+    __kuzGetBrngProperties(id, &generator);
+    std::vector<char> r(static_cast<size_t>(n) * static_cast<size_t>(generator.wordBytes));
     orv::bench::measure(state, n, repeats(n), [&] { _kuziRngUniformBits(0, stream.handle, n, r.data()); });
 }
 

@@ -242,25 +242,28 @@ int32_t __kuzCopyStreamState(Stream* destination, const Stream* source);
 /* A stream's image is a 24-byte header, the generator state as raw bytes, and the chunks; little-endian, no checksum.
  * Loading reads it and the two older forms with 20-byte headers.
  *
- * A damaged image of a generator without pointers in its state is refused or gives a stream that works on some state;
- * it never writes outside its own memory, and sizes that the file's length cannot hold are a read failure. The state of
- * the abstract and quasi-random generators holds pointers or sizes: for them, and for registered generators that trust
- * their state, an image is trusted input, good only in the process that saved it where it holds pointers.
+ * A damaged image of a built-in generator is refused or gives a stream that works on some state of the generator; sizes
+ * that the file's length cannot hold are a read failure. The exceptions are the abstract generators, whose state holds
+ * pointers, good only in the process that saved it, and registered generators that trust their state: for them an image
+ * is trusted input.
  *
  * A file name of `name_length` bytes needs no final zero; with a negative name_length it has one. */
 
 /* Saves to a file. Returns StreamStatusOpenFailed, StreamStatusWriteFailed, StreamStatusCloseFailed or StatusNoMemory on
  * failure. After header and state, only the last chunk's data decides about StreamStatusWriteFailed, and a last chunk
- * without data counts as failed. */
+ * without data counts as failed. A stream of more than 65535 chunks gives StreamStatusWriteFailed before a file is
+ * opened. */
 int32_t __kuzSaveStreamF(const Stream* stream, const char* name, int32_t name_length);
 
-/* Loads from a file: StreamStatusOpenFailed, StreamStatusReadFailed, StreamStatusBadFile, StreamStatusCloseFailed,
- * StatusNoMemory, BrngStatusBadId for an id that exists but has no generator behind it; TrngStatusNotSupported and
+/* Loads from a file: StreamStatusOpenFailed, StreamStatusReadFailed, StreamStatusCloseFailed, StatusNoMemory;
+ * StreamStatusBadFile for an id that does not exist, a size that is not its own or a state that it cannot be in;
+ * BrngStatusBadId for a generator that is not in this build; TrngStatusNotSupported and
  * ArsStatusNotSupported on a processor without the instructions. *stream is null on failure, and untouched when there
  * was no memory for the name. Chunks come back in reverse order. */
 int32_t __kuzLoadStreamF(Stream** stream, const char* name, int32_t name_length);
 
-/* Saves to a block of __kuzGetStreamSize bytes. */
+/* Saves to a block of __kuzGetStreamSize bytes. There is no failure: of more than 65535 chunks the image says that it has
+ * 65535, and a loader gets those at the head of the list. */
 int32_t __kuzSaveStreamM(const Stream* stream, void* memory);
 
 /* Loads from a block. Returns StreamStatusBadImage where the file form returns StreamStatusBadFile. The block's end is

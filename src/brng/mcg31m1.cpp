@@ -4,6 +4,7 @@
 #include "brng/multiplicative.h"
 #include "brng/outputs.h"
 #include "platform/export.h"
+#include "streams/state_checks.h"
 
 #include <orv/random.h>
 
@@ -84,6 +85,15 @@ int32_t generate(Stream* stream, int32_t n, typename Output::Element* r, Output 
 }
 
 }  // namespace
+
+namespace orv::brng::mcg31m1 {
+
+bool is_sound(const Stream* stream) {
+    const Mcg31m1& state = *reinterpret_cast<const Mcg31m1*>(stream);
+    return state.x - 1 < m31 - 1 && state.a - 1 < m31 - 1;
+}
+
+}  // namespace orv::brng::mcg31m1
 
 ORV_API int32_t __kuzBRngMCG31M1InitStream(int32_t method, Stream* stream, int32_t n, const void* params) {
     return init_multiplicative<Mcg31m1>(method, stream, n, params);

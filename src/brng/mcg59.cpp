@@ -5,6 +5,7 @@
 #include "brng/multiplicative.h"
 #include "brng/outputs.h"
 #include "platform/export.h"
+#include "streams/state_checks.h"
 
 #include <orv/random.h>
 
@@ -131,6 +132,16 @@ int32_t generate(Stream* stream, int32_t n, typename Output::Element* r, Output 
 }
 
 }  // namespace
+
+namespace orv::brng::mcg59 {
+
+// Powers of the multiplier are odd; an even one would end at zero.
+bool is_sound(const Stream* stream) {
+    const Mcg59& state = *reinterpret_cast<const Mcg59*>(stream);
+    return state.x != 0 && state.x <= mask59 && (state.a & 1) != 0 && state.a <= mask59;
+}
+
+}  // namespace orv::brng::mcg59
 
 ORV_API int32_t __kuzBRngMCG59InitStream(int32_t method, Stream* stream, int32_t n, const void* params) {
     return init_multiplicative<Mcg59>(method, stream, n, params);

@@ -5,6 +5,7 @@
 #include "brng/mrg32k3a_lanes.h"
 #include "brng/outputs.h"
 #include "platform/export.h"
+#include "streams/state_checks.h"
 
 #include <orv/random.h>
 
@@ -94,6 +95,16 @@ void skip_ahead(MrgState& s, int32_t n, const uint64_t* count) {
 }
 
 }  // namespace
+
+namespace orv::brng::mrg32k3a {
+
+bool is_sound(const Stream* stream) {
+    const MrgState& s = reinterpret_cast<const Mrg32k3a*>(stream)->state;
+    const auto below = [](const uint32_t* v, uint32_t m) { return v[0] < m && v[1] < m && v[2] < m; };
+    return below(s.x, m1) && below(s.y, m2) && (s.x[0] | s.x[1] | s.x[2]) != 0 && (s.y[0] | s.y[1] | s.y[2]) != 0;
+}
+
+}  // namespace orv::brng::mrg32k3a
 
 ORV_API int32_t __kuzBRngMRG32K3AInitStream(int32_t method, Stream* stream, int32_t n, const void* params) {
     MrgState& state = reinterpret_cast<Mrg32k3a*>(stream)->state;

@@ -1,8 +1,12 @@
 // The list of memory chunks that hangs off a stream.
+#include "streams/chunks.h"
+
 #include "platform/export.h"
 #include "services/services.h"
 #include "streams/record.h"
 #include "streams/shared_table.h"
+
+#include <string.h>
 
 using namespace orv::streams;
 
@@ -67,9 +71,51 @@ Chunk* copy_chunk(const Chunk* source) {
     return copy;
 }
 
+void delete_all_of_id(Stream* stream, int32_t id) {
+    Chunk* kept = nullptr;
+    for (Chunk* chunk = first_chunk(stream); chunk;) {
+        Chunk* next = chunk->next;
+        if (chunk->chunkId != id) {
+            kept = chunk;
+        } else {
+            if (kept)
+                kept->next = next;
+            else
+                set_first_chunk(stream, next);
+            delete_chunk(chunk);
+        }
+        chunk = next;
+    }
+}
+
 }  // namespace
 
 namespace orv::streams {
+
+Chunk* find_chunk(const Stream* stream, int32_t id) {
+    Chunk* chunk = first_chunk(stream);
+    while (chunk && chunk->chunkId != id) chunk = chunk->next;
+    return chunk;
+}
+
+Chunk* replace_chunks(Stream* stream, int32_t id, int32_t size) {
+    const size_t bytes = static_cast<size_t>(size);
+    void* data = orv_serv_allocate(bytes, block_alignment);
+    Chunk* chunk = data ? new_chunk(id, size, data) : nullptr;
+    if (!chunk) {
+        orv_serv_deallocate(data);
+        return nullptr;
+    }
+    memset(data, 0, bytes);
+    delete_all_of_id(stream, id);
+    push_front(stream, chunk);
+    return chunk;
+}
+
+Chunk* find_or_create_chunk(Stream* stream, int32_t id, int32_t size) {
+    Chunk* found = find_chunk(stream, id);
+    return found && found->dataBytes == size ? found : replace_chunks(stream, id, size);
+}
 
 int32_t add_loaded_chunk(Stream* stream, int32_t id, const uint64_t* key, void* data, int32_t size, bool* shared) {
     return add(stream, id, key, data, size, true, shared);
@@ -83,9 +129,8 @@ ORV_API int32_t __kuzAddChunk(Stream* stream, int32_t id, const uint64_t* key, v
 }
 
 ORV_API void* __kuzSearchChunk(const Stream* stream, int32_t id) {
-    for (const Chunk* chunk = first_chunk(stream); chunk; chunk = chunk->next)
-        if (chunk->chunkId == id) return chunk->data;
-    return nullptr;
+    const Chunk* found = find_chunk(stream, id);
+    return found ? found->data : nullptr;
 }
 
 ORV_API int32_t __kuzGetNumChunks(const Stream* stream) {

@@ -13,13 +13,13 @@ int32_t allocate_record(Stream** stream, const BrngProperties* row, int32_t id) 
 }
 
 int32_t create_seeded(Stream** stream, int32_t id, int32_t n, const void* params) {
-    int32_t row, member;
-    const BrngProperties* table = __kuzGetBrngBaseOffset(id, &row, &member);
-    int32_t status = check_creatable(table, row, member);
+    const Place place = resolve(id);
+    int32_t status = check_creatable(place);
     if (status < 0) return status;
-    status = allocate_record(stream, &table[row], id);
+    const BrngProperties* row = &place.table[place.row];
+    status = allocate_record(stream, row, id);
     if (status < 0) return status;
-    return table[row].initStream(InitMethodSeed, *stream, n, params);
+    return row->initStream(InitMethodSeed, *stream, n, params);
 }
 
 }  // namespace orv::streams
@@ -35,7 +35,7 @@ ORV_API int32_t __kuzNewStreamEx(Stream** stream, int32_t id, int32_t n, const u
 
 ORV_API int32_t __kuzAllocateStream(Stream** stream, const BrngProperties* table, int32_t id, int32_t row,
                                     int32_t member) {
-    const int32_t status = check_creatable(table, row, member);
+    const int32_t status = check_creatable({table, row, member});
     return status < 0 ? status : allocate_record(stream, &table[row], id);
 }
 
@@ -60,13 +60,13 @@ ORV_API int32_t __kuzDeleteStream(Stream** stream) {
 }
 
 ORV_API int32_t __kuzCopyStream(Stream** stream, const Stream* source) {
-    int32_t row, member;
-    const BrngProperties* table = __kuzGetBrngBaseOffset(source->brngId, &row, &member);
-    int32_t status = check_creatable(table, row, member);
+    const Place place = resolve(source->brngId);
+    int32_t status = check_creatable(place);
     if (status < 0) return status;
-    status = allocate_record(stream, &table[row], source->brngId);
+    const BrngProperties* row = &place.table[place.row];
+    status = allocate_record(stream, row, source->brngId);
     if (status < 0) return status;
-    const size_t bytes = record_bytes(&table[row]);
+    const size_t bytes = record_bytes(row);
     orv_serv_memcpy_s(*stream, bytes, source, bytes);
     (*stream)->chunks = 0;
     return __kuzCopyChunks(*stream, source);

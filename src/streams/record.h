@@ -34,11 +34,29 @@ inline void write_header(Stream* stream, int32_t id) {
 inline uint8_t* state_of(Stream* stream) { return reinterpret_cast<uint8_t*>(stream) + header_bytes; }
 inline const uint8_t* state_of(const Stream* stream) { return reinterpret_cast<const uint8_t*>(stream) + header_bytes; }
 
+// A main id is (row + 1) << 20 plus the member of a family. Ids below 0x100000 are the older form: a row number, except
+// that 4 to 276 name the members of the WH family, which all share row 4.
+inline constexpr int32_t main_id_unit = 0x100000;
+inline constexpr int32_t small_wh_row = 4;
+inline constexpr uint32_t small_wh_members = 273;
+
+struct Place {
+    const BrngProperties* table;
+    int32_t row, member;
+};
+
+// Tests nothing: a negative id gives a negative row, which is not to be read.
+inline Place resolve(int32_t id) {
+    if (id >= main_id_unit) return {__RegBrngsNew, (id >> 20) - 1, id & (main_id_unit - 1)};
+    const uint32_t member = static_cast<uint32_t>(id) - small_wh_row;
+    if (member < small_wh_members) return {__RegBrngs, small_wh_row, static_cast<int32_t>(member)};
+    return {__RegBrngs, id, 0};
+}
+
 // The row of a live stream; ids of live streams have been tested.
 inline const BrngProperties* row_of(const Stream* stream) {
-    int32_t row, member;
-    const BrngProperties* table = __kuzGetBrngBaseOffset(stream->brngId, &row, &member);
-    return &table[row];
+    const Place place = resolve(stream->brngId);
+    return &place.table[place.row];
 }
 
 // The bytes of a record. A registered row may name fewer than the header takes; the record holds the header all the same.
@@ -48,16 +66,12 @@ inline size_t record_bytes(const BrngProperties* row) {
 
 // Tests a resolved id as creation does: the row and member exist, and there is a generator behind the row. The second
 // test catches the zero rows, the negative small ids and the generators that this build does not have.
-int32_t check_creatable(const BrngProperties* table, int32_t row, int32_t member);
+int32_t check_creatable(const Place& place);
 
 // Allocates a record for a tested row and writes its header. Stores null on failure.
 int32_t allocate_record(Stream** stream, const BrngProperties* row, int32_t id);
 
 // A record for any id that check_creatable lets pass, seeded with what its generator's initStream takes.
 int32_t create_seeded(Stream** stream, int32_t id, int32_t n, const void* params);
-
-// Adds a chunk as __kuzAddChunk does, except that data under a known key of another size is kept private; *shared tells
-// whether the table's data took the place of `data`, which is then the caller's to free.
-int32_t add_loaded_chunk(Stream* stream, int32_t id, const uint64_t* key, void* data, int32_t size, bool* shared);
 
 }  // namespace orv::streams

@@ -1,8 +1,6 @@
-// The registry of generators: two tables of rows, the arithmetic of ids, and registration.
-//
-// A main id is (row + 1) << 20 plus the member of a family. Ids below 0x100000 are the older form: a row number, except
-// that 4 to 276 name the members of the WH family, which all share row 4.
+// The registry of generators: two tables of rows, and registration.
 #include "platform/export.h"
+#include "streams/builtin_generators.h"
 #include "streams/record.h"
 
 #include <orv/random.h>
@@ -10,35 +8,22 @@
 namespace {
 
 constexpr int32_t table_rows = 512;
-constexpr int32_t builtin_rows = 16;
-constexpr int32_t main_id_unit = 0x100000;
-constexpr int32_t member_mask = 0xFFFFF;
 constexpr int32_t small_row_limit = 281;
-constexpr int32_t wh_row = 4;
-constexpr int32_t wh_members = 273;
-constexpr int32_t mt2203_row = 8;
-constexpr int32_t mt2203_members = 6024;
 
-// Rows by name, so that both tables hold the same. Null functions: the generator is not in this build.
-constexpr BrngProperties mcg31m1 = {
-    24, 1, 0, 4, 31, __kuzBRngMCG31M1InitStream, __kuzsBRngMCG31M1, __kuzdBRngMCG31M1, __kuziBRngMCG31M1};
-constexpr BrngProperties r250 = {1024, 252, 1, 4, 32, nullptr, nullptr, nullptr, nullptr};
-constexpr BrngProperties mrg32k3a = {
-    40, 6, 1, 4, 32, __kuzBRngMRG32K3AInitStream, __kuzsBRngMRG32K3A, __kuzdBRngMRG32K3A, __kuziBRngMRG32K3A};
-constexpr BrngProperties mcg59 = {
-    32, 1, 0, 8, 59, __kuzBRngMCG59InitStream, __kuzsBRngMCG59, __kuzdBRngMCG59, __kuziBRngMCG59};
-constexpr BrngProperties wh = {48, 4, 1, 16, 24, nullptr, nullptr, nullptr, nullptr};
-constexpr BrngProperties sobol = {11712, 2604, 0, 4, 32, nullptr, nullptr, nullptr, nullptr};
-constexpr BrngProperties niederr = {84288, 10498, 0, 4, 32, nullptr, nullptr, nullptr, nullptr};
-constexpr BrngProperties mt19937 = {2520, 625, 1, 4, 32, nullptr, nullptr, nullptr, nullptr};
-constexpr BrngProperties mt2203 = {312, 70, 1, 4, 32, nullptr, nullptr, nullptr, nullptr};
-constexpr BrngProperties i_abstract = {40, 0, 1, 4, 32, nullptr, __kuzsBRngiAbstract, __kuzdBRngiAbstract, nullptr};
-constexpr BrngProperties d_abstract = {56, 0, 1, 4, 32, nullptr, __kuzsBRngdAbstract, nullptr, __kuziBRngdAbstract};
-constexpr BrngProperties s_abstract = {48, 0, 1, 4, 32, nullptr, nullptr, __kuzdBRngsAbstract, __kuziBRngsAbstract};
-constexpr BrngProperties sfmt19937 = {2536, 625, 1, 4, 32, nullptr, nullptr, nullptr, nullptr};
-constexpr BrngProperties trng = {24, 1, 0, 4, 32, nullptr, nullptr, nullptr, nullptr};
-constexpr BrngProperties ars5 = {72, 8, 1, 4, 32, nullptr, nullptr, nullptr, nullptr};
-constexpr BrngProperties philox4x32x10 = {64, 8, 1, 4, 32, nullptr, nullptr, nullptr, nullptr};
+// What a row's mark makes of the four functions.
+#define ORV_FUNCTIONS_HERE(name) __kuzBRng##name##InitStream, __kuzsBRng##name, __kuzdBRng##name, __kuziBRng##name
+#define ORV_FUNCTIONS_LATER(name) nullptr, nullptr, nullptr, nullptr
+#define ORV_FUNCTIONS_RING_i(name) nullptr, __kuzsBRng##name, __kuzdBRng##name, nullptr
+#define ORV_FUNCTIONS_RING_d(name) nullptr, __kuzsBRng##name, nullptr, __kuziBRng##name
+#define ORV_FUNCTIONS_RING_s(name) nullptr, nullptr, __kuzdBRng##name, __kuziBRng##name
+
+// Both tables hold copies of these.
+#define FIGURES(...) __VA_ARGS__
+#define ORV_PROPERTIES(mark, name, space, figures, members, width, state) \
+    constexpr BrngProperties row_##name = {figures, ORV_FUNCTIONS_##mark(name)};
+ORV_BUILTIN_GENERATORS(ORV_PROPERTIES)
+
+#define ORV_ROW(mark, name, space, figures, members, width, state) row_##name,
 
 // 273 rows alike: 256 + 16 + 1.
 #define ORV_ROWS_4(row) row, row, row, row
@@ -46,13 +31,11 @@ constexpr BrngProperties philox4x32x10 = {64, 8, 1, 4, 32, nullptr, nullptr, nul
 #define ORV_ROWS_64(row) ORV_ROWS_16(row), ORV_ROWS_16(row), ORV_ROWS_16(row), ORV_ROWS_16(row)
 #define ORV_ROWS_256(row) ORV_ROWS_64(row), ORV_ROWS_64(row), ORV_ROWS_64(row), ORV_ROWS_64(row)
 
-int32_t registered = builtin_rows;
-
 // Parallel to __RegBrngsNew.
-int32_t members[table_rows] = {
-    1, 1, 1, 1, wh_members, 1, 1, 1, mt2203_members, 1, 1, 1, 1, 1, 1, 1,
-};
-static_assert(wh_row == 4 && mt2203_row == 8);
+#define ORV_MEMBERS(mark, name, space, figures, members, width, state) members,
+int32_t members[table_rows] = {ORV_BUILTIN_GENERATORS(ORV_MEMBERS)};
+
+int32_t registered = orv::streams::builtin_rows;
 
 }  // namespace
 
@@ -63,25 +46,17 @@ ORV_API BrngProperties __RegBrngsNew[table_rows];
 // NOLINTEND(readability-redundant-declaration)
 
 const BrngProperties __RegBrngs[table_rows] = {
-    mcg31m1, r250, mrg32k3a, mcg59, ORV_ROWS_256(wh), ORV_ROWS_16(wh), wh, sobol, niederr,
+    row_MCG31M1,         row_R250, row_MRG32K3A, row_MCG59,   ORV_ROWS_256(row_WH),
+    ORV_ROWS_16(row_WH), row_WH,   row_Sobol,    row_Niederr,
 };
 
-BrngProperties __RegBrngsNew[table_rows] = {
-    mcg31m1, r250,       mrg32k3a,   mcg59,      wh,        sobol, niederr, mt19937,
-    mt2203,  i_abstract, d_abstract, s_abstract, sfmt19937, trng,  ars5,    philox4x32x10,
-};
+BrngProperties __RegBrngsNew[table_rows] = {ORV_BUILTIN_GENERATORS(ORV_ROW)};
 
 ORV_API const BrngProperties* __kuzGetBrngBaseOffset(int32_t id, int32_t* row, int32_t* member) {
-    if (id >= main_id_unit) {
-        *row = (id >> 20) - 1;
-        *member = id & member_mask;
-        return __RegBrngsNew;
-    }
-    const uint32_t wh_member = static_cast<uint32_t>(id) - wh_row;
-    const bool of_wh = wh_member < wh_members;
-    *row = of_wh ? wh_row : id;
-    *member = of_wh ? static_cast<int32_t>(wh_member) : 0;
-    return __RegBrngs;
+    const orv::streams::Place place = orv::streams::resolve(id);
+    *row = place.row;
+    *member = place.member;
+    return place.table;
 }
 
 ORV_API int32_t __kuzIsBrngValid(const BrngProperties* table, int32_t row, int32_t member) {
@@ -91,12 +66,11 @@ ORV_API int32_t __kuzIsBrngValid(const BrngProperties* table, int32_t row, int32
 }
 
 ORV_API int32_t __kuzGetBrngProperties(int32_t id, BrngProperties* properties) {
-    int32_t row, member;
-    const BrngProperties* table = __kuzGetBrngBaseOffset(id, &row, &member);
-    const int32_t status = __kuzIsBrngValid(table, row, member);
+    const orv::streams::Place place = orv::streams::resolve(id);
+    const int32_t status = __kuzIsBrngValid(place.table, place.row, place.member);
     if (status < 0) return status;
-    if (row < 0) return BrngStatusBadId;  // a negative small id, which has no row to copy
-    *properties = table[row];
+    if (place.row < 0) return BrngStatusBadId;  // a negative small id, which has no row to copy
+    *properties = place.table[place.row];
     return StatusOk;
 }
 
@@ -113,7 +87,7 @@ ORV_API int32_t __kuzRegisterBrng(const BrngProperties* properties) {
     members[index] = 1;
     // The count is published last: whoever reads it finds a complete row.
     __atomic_store_n(&registered, index + 1, __ATOMIC_RELEASE);
-    return (index + 1) * main_id_unit;
+    return (index + 1) * orv::streams::main_id_unit;
 }
 
 ORV_API int32_t __kuzGetNumRegBrngs() { return registered; }
@@ -122,11 +96,11 @@ ORV_API int32_t __kuzGetStreamStateBrng(const Stream* stream) { return stream->b
 
 namespace orv::streams {
 
-int32_t check_creatable(const BrngProperties* table, int32_t row, int32_t member) {
-    const int32_t status = __kuzIsBrngValid(table, row, member);
+int32_t check_creatable(const Place& place) {
+    const int32_t status = __kuzIsBrngValid(place.table, place.row, place.member);
     if (status < 0) return status;
-    if (row < 0 || member < 0) return BrngStatusBadId;
-    const BrngProperties& found = table[row];
+    if (place.row < 0 || place.member < 0) return BrngStatusBadId;
+    const BrngProperties& found = place.table[place.row];
     const bool complete = found.initStream && found.sBRng && found.dBRng && found.iBRng;
     return complete ? StatusOk : BrngStatusBadId;
 }

@@ -5,7 +5,9 @@
 #include "platform/export.h"
 #include "platform/platform.h"
 #include "services/services.h"
+#include "streams/chunks.h"
 #include "streams/record.h"
+#include "streams/state_checks.h"
 
 #include <string.h>
 
@@ -21,6 +23,7 @@ constexpr uint32_t signature = 0x474E52;  // "RNG", little-endian
 constexpr uint32_t signature_mask = 0xFFFFFF;
 constexpr int32_t image_header_bytes = 24;
 constexpr int32_t chunk_header_bytes = 24;
+constexpr int32_t most_chunks = 0xFFFF;
 // What a chunk may ask for in a file that cannot tell its length.
 constexpr int64_t blind_limit = int64_t{1} << 26;
 
@@ -92,9 +95,14 @@ bool put_chunk(Sink& sink, const Chunk* chunk) {
 int32_t save(Sink& sink, const Stream* stream) {
     const BrngProperties* row = row_of(stream);
     const size_t state_bytes = record_bytes(row) - header_bytes;
+    const int32_t chunks = __kuzGetNumChunks(stream);
     const ImageStart start = {current_version, {}, signature};
     const CurrentRest rest = {
-        image_header_bytes, 0, static_cast<uint32_t>(state_bytes), static_cast<uint16_t>(__kuzGetNumChunks(stream)), 0,
+        image_header_bytes,
+        0,
+        static_cast<uint32_t>(state_bytes),
+        static_cast<uint16_t>(chunks < most_chunks ? chunks : most_chunks),
+        0,
         stream->brngId,
     };
     if (!put(sink, &start, sizeof start) || !put(sink, &rest, sizeof rest) || !put(sink, state_of(stream), state_bytes))
@@ -147,22 +155,26 @@ bool has_signature(const ImageStart& start) {
     return (start.signature & signature_mask) == signature || (first & signature_mask) == signature;
 }
 
+// The validity test lets some ids pass that have no row: negative ones, and those of the zero rows behind the last.
+bool exists(const Place& place) {
+    return __kuzIsBrngValid(place.table, place.row, place.member) >= 0 && place.row >= 0 &&
+           place.table[place.row].wordBytes != 0;
+}
+
 int32_t load(Source& source, int32_t bad_image, Stream** stream) {
     *stream = nullptr;
     ImageStart start;
     CurrentRest header;
     if (!get_header(source, &start, &header)) return StreamStatusReadFailed;
     if (!has_signature(start)) return bad_image;
-    int32_t row, member;
-    const BrngProperties* table = __kuzGetBrngBaseOffset(header.id, &row, &member);
-    if (__kuzIsBrngValid(table, row, member) < 0) return bad_image;
-    int32_t status = check_creatable(table, row, member);
-    if (status < 0) return status;
-    const size_t state_bytes = record_bytes(&table[row]) - header_bytes;
+    const Place place = resolve(header.id);
+    if (!exists(place)) return bad_image;
+    const size_t state_bytes = record_bytes(&place.table[place.row]) - header_bytes;
     if (header.stateSize != state_bytes || header.headerSize < image_header_bytes) return bad_image;
-    status = __kuzAllocateStream(stream, table, header.id, row, member);
+    int32_t status = __kuzAllocateStream(stream, place.table, header.id, place.row, place.member);
     if (status < 0) return status;
     status = get(source, state_of(*stream), state_bytes) ? processor_can(header.id) : StreamStatusReadFailed;
+    if (status >= 0 && !state_is_sound(*stream)) status = bad_image;
     for (uint32_t left = header.chunkCount; status >= 0 && left > 0; --left)
         status = load_chunk(source, start.version, *stream);
     return status;
@@ -186,6 +198,7 @@ int32_t open_named(platform::File* (*open)(const char* name), const char* name, 
 }  // namespace
 
 ORV_API int32_t __kuzSaveStreamF(const Stream* stream, const char* name, int32_t name_length) {
+    if (__kuzGetNumChunks(stream) > most_chunks) return StreamStatusWriteFailed;
     Sink sink = {nullptr, nullptr};
     int32_t status = open_named(platform::file_create, name, name_length, &sink.file);
     if (status < 0) return status;

@@ -135,6 +135,11 @@ TEST_F(Images, DamageIsRefusedInBothMedia) {
         for (size_t i = 0; i < bytes.size(); ++i) damaged[offset + i] = static_cast<char>(bytes[i]);
         return damaged;
     };
+    const auto without_state = [&](int32_t id) {
+        std::string image = with(12, {0}).substr(0, 24);
+        std::memcpy(&image[20], &id, sizeof id);
+        return image;
+    };
     const struct {
         const char* what;
         std::string image;
@@ -145,8 +150,12 @@ TEST_F(Images, DamageIsRefusedInBothMedia) {
         {"state size", with(12, {23}), StreamStatusBadFile, StreamStatusBadImage},
         {"family member", with(20, {1, 0, 0x30}), StreamStatusBadFile, StreamStatusBadImage},
         {"unknown id", with(20, {0, 0, 0, 0x40}), StreamStatusBadFile, StreamStatusBadImage},
-        {"zero row", with(20, {0x17, 1, 0, 0}), BrngStatusBadId, BrngStatusBadId},
-        {"negative id", with(20, {0, 0, 0, 0xFF}), BrngStatusBadId, BrngStatusBadId},
+        {"zero row", with(20, {0x17, 1, 0, 0}), StreamStatusBadFile, StreamStatusBadImage},
+        {"zero row, no state", without_state(0x117), StreamStatusBadFile, StreamStatusBadImage},
+        {"beyond the small rows", without_state(281), StreamStatusBadFile, StreamStatusBadImage},
+        {"negative id", with(20, {0, 0, 0, 0xFF}), StreamStatusBadFile, StreamStatusBadImage},
+        {"negative id, no state", without_state(-1), StreamStatusBadFile, StreamStatusBadImage},
+        {"state size of another generator", with(20, {0, 0, 0xD0, 0}), StreamStatusBadFile, StreamStatusBadImage},
         {"negative chunk size", with(16, {1}) + std::string(20, '\0') + std::string(4, '\xFF'), StreamStatusReadFailed,
          StreamStatusReadFailed},
     };
@@ -171,6 +180,71 @@ TEST_F(Images, DamageIsRefusedInBothMedia) {
         EXPECT_EQ(load_file(whole, &loaded), StatusNoMemory) << nth;
         EXPECT_EQ(loaded, nullptr);
     }
+}
+
+// States that no generator can be in: words at or above a modulus, and those that would stay zero for ever.
+TEST_F(Images, StatesThatCannotBe) {
+    const uint64_t all = ~uint64_t{0};
+    const struct {
+        int32_t id;
+        size_t offset;  // in the state
+        std::vector<uint32_t> words;
+        bool sound;
+    } cases[] = {
+        {BrngMCG31M1, 0, {0}, false},
+        {BrngMCG31M1, 0, {0x7FFFFFFE}, true},
+        {BrngMCG31M1, 0, {0x7FFFFFFF}, false},
+        {BrngMCG31M1, 4, {0}, false},
+        {BrngMCG31M1, 4, {1}, true},
+        {BrngMCG31M1, 4, {0xFFFFFFFF}, false},
+        {BrngMCG59, 0, {0, 0}, false},
+        {BrngMCG59, 0, {0, 0x04000000}, true},
+        {BrngMCG59, 0, {0, 0x08000000}, false},
+        {BrngMCG59, 0, {static_cast<uint32_t>(all), static_cast<uint32_t>(all)}, false},
+        {BrngMCG59, 8, {2, 0}, false},
+        {BrngMCG59, 8, {1, 0x08000000}, false},
+        {BrngMCG59, 8, {1, 0}, true},
+        {0, 0, {0}, false},  // ids of the older form
+        {3, 0, {0, 0}, false},
+        {BrngMRG32K3A, 0, {0, 0, 0}, false},
+        {BrngMRG32K3A, 12, {0, 0, 0}, false},
+        {BrngMRG32K3A, 8, {4294967087}, false},
+        {BrngMRG32K3A, 8, {4294967086}, true},
+        {BrngMRG32K3A, 12, {4294944443}, false},
+        {BrngMRG32K3A, 20, {4294944442}, true},
+    };
+    for (const auto& c : cases) {
+        OwnedStream stream(c.id, {5});
+        __kuzAddChunk(stream, 5, nullptr, copy_of("abc"), 3);
+        std::string image = image_of(stream);
+        std::memcpy(&image[24 + c.offset], c.words.data(), 4 * c.words.size());
+        Stream* loaded = stream;
+        EXPECT_EQ(load_file(image, &loaded), c.sound ? StatusOk : StreamStatusBadFile) << c.id << " at " << c.offset;
+        ASSERT_EQ(loaded == nullptr, !c.sound);
+        if (loaded) __kuzDeleteStream(&loaded);
+        loaded = stream;
+        EXPECT_EQ(__kuzLoadStreamM(&loaded, image.data()), c.sound ? StatusOk : StreamStatusBadImage) << c.id;
+        ASSERT_EQ(loaded == nullptr, !c.sound);
+        if (loaded) __kuzDeleteStream(&loaded);
+    }
+}
+
+TEST_F(Images, MoreChunksThanTheHeaderCanCount) {
+    OwnedStream stream(BrngMCG31M1, {5});
+    for (int32_t i = 0; i < 0xFFFF; ++i) __kuzAddChunk(stream, i, nullptr, copy_of("c"), 1);
+    EXPECT_EQ(__kuzSaveStreamF(stream, scratch.c_str(), -1), StatusOk);
+    const std::string full = bytes_of(scratch);
+    __kuzAddChunk(stream, 0x10000, nullptr, copy_of("c"), 1);
+    EXPECT_EQ(__kuzSaveStreamF(stream, scratch.c_str(), -1), StreamStatusWriteFailed);
+    EXPECT_EQ(bytes_of(scratch), full) << "the file is not opened";
+    const std::string image = image_of(stream);
+    EXPECT_EQ(image.substr(16, 2), "\xFF\xFF");
+    Stream* loaded;
+    ASSERT_EQ(__kuzLoadStreamM(&loaded, image.data()), StatusOk);
+    OwnedStream owned(loaded);
+    EXPECT_EQ(__kuzGetNumChunks(owned), 0xFFFF);
+    EXPECT_NE(__kuzSearchChunk(owned, 0x10000), nullptr) << "those at the head of the list are kept";
+    EXPECT_EQ(__kuzSearchChunk(owned, 0), nullptr);
 }
 
 TEST_F(Images, FilesThatCannotBe) {

@@ -22,11 +22,12 @@ inline bool write_file(const char* name, const void* bytes, size_t count) {
 
 // Draws, copies, saves to a block of the told size, loads that, and compares what both then draw.
 inline bool stream_works(Stream* stream) {
-    uint64_t words[150];
-    double reals[150];
+    constexpr int32_t count = 150;
+    uint64_t words[2 * count];  // of up to 16 bytes each
+    double reals[count];
     if (__kuzGetNumChunks(stream) < 0) return false;
     if (_kuziRngUniformBits(0, stream, 7, words) < 0) return false;
-    if (_kuzdRngUniform(0, stream, 150, reals, 0.0, 1.0) < 0) return false;
+    if (_kuzdRngUniform(0, stream, count, reals, 0.0, 1.0) < 0) return false;
     __kuzSkipAheadStream(stream, 0x123456789ABCDEF0);
     Stream *copy, *loaded = nullptr;
     if (__kuzCopyStream(&copy, stream) != StatusOk) return false;
@@ -34,11 +35,12 @@ inline bool stream_works(Stream* stream) {
     bool works =
         __kuzSaveStreamM(copy, image.data()) == StatusOk && __kuzLoadStreamM(&loaded, image.data()) == StatusOk;
     if (works) {
-        uint64_t other[150];
+        uint64_t other[2 * count];
         std::memset(words, 0, sizeof words);
         std::memset(other, 0, sizeof other);
-        works = _kuziRngUniformBits(0, stream, 150, words) >= 0 && _kuziRngUniformBits(0, loaded, 150, other) >= 0 &&
-                std::memcmp(words, other, sizeof words) == 0 && __kuzCopyStreamState(copy, loaded) == StatusOk;
+        works = _kuziRngUniformBits(0, stream, count, words) >= 0 &&
+                _kuziRngUniformBits(0, loaded, count, other) >= 0 && std::memcmp(words, other, sizeof words) == 0 &&
+                __kuzCopyStreamState(copy, loaded) == StatusOk;
         __kuzDeleteStream(&loaded);
     }
     __kuzDeleteStream(&copy);

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <vector>
 
 namespace orv::test {
@@ -24,18 +25,20 @@ struct OwnedStream {
     Stream* handle = nullptr;
 };
 
-// The next n raw words, widened.
-inline std::vector<uint64_t> draw(Stream* stream, int32_t n) {
+inline const BrngProperties& generator_of(const Stream* stream) {
     int32_t row, member;
-    const BrngProperties& generator = __kuzGetBrngBaseOffset(stream->brngId, &row, &member)[row];
-    std::vector<uint64_t> words(static_cast<size_t>(n));
-    if (generator.wordBytes == 8) {
-        EXPECT_EQ(generator.iBRng(stream, n, words.data()), StatusOk);
-        return words;
-    }
-    std::vector<uint32_t> narrow(static_cast<size_t>(n));
-    EXPECT_EQ(generator.iBRng(stream, n, narrow.data()), StatusOk);
-    words.assign(narrow.begin(), narrow.end());
+    return __kuzGetBrngBaseOffset(stream->brngId, &row, &member)[row];
+}
+
+// The next n raw words in 64-bit pieces, as many as hold a word of the generator: one, or two for 16 bytes.
+inline std::vector<uint64_t> draw(Stream* stream, int32_t n) {
+    const BrngProperties& generator = generator_of(stream);
+    const size_t count = static_cast<size_t>(n), bytes = static_cast<size_t>(generator.wordBytes);
+    std::vector<char> raw(count * bytes);
+    EXPECT_EQ(generator.iBRng(stream, n, raw.data()), StatusOk);
+    const size_t pieces = bytes > 8 ? bytes / 8 : 1, piece_bytes = bytes / pieces;
+    std::vector<uint64_t> words(count * pieces);
+    for (size_t i = 0; i < words.size(); ++i) std::memcpy(&words[i], &raw[i * piece_bytes], piece_bytes);
     return words;
 }
 
