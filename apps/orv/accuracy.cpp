@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace orv::command {
@@ -43,6 +44,8 @@ constexpr size_t parts = 1200;
 
 template <class T>
 int run(const Request& request, const Function& function, const Reference& reference) {
+    std::optional<Output> plot;
+    if (!request.plot.empty()) plot.emplace(request.plot);
     const ExtendedPrecision extended;
     const double low = request.range.empty() ? reference.low : request.range[0];
     const double high = request.range.empty() ? reference.high : request.range[1];
@@ -57,8 +60,7 @@ int run(const Request& request, const Function& function, const Reference& refer
     for (size_t i = 0; i < n; ++i) exact[i] = reference.value(x[i]);
 
     orv_arq_kernel_SetMode(ORV_MODE_ERRMODE_NOERR);
-    std::printf("accuracy,worst_ulp,at\n");
-    std::string data, plots;
+    std::string table = "accuracy,worst_ulp,at\n", data, plots;
     for (int accuracy = 0; accuracy < 3; ++accuracy) {
         reinterpret_cast<void (*)(int32_t, const T*, T*)>(function.entries[accuracy])(static_cast<int32_t>(n), x.data(),
                                                                                       y.data());
@@ -71,7 +73,9 @@ int run(const Request& request, const Function& function, const Reference& refer
             const size_t part = i * parts / n;
             if (error > shown[part] || place[part] == 0) shown[part] = error, place[part] = x[i];
         }
-        std::printf("%s,%.4g,%.17g\n", accuracies[accuracy], worst, static_cast<double>(at));
+        char figures[96];
+        std::snprintf(figures, sizeof figures, "%s,%.4g,%.17g\n", accuracies[accuracy], worst, static_cast<double>(at));
+        table += figures;
         data += "$e" + std::to_string(accuracy) + " << EOD\n";
         for (size_t part = 0; part < std::min(parts, n); ++part) {
             char line[64];
@@ -82,8 +86,9 @@ int run(const Request& request, const Function& function, const Reference& refer
         plots += (accuracy ? ", " : "plot ") + ("$e" + std::to_string(accuracy)) +
                  " using 1:2 with points pt 7 ps 0.25 title '" + accuracies[accuracy] + "'";
     }
-    if (!request.plot.empty())
-        write_plot(request.plot, 900, 560,
+    write_output("", table);
+    if (plot)
+        write_plot(*plot, 900, 560,
                    data +
                        "set logscale y\nset xlabel 'argument'\nset ylabel 'error, ulp'\nset grid\nset key outside\nset "
                        "title " +
