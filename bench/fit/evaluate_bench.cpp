@@ -2,7 +2,7 @@
 #include "fit/data.h"
 #include "support/cycles.h"
 
-#if ORV_BENCH_GSL
+#ifdef ORV_BENCH_GSL
 #include <gsl/gsl_spline.h>
 #endif
 
@@ -35,7 +35,7 @@ BENCHMARK_CAPTURE(evaluate, uniform_random_two_threads, true, false, 2)->UseReal
 BENCHMARK_CAPTURE(evaluate, random, false, false, 1);
 BENCHMARK_CAPTURE(evaluate, random_two_threads, false, false, 2)->UseRealTime();
 
-#if ORV_BENCH_GSL
+#ifdef ORV_BENCH_GSL
 void evaluate_gsl(benchmark::State& state, bool uniform, bool sorted) {
     const Series data = series(break_count, uniform);
     const std::vector<double> x = sites(data, site_count, sorted);
