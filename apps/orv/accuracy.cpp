@@ -1,16 +1,13 @@
-// `orv accuracy`: the error of a function's kernels over a range, measured against 80-bit arithmetic, as figures and as a
-// picture.
+// `orv accuracy`: the error of a function's kernels over a range or a part of the plane, as figures and as a picture.
+#include "accuracy/bounds.h"
 #include "commands.h"
 #include "failure.h"
 #include "functions.h"
 #include "plot.h"
-#include "reference.h"
 
 #include <algorithm>
-#include <cfloat>
 #include <cmath>
 #include <cstdio>
-#include <limits>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -22,109 +19,157 @@ namespace {
 struct Request {
     std::string function;
     char type = 'd';
-    std::vector<double> range;
+    std::vector<double> range, second;
     int64_t points = 200'000;
     std::string plot;
 };
 
-// (y - exact) in ulp of the type at the exact value; NaN where there is none.
-template <class T>
-double error_in_ulp(long double exact, T y) {
-    if (!std::isfinite(exact) || !std::isfinite(y)) return std::numeric_limits<double>::quiet_NaN();
-    int exponent = 0;
-    frexpl(exact, &exponent);
-    exponent = std::max(exponent, std::numeric_limits<T>::min_exponent) - std::numeric_limits<T>::digits;
-    return static_cast<double>(ldexpl(y - exact, -exponent));
-}
-
 constexpr const char* accuracies[] = {"la", "ha", "ep"};
 
-// The worst error in each of these many parts of the range is what the picture shows.
-constexpr size_t parts = 1200;
+// The worst error in each of these many parts of the range is what the picture of a line shows, every
+// point of a grid what the picture of a plane does.
+constexpr size_t line_parts = 1200;
 
+accuracy::Range range_of(const std::vector<double>& ends) {
+    if (!(ends[0] < ends[1])) fail("the range is empty");
+    return {ends[0], ends[1]};
+}
+
+// The errors of the three accuracies against the argument, or three maps of them.
+void draw(const std::string& title, const std::string& data, bool plane, Output& output) {
+    std::string script = data;
+    if (plane) {
+        // Errors are seen by their powers of two.
+        script += "set multiplot layout 1,3 title " + plot_quoted(title + ": error, ulp") +
+                  "\nset logscale cb 2\nset palette defined (0 '#30123b', 1 '#28bbec', 2 '#a2fc3c', 3 '#fb8022', 4 "
+                  "'#7a0403')\nset xlabel 'first'\nset ylabel 'second'\nunset key\n";
+        for (int i = 0; i < 3; ++i)
+            script += "set title '" + std::string(accuracies[i]) + "'\nplot $e" + std::to_string(i) +
+                      " using 1:2:3 with points pt 5 ps 0.3 palette\n";
+        return write_plot(output, 1500, 480, script + "unset multiplot\n");
+    }
+    script += "set logscale y\nset xlabel 'argument'\nset ylabel 'error, ulp'\nset grid\nset key outside\nset title " +
+              plot_quoted(title) + "\n";
+    for (int i = 0; i < 3; ++i)
+        script += (i ? ", " : "plot ") + ("$e" + std::to_string(i)) + " using 1:2 with points pt 7 ps 0.25 title '" +
+                  accuracies[i] + "'";
+    write_plot(output, 900, 560, script + "\n");
+}
+
+// Where the errors of an accuracy were met, for the picture.
 template <class T>
-int run(const Request& request, const Function& function, const Reference& reference) {
-    std::optional<Output> plot;
-    if (!request.plot.empty()) plot.emplace(request.plot);
-    const ExtendedPrecision extended;
-    const double low = request.range.empty() ? reference.low : request.range[0];
-    const double high = request.range.empty() ? reference.high : request.range[1];
-    if (!(low < high)) fail("the range is empty");
-    if (std::max(-low, high) >= reference.limit) fail("the range goes beyond what there is to measure against");
-
-    const size_t n = static_cast<size_t>(request.points);
-    std::vector<T> x(n), y(n);
-    for (size_t i = 0; i < n; ++i)
-        x[i] = static_cast<T>(low + (high - low) * (static_cast<double>(i) + 0.5) / static_cast<double>(n));
-    std::vector<long double> exact(n);
-    for (size_t i = 0; i < n; ++i) exact[i] = reference.value(x[i]);
-
-    orv_arq_kernel_SetMode(ORV_MODE_ERRMODE_NOERR);
-    std::string table = "accuracy,worst_ulp,at\n", data, plots;
-    for (int accuracy = 0; accuracy < 3; ++accuracy) {
-        reinterpret_cast<void (*)(int32_t, const T*, T*)>(function.entries[accuracy])(static_cast<int32_t>(n), x.data(),
-                                                                                      y.data());
-        double worst = 0;
-        T at = x[0];
-        std::vector<double> shown(parts), place(parts);
+void add_errors(std::string& data, int accuracy, const std::vector<T>& x, const std::vector<double>& errors,
+                bool plane) {
+    const size_t n = errors.size(), inputs = x.size() / n;
+    data += "$e" + std::to_string(accuracy) + " << EOD\n";
+    if (plane) {
         for (size_t i = 0; i < n; ++i) {
-            const double error = std::fabs(error_in_ulp(exact[i], y[i]));
-            if (error > worst) worst = error, at = x[i];
-            const size_t part = i * parts / n;
-            if (error > shown[part] || place[part] == 0) shown[part] = error, place[part] = x[i];
-        }
-        char figures[96];
-        std::snprintf(figures, sizeof figures, "%s,%.4g,%.17g\n", accuracies[accuracy], worst, static_cast<double>(at));
-        table += figures;
-        data += "$e" + std::to_string(accuracy) + " << EOD\n";
-        for (size_t part = 0; part < std::min(parts, n); ++part) {
-            char line[64];
-            std::snprintf(line, sizeof line, "%.9g %.6g\n", place[part], shown[part]);
+            char line[96];
+            std::snprintf(line, sizeof line, "%.9g %.9g %.6g\n", static_cast<double>(x[inputs * i]),
+                          static_cast<double>(x[inputs * i + 1]), errors[i]);
             data += line;
         }
-        data += "EOD\n";
-        plots += (accuracy ? ", " : "plot ") + ("$e" + std::to_string(accuracy)) +
-                 " using 1:2 with points pt 7 ps 0.25 title '" + accuracies[accuracy] + "'";
+    } else {
+        const size_t parts = std::min(line_parts, n);
+        std::vector<size_t> worst(parts, n);
+        for (size_t i = 0; i < n; ++i) {
+            size_t& of_part = worst[i * parts / n];
+            if (of_part == n || errors[i] > errors[of_part]) of_part = i;
+        }
+        for (const size_t i : worst) {
+            char line[64];
+            std::snprintf(line, sizeof line, "%.9g %.6g\n", static_cast<double>(x[i]), errors[i]);
+            data += line;
+        }
+    }
+    data += "EOD\n";
+}
+
+template <class T>
+int run(const Request& request, const std::vector<const accuracy::Kernel*>& kernels) {
+    std::optional<Output> plot;
+    if (!request.plot.empty()) plot.emplace(request.plot);
+    const accuracy::Function& function = *kernels[0]->function;
+    const accuracy::SilentErrors silent;
+    const size_t inputs = static_cast<size_t>(kernels[0]->inputs), outputs = static_cast<size_t>(kernels[0]->outputs);
+    const bool plane = inputs == 2;
+    if (inputs > 2) fail("the function has more than two arguments");
+    const accuracy::Range first = request.range.empty() ? function.ranges[0] : range_of(request.range);
+    const accuracy::Range second = !request.range.empty() ? request.second.empty() ? first : range_of(request.second)
+                                   : !function.second.empty() ? function.second[0]
+                                                              : first;
+
+    // Evenly spread, in a plane as a square grid.
+    const size_t side = plane ? static_cast<size_t>(std::sqrt(static_cast<double>(request.points))) : 1;
+    const size_t n = plane ? side * side : static_cast<size_t>(request.points);
+    const auto spread = [](const accuracy::Range& range, size_t i, size_t count) {
+        return static_cast<T>(range.low +
+                              (range.high - range.low) * (static_cast<double>(i) + 0.5) / static_cast<double>(count));
+    };
+    std::vector<T> x;
+    for (size_t i = 0; i < n; ++i) {
+        x.push_back(spread(first, plane ? i / side : i, plane ? side : n));
+        if (plane) x.push_back(spread(second, i % side, side));
+    }
+
+    std::string table = plane ? "accuracy,worst_ulp,at,and\n" : "accuracy,worst_ulp,at\n", data;
+    for (int index = 0; index < 3; ++index) {
+        const accuracy::Kernel* kernel = nullptr;
+        for (const accuracy::Kernel* k : kernels)
+            if (k->serves(static_cast<accuracy::Accuracy>(index))) kernel = k;
+        const accuracy::Judge judge(*kernel, accuracy::measure_of(*kernel));
+        std::vector<T> y(n * outputs);
+        evaluate(*kernel, x.data(), y.data(), n);
+        std::vector<double> errors(n);
+        size_t worst = 0;
+        for (size_t i = 0; i < n; ++i) {
+            if (!judge.can(&x[inputs * i])) fail("the range goes beyond what there is to measure against");
+            accuracy::Error parts[accuracy::most_outputs];
+            judge.fast(&x[inputs * i], &y[outputs * i], parts);
+            for (const accuracy::Error& part : parts) errors[i] = std::max(errors[i], part.ulp);
+            if (errors[i] > errors[worst]) worst = i;
+        }
+        char figures[128];
+        std::snprintf(figures, sizeof figures, "%s,%.4g,%.17g", accuracies[index], errors[worst],
+                      static_cast<double>(x[inputs * worst]));
+        table += figures;
+        std::snprintf(figures, sizeof figures, ",%.17g", static_cast<double>(x[inputs * worst + 1 % inputs]));
+        table += plane ? figures + std::string("\n") : "\n";
+        add_errors(data, index, x, errors, plane);
     }
     write_output("", table);
-    if (plot)
-        write_plot(*plot, 900, 560,
-                   data +
-                       "set logscale y\nset xlabel 'argument'\nset ylabel 'error, ulp'\nset grid\nset key outside\nset "
-                       "title " +
-                       plot_quoted(std::string(function.name)) + "\n" + plots + "\n");
+    if (plot) draw(std::string(function.name), data, plane, *plot);
     return 0;
 }
 
 int run(const Request& request) {
-    const Function* function = find_function(request.function, request.type);
-    if (!function) fail("no function " + request.function + " of type " + request.type);
-    // The function's name carries the type, or does not.
-    const std::string_view name = function->name;
-    const Reference* reference = find_reference(name);
-    if (!reference) reference = find_reference(name.substr(1));
-    if (reference)
-        return request.type == 's' ? run<float>(request, *function, *reference)
-                                   : run<double>(request, *function, *reference);
-    fail("nothing to measure " + request.function + " against");
+    const Function* found = find_function(request.function, request.type);
+    if (!found) fail("no function " + request.function + " of type " + request.type);
+    std::vector<const accuracy::Kernel*> kernels;
+    for (const accuracy::Kernel& kernel : accuracy::kernels())
+        if (kernel.type == found->type && kernel.name == found->name) kernels.push_back(&kernel);
+    if (kernels.empty()) fail("nothing to measure " + request.function + " against");
+    return kernels[0]->single() ? run<float>(request, kernels) : run<double>(request, kernels);
 }
 
 }  // namespace
 
 void add_accuracy(CLI::App& app, int& status) {
     const auto request = std::make_shared<Request>();
-    CLI::App* accuracy = app.add_subcommand("accuracy", "Measure the error of a vector function over a range");
-    accuracy->footer("Writes the worst error of each accuracy in ulp, and where it was met, as CSV.");
-    accuracy->add_option("function", request->function, "such as Exp or Log1p")->required();
-    accuracy->add_option("--type", request->type, "s (float) or d (double)")
-        ->check(CLI::IsMember({"s", "d"}))
+    CLI::App* command = app.add_subcommand("accuracy", "Measure the error of a vector function over a range");
+    command->footer("Writes the worst error of each accuracy in ulp, and where it was met, as CSV.");
+    command->add_option("function", request->function, "such as Exp or Log1p")->required();
+    command->add_option("--type", request->type, "s (float), d (double), c or z (complex of these)")
+        ->check(CLI::IsMember({"s", "d", "c", "z"}))
         ->capture_default_str();
-    accuracy->add_option("--range", request->range, "the first and the last argument")->expected(2);
-    accuracy->add_option("--points", request->points, "how many arguments, evenly spread")
+    command->add_option("--range", request->range, "the first and the last argument")->expected(2);
+    command->add_option("--second", request->second, "the same for the second argument, or the imaginary part")
+        ->expected(2);
+    command->add_option("--points", request->points, "how many arguments, evenly spread")
         ->check(CLI::Range(int64_t{1}, int64_t{50'000'000}))
         ->capture_default_str();
-    accuracy->add_option("--plot", request->plot, "an SVG file for a picture of the error against the argument");
-    accuracy->callback([request, &status] { status = run(*request); });
+    command->add_option("--plot", request->plot, "an SVG file for a picture of the error against the argument");
+    command->callback([request, &status] { status = run(*request); });
 }
 
 }  // namespace orv::command

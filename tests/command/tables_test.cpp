@@ -144,7 +144,7 @@ TEST_F(Command, Refuses) {
         {"stats", "", "<stdin>: no rows of numbers\n"},
 
         {"accuracy Nonsense", "", "no function Nonsense of type d"},
-        {"accuracy Ceil", "", "nothing to measure Ceil against\n"},
+        {"accuracy Exp --type c", "", "no function Exp of type c"},
         {"accuracy Exp --range 1 1", "", "the range is empty\n"},
 
         // A place that cannot be written to is found before the work: here the input is not there either.
@@ -180,6 +180,7 @@ TEST_F(Command, Draws) {
         {"stats", "x,o'y\n1,2\n2,4\n3,9\n", {"o'y", "0.97", "Correlation"}},
         {"stats", "%d,%%s,{a}_b^c@&~\\t\n1,2,3\n2,4,1\n3,9,5\n", {">%d<", ">%%s<", "{a}_b^c@&amp;~\\t"}},
         {"accuracy Exp --type s --points 3000", "", {"Exp", "argument", "error, ulp"}},
+        {"accuracy Add --points 3000", "", {"Add", "first", "second"}},
         {"draw uniform --n 100", "", {"100 uniform numbers"}},
     };
     for (const auto& c : cases) {

@@ -1,8 +1,9 @@
 // Writes <orv/vecmath_entries.h>: the declarations of every vector math entry and table from the row list, with each
-// function's card. A row that is present without a card is an error.
+// function's card, in which the worst errors are those of bounds.inc. A row that is present without a card is an error.
 #include "frame/kernel_tables.h"
 #include "function_cards.h"
 
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
@@ -20,7 +21,19 @@ struct Card {
 struct Row {
     bool here;
     char type;
-    std::string_view function, shape;
+    std::string_view function, shape, sharing;
+};
+
+struct Bound {
+    char type;
+    std::string_view function, accuracy;
+    double ulp;
+    bool of_modulus;
+};
+#define BOUND(type, function, accuracy, ulp, subnormal_ulp) {#type[0], #function, #accuracy, ulp, false},
+#define BOUND_OF_MODULUS(type, function, accuracy, ulp, subnormal_ulp) {#type[0], #function, #accuracy, ulp, true},
+constexpr Bound bounds[] = {
+#include "accuracy/bounds.inc"
 };
 
 #define CARD(function, result, edges, accuracy, source) {#function, result, edges, accuracy, source},
@@ -28,7 +41,7 @@ constexpr Card cards[] = {ORV_FUNCTION_CARDS(CARD)};
 
 #define MARK_HERE true
 #define MARK_LATER false
-#define ROW(mark, type, function, shape, sharing, cost) {MARK_##mark, #type[0], #function, #shape},
+#define ROW(mark, type, function, shape, sharing, cost) {MARK_##mark, #type[0], #function, #shape, #sharing},
 constexpr Row math_rows[] = {ORV_MATH_ROWS(ROW)};
 constexpr Row move_rows[] = {ORV_MOVE_ROWS(ROW)};
 
@@ -73,6 +86,39 @@ const Card* card_of(std::string_view function) {
     return nullptr;
 }
 
+// A worst error as people read it: in ulp, or relative, as a power of two, where it is many.
+std::string figure(const Bound& bound) {
+    if (bound.ulp == 0) return "exact";
+    char text[32];
+    const int digits = bound.type == 's' || bound.type == 'c' ? 24 : 53;
+    if (bound.ulp > 100)
+        std::snprintf(text, sizeof text, "2^%.1f", std::ceil(10 * (std::log2(bound.ulp) + 1 - digits)) / 10);
+    else
+        std::snprintf(text, sizeof text, "%.3g", bound.ulp);
+    return text + std::string(bound.of_modulus ? " of the modulus" : "");
+}
+
+// Such as "d LA 3.9, HA 0.53, EP 2^-28.1; s ...", for the types that are present.
+std::string errors_of(std::string_view function) {
+    std::string text;
+    for (const char type : {'d', 's', 'z', 'c'}) {
+        std::string of_type;
+        for (const Row& row : math_rows) {
+            if (!row.here || row.function != function || row.type != type) continue;
+            for (const Bound& bound : bounds) {
+                if (bound.type != type || bound.function != function) continue;
+                const bool also = bound.accuracy == "LA";
+                const std::string slots = std::string(bound.accuracy) + (also && row.sharing == "LA_HA"   ? " and HA"
+                                                                         : also && row.sharing == "LA_EP" ? " and EP"
+                                                                                                          : "");
+                of_type += (of_type.empty() ? " " : ", ") + (row.sharing == "ALL" ? "" : slots + " ") + figure(bound);
+            }
+        }
+        if (!of_type.empty()) text += (text.empty() ? "" : "; ") + (type + of_type);
+    }
+    return text;
+}
+
 void declare(std::ostream& header, const Row& row, bool strided) {
     const bool single = row.type == 's' || row.type == 'c';
     const std::string name = std::string(1, row.type) + std::string(row.function) + (strided ? "I" : "");
@@ -95,8 +141,10 @@ bool write_functions(std::ostream& header, const Row (&rows)[N], bool has_stride
             std::cerr << "entrygen: " << first.function << " has no card\n";
             return false;
         }
+        const std::string errors = errors_of(first.function);
         header << "/* " << card->function << ": y[i] = " << card->result << ".\n * " << card->edges << "\n * "
-               << card->accuracy << " Source: " << card->source << ". */\n";
+               << (errors.empty() ? "" : "Worst error, ulp: " + errors + ". ") << card->accuracy
+               << (card->accuracy.empty() ? "" : " ") << "Source: " << card->source << ". */\n";
         for (const Row& row : rows) {
             if (!row.here || row.function != first.function) continue;
             declare(header, row, false);
