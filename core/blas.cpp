@@ -1,6 +1,6 @@
 // Matrix entries over the system's BLAS, which is kept to one thread: its own threads beside those of a parallel region
 // would be twice as many as there are processors. Large rank-k updates are cut into panels here.
-#include "platform/export.h"
+#include "services/export.h"
 
 #include <orv/blas.h>
 #include <orv/services.h>

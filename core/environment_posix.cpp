@@ -1,5 +1,5 @@
 // The environment of a POSIX process.
-#include "platform/export.h"
+#include "services/export.h"
 
 #include <cstdlib>
 #include <cstring>

@@ -1,6 +1,6 @@
 // The environment of a Windows process. The system's own block is read, not a C runtime's copy of it: the host may set
 // variables through another runtime than ours.
-#include "platform/export.h"
+#include "services/export.h"
 
 #include <orv/services.h>
 #include <windows.h>

@@ -1,6 +1,6 @@
 // Aligned memory with a live-block count and a switch that makes a chosen allocation fail.
 #include "large_blocks.h"
-#include "platform/export.h"
+#include "services/export.h"
 
 #include <orv/services.h>
 

@@ -1,5 +1,5 @@
 // The texts of the messages that the kernel library asks for by number.
-#include "platform/export.h"
+#include "services/export.h"
 
 #include <orv/services.h>
 

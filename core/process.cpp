@@ -1,5 +1,5 @@
 // Locks, process end and processor queries.
-#include "platform/export.h"
+#include "services/export.h"
 
 #include <orv/services.h>
 

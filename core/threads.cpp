@@ -1,5 +1,5 @@
 // Thread fan-out on OpenMP. A parallel region inside another runs on the thread that meets it.
-#include "platform/export.h"
+#include "services/export.h"
 
 #include <orv/services.h>
 

@@ -15,7 +15,7 @@
 //
 // Stored: at `diagonal` r; at the coupling of row i to its outer neighbour the multiplier g of that neighbour's row, at
 // its coupling to the inner one w. "Outer" is lower[i-1] in the upper half of the matrix and upper[i] in the lower half.
-#include "platform/export.h"
+#include "services/export.h"
 
 #include <orv/tridiagonal.h>
 

@@ -15,23 +15,24 @@ extern "C" {
 
 /* ---- Basic generators ------------------------------------------------------------------------------------------- */
 
+/* The four entries of a generator. */
+#define ORV_BRNG_ENTRIES(name)                                                                          \
+    int32_t __kuzBRng##name##InitStream(int32_t method, Stream* stream, int32_t n, const void* params); \
+    int32_t __kuzsBRng##name(Stream* stream, int32_t n, float* r, float a, float b);                    \
+    int32_t __kuzdBRng##name(Stream* stream, int32_t n, double* r, double a, double b);                 \
+    int32_t __kuziBRng##name(Stream* stream, int32_t n, void* r);
+
 /* MCG31M1: x(n+1) = 1132489760 x(n) mod 2^31 - 1, the state's x being the first output.
  * Seed: seed[0] mod 2^31 - 1, where 0 becomes 1; no seed gives 1. Words of 31 bits, never 0. Period 2^31 - 2.
  * Has leapfrog and skip-ahead. A call with n = 0 writes r[0] and moves on by one.
  * P. L'Ecuyer, "Tables of linear congruential generators of different sizes and good lattice structure", 1999. */
-int32_t __kuzBRngMCG31M1InitStream(int32_t method, Stream* stream, int32_t n, const void* params);
-int32_t __kuzsBRngMCG31M1(Stream* stream, int32_t n, float* r, float a, float b);
-int32_t __kuzdBRngMCG31M1(Stream* stream, int32_t n, double* r, double a, double b);
-int32_t __kuziBRngMCG31M1(Stream* stream, int32_t n, void* r);
+ORV_BRNG_ENTRIES(MCG31M1)
 
 /* MCG59: x(n+1) = 13^13 x(n) mod 2^59, the state's x being the first output.
  * Seed: seed[0] + 2^32 (seed[1] mod 2^27), where 0 becomes 1. An odd seed gives the period 2^57, an even one a shorter.
  * Words of 59 bits in 8 bytes. Has leapfrog and skip-ahead.
  * D. E. Knuth, "The Art of Computer Programming", volume 2, 3.2.1.2 and 3.3.4. */
-int32_t __kuzBRngMCG59InitStream(int32_t method, Stream* stream, int32_t n, const void* params);
-int32_t __kuzsBRngMCG59(Stream* stream, int32_t n, float* r, float a, float b);
-int32_t __kuzdBRngMCG59(Stream* stream, int32_t n, double* r, double a, double b);
-int32_t __kuziBRngMCG59(Stream* stream, int32_t n, void* r);
+ORV_BRNG_ENTRIES(MCG59)
 
 /* MRG32K3A: the combined multiple recursive generator
  *   x(n) = 1403580 x(n-2) - 810728 x(n-3) mod 2^32 - 209, y(n) = 527612 y(n-1) - 1370589 y(n-3) mod 2^32 - 22853,
@@ -41,10 +42,7 @@ int32_t __kuziBRngMCG59(Stream* stream, int32_t n, void* r);
  * several words.
  * P. L'Ecuyer, "Good parameters and implementations for combined multiple recursive random number generators",
  * Operations Research 47, 1999. */
-int32_t __kuzBRngMRG32K3AInitStream(int32_t method, Stream* stream, int32_t n, const void* params);
-int32_t __kuzsBRngMRG32K3A(Stream* stream, int32_t n, float* r, float a, float b);
-int32_t __kuzdBRngMRG32K3A(Stream* stream, int32_t n, double* r, double a, double b);
-int32_t __kuziBRngMRG32K3A(Stream* stream, int32_t n, void* r);
+ORV_BRNG_ENTRIES(MRG32K3A)
 
 /* The kernels of an abstract stream for numbers of another type than its ring's: they return AbstractStatusWrongKernel
  * and write nothing. */
@@ -54,6 +52,8 @@ int32_t __kuziBRngdAbstract(Stream* stream, int32_t n, void* r);
 int32_t __kuzsBRngdAbstract(Stream* stream, int32_t n, float* r, float a, float b);
 int32_t __kuziBRngsAbstract(Stream* stream, int32_t n, void* r);
 int32_t __kuzdBRngsAbstract(Stream* stream, int32_t n, double* r, double a, double b);
+
+#undef ORV_BRNG_ENTRIES
 
 /* ---- Arithmetic of jumps ---------------------------------------------------------------------------------------- */
 

@@ -1,5 +1,5 @@
 // Uniform: the numbers of the basic generator, on request clamped to the interval that rounding may leave.
-#include "platform/export.h"
+#include "services/export.h"
 #include "streams/record.h"
 
 #include <orv/random.h>

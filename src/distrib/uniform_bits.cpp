@@ -1,5 +1,5 @@
 // Raw words of the generator, and words of exactly 32 or 64 bits from the generators that have them.
-#include "platform/export.h"
+#include "services/export.h"
 #include "streams/builtin_generators.h"
 #include "streams/record.h"
 

@@ -10,7 +10,7 @@ constexpr double least_weight = 1e-10;
 
 // The changes two cells to the left of a register's: `before` are those of the register before, `now` its own.
 inline __m128d two_left(__m128d before, __m128d) { return before; }
-inline __m128 two_left(__m128 before, __m128 now) { return _mm_shuffle_ps(before, now, _MM_SHUFFLE(1, 0, 3, 2)); }
+inline __m128 two_left(__m128 before, __m128 now) { return high_and_low_half(before, now); }
 
 template <class T>
 void akima_rule(const T* s, const T*, const T*, T* m, int32_t count) {
@@ -27,8 +27,8 @@ void akima_rule(const T* s, const T*, const T*, T* m, int32_t count) {
         before = change_right;
         const auto sum = change_right + change_left;
         const auto flat = less(sum, least_sum);
-        const auto mean = (change_right * left + change_left * right) / select(flat, sum, one);
-        store(m + k, select(flat, mean, (left + right) * half));
+        const auto mean = (change_right * left + change_left * right) / select_by_sign(flat, one, sum);
+        store(m + k, select_by_sign(flat, (left + right) * half, mean));
     }
 }
 

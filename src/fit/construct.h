@@ -1,11 +1,13 @@
 // What the construction kernels share: the task reduced to an element type and to indices, slopes, coefficient cells.
 #pragma once
 
-#include "fit/lanes.h"
 #include "fit/task.h"
 #include "fit/workers.h"
+#include "simd/lanes.h"
 
 namespace orv::fit {
+
+using namespace simd;
 
 // Boundary conditions, as indices of the tables of workers and of end actions.
 enum BoundaryIndex : int32_t {
@@ -143,13 +145,13 @@ void slopes(Values<T, interleaved> y, int32_t from, int32_t to, const T* inverse
 }
 
 inline void store_cells(double* out, __m128d c0, __m128d c1, __m128d c2, __m128d c3) {
-    store(out, _mm_unpacklo_pd(c0, c1));
-    store(out + 2, _mm_unpacklo_pd(c2, c3));
-    store(out + 4, _mm_unpackhi_pd(c0, c1));
-    store(out + 6, _mm_unpackhi_pd(c2, c3));
+    store(out, interleave_low(c0, c1));
+    store(out + 2, interleave_low(c2, c3));
+    store(out + 4, interleave_high(c0, c1));
+    store(out + 6, interleave_high(c2, c3));
 }
 inline void store_cells(float* out, __m128 c0, __m128 c1, __m128 c2, __m128 c3) {
-    _MM_TRANSPOSE4_PS(c0, c1, c2, c3);
+    transpose(c0, c1, c2, c3);
     store(out, c0);
     store(out + 4, c1);
     store(out + 8, c2);

@@ -7,39 +7,32 @@ namespace {
 
 // c[k] receives coefficient k of the pieces of one register of sites.
 template <int order>
-void gather(const double* coeffs, const int32_t* piece, __m128d* c) {
+void load_coefficients(const double* coeffs, const int32_t* piece, __m128d* c) {
     const double* a = coeffs + static_cast<ptrdiff_t>(piece[0]) * order;
     const double* b = coeffs + static_cast<ptrdiff_t>(piece[1]) * order;
     const __m128d a01 = load(a), b01 = load(b);
-    c[0] = _mm_unpacklo_pd(a01, b01);
-    c[1] = _mm_unpackhi_pd(a01, b01);
-    if constexpr (order == 3) c[2] = _mm_loadh_pd(_mm_load_sd(a + 2), b + 2);
+    c[0] = interleave_low(a01, b01);
+    c[1] = interleave_high(a01, b01);
+    if constexpr (order == 3) c[2] = gather(a + 2, b + 2);
     if constexpr (order == 4) {
         const __m128d a23 = load(a + 2), b23 = load(b + 2);
-        c[2] = _mm_unpacklo_pd(a23, b23);
-        c[3] = _mm_unpackhi_pd(a23, b23);
+        c[2] = interleave_low(a23, b23);
+        c[3] = interleave_high(a23, b23);
     }
 }
 
-inline __m128 load_pairs(const float* a, const float* b) {
-    const auto two = [](const float* p) { return reinterpret_cast<const __m64*>(p); };
-    return _mm_loadh_pi(_mm_loadl_pi(_mm_setzero_ps(), two(a)), two(b));
-}
-
 template <int order>
-void gather(const float* coeffs, const int32_t* piece, __m128* c) {
+void load_coefficients(const float* coeffs, const int32_t* piece, __m128* c) {
     const float* p[4];
     for (int k = 0; k < 4; ++k) p[k] = coeffs + static_cast<ptrdiff_t>(piece[k]) * order;
     if constexpr (order == 4) {
         for (int k = 0; k < 4; ++k) c[k] = load(p[k]);
-        _MM_TRANSPOSE4_PS(c[0], c[1], c[2], c[3]);
+        transpose(c[0], c[1], c[2], c[3]);
     } else {
-        const __m128 ab = load_pairs(p[0], p[1]), cd = load_pairs(p[2], p[3]);
-        c[0] = _mm_shuffle_ps(ab, cd, _MM_SHUFFLE(2, 0, 2, 0));
-        c[1] = _mm_shuffle_ps(ab, cd, _MM_SHUFFLE(3, 1, 3, 1));
-        if constexpr (order == 3)
-            c[2] = _mm_movelh_ps(_mm_unpacklo_ps(_mm_load_ss(p[0] + 2), _mm_load_ss(p[1] + 2)),
-                                 _mm_unpacklo_ps(_mm_load_ss(p[2] + 2), _mm_load_ss(p[3] + 2)));
+        const __m128 ab = gather_halves(p[0], p[1]), cd = gather_halves(p[2], p[3]);
+        c[0] = even_lanes(ab, cd);
+        c[1] = odd_lanes(ab, cd);
+        if constexpr (order == 3) c[2] = gather(p[0] + 2, p[1] + 2, p[2] + 2, p[3] + 2);
     }
 }
 
@@ -53,7 +46,7 @@ void evaluate(const T* coeffs, int64_t, int64_t, const int32_t* piece, const T* 
     constexpr int width = Lanes<T>::width;
     const auto one_register = [&](int32_t i) {
         V c[order];
-        gather<order>(coeffs, piece + i, c);
+        load_coefficients<order>(coeffs, piece + i, c);
         const V u = load(offset + i);
         V sum = c[order - 1] * splat(T(falling(order - 1, derivative)));
         for (int k = order - 2; k >= derivative; --k) {

@@ -15,8 +15,8 @@ void hyman_rule(const T* s, const T* h, const T*, T* m, int32_t count) {
         // `less` is false for an unordered product, which therefore gives zero as one that is not positive does.
         const auto monotone = less(zero, left * right);
         const auto bound = three * least(magnitude(left), magnitude(right));
-        const auto held = either(least(bound, magnitude(bessel)), sign_of(bessel));
-        store(m + k, both(monotone, held));
+        const auto held = bit_or(least(bound, magnitude(bessel)), sign_of(bessel));
+        store(m + k, bit_and(monotone, held));
     }
 }
 

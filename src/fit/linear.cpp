@@ -9,12 +9,12 @@ constexpr int32_t block_cells = 1024, block_functions = 4;
 constexpr int64_t threaded_blocks = 5;
 
 inline void store_lines(double* out, __m128d c0, __m128d c1) {
-    store(out, _mm_unpacklo_pd(c0, c1));
-    store(out + 2, _mm_unpackhi_pd(c0, c1));
+    store(out, interleave_low(c0, c1));
+    store(out + 2, interleave_high(c0, c1));
 }
 inline void store_lines(float* out, __m128 c0, __m128 c1) {
-    store(out, _mm_unpacklo_ps(c0, c1));
-    store(out + 4, _mm_unpackhi_ps(c0, c1));
+    store(out, interleave_low(c0, c1));
+    store(out + 4, interleave_high(c0, c1));
 }
 
 template <class T, bool interleaved, bool uniform>

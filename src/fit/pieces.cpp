@@ -4,50 +4,38 @@
 namespace orv::fit {
 namespace {
 
-template <class T>
-void store_group(T* p, const Four<T>& group) {
-    for (int i = 0; i < Four<T>::parts; ++i) store(p + i * Lanes<T>::width, group.part[i]);
-}
-
-inline Four<float> to_elements(__m128i v, float) { return {{_mm_cvtepi32_ps(v)}}; }
-inline Four<double> to_elements(__m128i v, double) {
-    return {{_mm_cvtepi32_pd(v), _mm_cvtepi32_pd(_mm_unpackhi_epi64(v, v))}};
-}
-
 // The breaks at which the polynomials of four pieces have their origins.
 template <class T, bool uniform>
 Four<T> origins(const Partition<T>& p, __m128i piece) {
     if constexpr (!uniform) {
-        return gather4(p.breaks, piece);
+        return gather(p.breaks, piece);
     } else {
         const auto first = splat(p.first), width = splat(p.width);
-        return map(to_elements(piece, T{}), [&](auto i) { return first + i * width; });
+        return map(to_four<T>(piece), [&](auto i) { return first + i * width; });
     }
 }
 
 template <class T>
 Four<T> minus(const Four<T>& a, const Four<T>& b) {
-    Four<T> result;
-    for (int i = 0; i < Four<T>::parts; ++i) result.part[i] = a.part[i] - b.part[i];
-    return result;
+    return map(a, b, [](auto x, auto y) { return x - y; });
 }
 
 template <class T, bool uniform, bool knots>
 void locate(const Pieces<T>& pieces, int32_t count, const T* sites, const int32_t* cells, int32_t* piece, T* offset) {
     const Partition<T>& p = pieces.partition;
-    const __m128i zero = _mm_setzero_si128(), one = _mm_set1_epi32(1), last = _mm_set1_epi32(p.count - 2);
+    const __m128i zero = splat_32(0), one = splat_32(1), last = splat_32(p.count - 2);
     const auto group = [&](int32_t to, const T* x_of, const int32_t* cell_of) {
-        const Four<T> x = load4(x_of);
-        const __m128i cell = _mm_loadu_si128(reinterpret_cast<const __m128i*>(cell_of));
-        __m128i index = _mm_min_epi32(_mm_max_epi32(_mm_sub_epi32(cell, one), zero), last);
+        const Four<T> x = load_four(x_of);
+        const __m128i cell = load(cell_of);
+        __m128i index = least_32(greatest_32(subtract_32(cell, one), zero), last);
         if constexpr (knots) {
             // In the cell's left half, before the knot, the piece of its left break holds, in the right one the next.
-            Four<T> after = gather4(pieces.knots, index);
-            for (int i = 0; i < Four<T>::parts; ++i) after.part[i] = less_equal(after.part[i], x.part[i]);
-            index = _mm_sub_epi32(index, narrow_mask(after));
+            const Four<T> after =
+                map(gather(pieces.knots, index), x, [](auto knot, auto site) { return less_equal(knot, site); });
+            index = subtract_32(index, narrow_mask(after));
         }
-        store4(piece + to, index);
-        store_group(offset + to, minus(x, origins<T, uniform>(p, index)));
+        store_four(piece + to, index);
+        store_four(offset + to, minus(x, origins<T, uniform>(p, index)));
     };
     int32_t i = 0;
     for (; i + 4 <= count; i += 4) group(i, sites + i, cells + i);
@@ -70,11 +58,12 @@ void locate_uniform(const Pieces<T>& pieces, int32_t count, const T* sites, int3
     const auto first = splat(p.first), factor = splat(p.inverse_width), width = splat(p.width);
     const auto zero = splat(T{0}), last = splat(static_cast<T>(p.count - 2));
     const auto group = [&](int32_t to, const T* x_of) {
-        const Four<T> x = load4(x_of);
-        const __m128i index = truncate(map(x, [&](auto v) { return least(most((v - first) * factor, zero), last); }));
-        store4(piece + to, index);
-        const Four<T> origin = map(to_elements(index, T{}), [&](auto i) { return first + i * width; });
-        store_group(offset + to, minus(x, origin));
+        const Four<T> x = load_four(x_of);
+        const __m128i index =
+            truncate(map(x, [&](auto v) { return least(greatest((v - first) * factor, zero), last); }));
+        store_four(piece + to, index);
+        const Four<T> origin = map(to_four<T>(index), [&](auto i) { return first + i * width; });
+        store_four(offset + to, minus(x, origin));
     };
     int32_t i = 0;
     for (; i + 4 <= count; i += 4) group(i, sites + i);

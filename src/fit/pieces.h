@@ -1,10 +1,12 @@
 // From spline codes to what is evaluated, and from sites to pieces of the spline.
 #pragma once
 
-#include "fit/lanes.h"
 #include "fit/task.h"
+#include "simd/fours.h"
 
 namespace orv::fit {
+
+using namespace simd;
 
 enum Kind : int32_t {
     linear,

@@ -1,10 +1,12 @@
 // Cell search as interpolation and integration use it.
 #pragma once
 
-#include "fit/lanes.h"
 #include "fit/task.h"
+#include "simd/fours.h"
 
 namespace orv::fit {
+
+using namespace simd;
 
 enum SearchKind : int32_t { uniform, quasi_uniform, sorted, peak, hybrid, user_def, uni_user_def };
 

@@ -11,9 +11,9 @@ __m128i settle_ends(const Partition<T>& p, const Four<T>& x, __m128i cell) {
     const __m128i below = narrow_mask(map(x, [&](auto v) { return less(v, first); }));
     const __m128i at_last = narrow_mask(map(x, [&](auto v) { return equal(v, last); }));
     const __m128i within = narrow_mask(map(x, [&](auto v) { return less_equal(v, last); }));
-    cell = _mm_blendv_epi8(cell, _mm_set1_epi32(p.count - 1), at_last);
-    cell = _mm_andnot_si128(below, cell);
-    return _mm_blendv_epi8(_mm_set1_epi32(p.count), cell, within);
+    cell = select(at_last, splat_32(p.count - 1), cell);
+    cell = bit_and_not(below, cell);
+    return select(within, cell, splat_32(p.count));
 }
 
 // Cells on equal widths. The product is cut to the partition before truncation, so that no lane overflows.
@@ -21,20 +21,20 @@ template <class T>
 __m128i uniform_cells(const Partition<T>& p, T scale, const Four<T>& x) {
     const auto first = splat(p.first), factor = splat(scale), top = splat(static_cast<T>(p.count));
     const Four<T> place = map(x, [&](auto v) { return least((v - first) * factor, top); });
-    const __m128i cell = _mm_add_epi32(truncate(place), _mm_set1_epi32(1));
-    return settle_ends(p, x, _mm_min_epi32(cell, _mm_set1_epi32(p.count - 1)));
+    const __m128i cell = add_32(truncate(place), splat_32(1));
+    return settle_ends(p, x, least_32(cell, splat_32(p.count - 1)));
 }
 
 // Calls group(sites, cells) for groups of four sites; the last group is filled up with its last site.
 template <class T, class Cell, class Group>
 void by_fours(int64_t siteCount, const T* sites, Cell* cells, Group group) {
     int64_t i = 0;
-    for (; i + 4 <= siteCount; i += 4) store4(cells + i, group(load4(sites + i)));
+    for (; i + 4 <= siteCount; i += 4) store_four(cells + i, group(load_four(sites + i)));
     if (i == siteCount) return;
     T rest[4];
     int32_t found[4];
     for (int64_t k = 0; k < 4; ++k) rest[k] = sites[i + k < siteCount ? i + k : siteCount - 1];
-    store4(found, group(load4(rest)));
+    store_four(found, group(load_four(rest)));
     for (int64_t k = 0; i + k < siteCount; ++k) cells[i + k] = found[k];
 }
 
@@ -78,12 +78,12 @@ void search_sorted(const Partition<T>& p, int64_t siteCount, const T* sites, int
     for (; i + 4 <= siteCount; i += 4) {
         if (c < n) {
             const auto next = splat(p.breaks[c]);
-            const Four<T> x = load4(sites + i);
+            const Four<T> x = load_four(sites + i);
             bool same = true;
             for (int k = 0; k < Four<T>::parts; ++k)
-                same &= lane_bits(less(x.part[k], next)) == (1 << Lanes<T>::width) - 1;
+                same &= lane_bits(less(x.part[k], next)) == (1u << Lanes<T>::width) - 1;
             if (same) {
-                store4(cells + i, _mm_set1_epi32(c));
+                store_four(cells + i, splat_32(c));
                 continue;
             }
         }
@@ -105,34 +105,24 @@ void search_peak(const Partition<T>& p, int64_t siteCount, const T* sites, T pea
 template <class T>
 __m128i hybrid_cells(const Partition<T>& p, const orv_df_bucket* table, T scale, const Four<T>& x) {
     const auto first = splat(p.first), last = splat(p.last), factor = splat(scale);
-    const Four<T> inside = map(x, [&](auto v) { return least(most(v, first), last); });
-    const __m128i last_index = _mm_set1_epi32(p.count - 1);
-    __m128i lo = _mm_setzero_si128();
+    const Four<T> inside = map(x, [&](auto v) { return least(greatest(v, first), last); });
+    const __m128i last_index = splat_32(p.count - 1);
+    __m128i lo = splat_32(0);
     int32_t length = p.count - 1;
     if (table) {
-        const __m128i bucket = _mm_max_epi32(truncate(map(inside, [&](auto v) { return (v - first) * factor; })), lo);
-        const auto pair = [&](int32_t b) { return reinterpret_cast<const __m128i*>(table + b); };
-        const __m128i low = _mm_unpacklo_epi64(_mm_loadl_epi64(pair(_mm_cvtsi128_si32(bucket))),
-                                               _mm_loadl_epi64(pair(_mm_extract_epi32(bucket, 1))));
-        const __m128i high = _mm_unpacklo_epi64(_mm_loadl_epi64(pair(_mm_extract_epi32(bucket, 2))),
-                                                _mm_loadl_epi64(pair(_mm_extract_epi32(bucket, 3))));
-        const __m128 a = _mm_castsi128_ps(low), b = _mm_castsi128_ps(high);
-        lo = _mm_castps_si128(_mm_shuffle_ps(a, b, _MM_SHUFFLE(2, 0, 2, 0)));
-        const __m128i hi = _mm_castps_si128(_mm_shuffle_ps(a, b, _MM_SHUFFLE(3, 1, 3, 1)));
-        __m128i span = _mm_sub_epi32(hi, lo);
-        span = _mm_max_epi32(span, _mm_shuffle_epi32(span, _MM_SHUFFLE(1, 0, 3, 2)));
-        span = _mm_max_epi32(span, _mm_shuffle_epi32(span, _MM_SHUFFLE(2, 3, 0, 1)));
-        length = _mm_cvtsi128_si32(span);
+        const __m128i bucket = greatest_32(truncate(map(inside, [&](auto v) { return (v - first) * factor; })), lo);
+        const TwoWords bounds = gather_pairs(table, bucket);
+        lo = bounds.first;
+        length = greatest_word(subtract_32(bounds.second, lo));
     }
     while (length > 0) {
         const int32_t half = (length + 1) >> 1;
-        const __m128i probe = _mm_min_epi32(_mm_add_epi32(lo, _mm_set1_epi32(half - 1)), last_index);
-        Four<T> passed = gather4(p.breaks, probe);
-        for (int i = 0; i < Four<T>::parts; ++i) passed.part[i] = less_equal(passed.part[i], inside.part[i]);
-        lo = _mm_add_epi32(lo, _mm_and_si128(narrow_mask(passed), _mm_set1_epi32(half)));
+        const __m128i probe = least_32(add_32(lo, splat_32(half - 1)), last_index);
+        const Four<T> passed = map(gather(p.breaks, probe), inside, [](auto a, auto b) { return less_equal(a, b); });
+        lo = add_32(lo, bit_and(narrow_mask(passed), splat_32(half)));
         length -= half;
     }
-    return settle_ends(p, x, _mm_min_epi32(lo, last_index));
+    return settle_ends(p, x, least_32(lo, last_index));
 }
 
 template <class T, class Cell>

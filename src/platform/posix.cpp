@@ -2,8 +2,6 @@
 #include "platform/library_events.h"
 #include "platform/stdio_file.h"
 
-#include "services/services.h"
-
 #include <dlfcn.h>
 #include <pthread.h>
 #include <stdio.h>
@@ -100,9 +98,9 @@ bool process_ends = false;
 void note_process_end() { process_ends = true; }
 
 [[gnu::constructor]] void at_load() {
-    // A constructor has no way to refuse the load, so the process ends with the status that a thread's first call gives.
+    // A constructor has no way to refuse the load, so the process ends, with the status that a thread's first call gives.
     constexpr int32_t exit_not_loaded = 3;
-    if (!orv_library_event(orv_event_process_attach, nullptr)) orv_serv_exit(exit_not_loaded);
+    if (!orv_library_event(orv_event_process_attach, nullptr)) exit(exit_not_loaded);
     atexit(note_process_end);
 }
 

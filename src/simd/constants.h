@@ -1,7 +1,7 @@
 // Constants in every lane, as a kernel's constant block holds them, and the rows of its table by lane.
 #pragma once
 
-#include "simd/lanes.h"
+#include "simd/integers.h"
 
 namespace orv::simd {
 
@@ -53,10 +53,6 @@ template <class T>
 inline const T* behind(const T* start, uint32_t offset) {
     return reinterpret_cast<const T*>(reinterpret_cast<const char*>(start) + offset);
 }
-inline __m128d gather(const double* p0, const double* p1) { return _mm_loadh_pd(_mm_load_sd(p0), p1); }
-inline __m128i gather(const uint64_t* p0, const uint64_t* p1) {
-    return bits_of(gather(reinterpret_cast<const double*>(p0), reinterpret_cast<const double*>(p1)));
-}
 
 // The low words of 32-bit lanes, likewise.
 struct Offsets4 {
@@ -68,13 +64,9 @@ inline Offsets4 offsets_of_4(__m128i words) {
 }
 // The first and the second members of four pairs.
 inline void gather_pairs(const float (*rows)[2], Offsets4 j, __m128& first, __m128& second) {
-    const auto pair = [&](uint32_t i) { return reinterpret_cast<const __m64*>(rows[i]); };
-    const __m128 low =
-        _mm_loadh_pi(_mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows[j.at0]))), pair(j.at1));
-    const __m128 high =
-        _mm_loadh_pi(_mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows[j.at2]))), pair(j.at3));
-    first = _mm_shuffle_ps(low, high, _MM_SHUFFLE(2, 0, 2, 0));
-    second = _mm_shuffle_ps(low, high, _MM_SHUFFLE(3, 1, 3, 1));
+    const __m128 low = gather_halves(rows[j.at0], rows[j.at1]), high = gather_halves(rows[j.at2], rows[j.at3]);
+    first = even_lanes(low, high);
+    second = odd_lanes(low, high);
 }
 // The first three members of four rows of four, at byte offsets.
 inline void gather_triples(const float* rows, Offsets4 at, __m128& first, __m128& second, __m128& third) {

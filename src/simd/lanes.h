@@ -3,13 +3,17 @@
 // Arithmetic is written with the operators that the compiler gives its vector types; what they cannot say stands here.
 #pragma once
 
-#include <orv/vecmath.h>
-
 #include <smmintrin.h>
 #include <stddef.h>
 #include <stdint.h>
+#include <type_traits>
 
 namespace orv::simd {
+
+// A complex number: the real part, and the imaginary part behind it.
+template <class Pair, class Scalar>
+concept PairOf = std::is_same_v<decltype(Pair::re), Scalar> && std::is_same_v<decltype(Pair::im), Scalar> &&
+                 sizeof(Pair) == 2 * sizeof(Scalar);
 
 // V: the register, width: elements in it, Scalar: the number an element is made of.
 template <class Element>
@@ -27,14 +31,14 @@ struct Lanes<double> {
     using Scalar = double;
     static constexpr int width = 2;
 };
-template <>
-struct Lanes<orv_complex_s> {
+template <PairOf<float> Pair>
+struct Lanes<Pair> {
     using V = __m128;
     using Scalar = float;
     static constexpr int width = 2;
 };
-template <>
-struct Lanes<orv_complex_d> {
+template <PairOf<double> Pair>
+struct Lanes<Pair> {
     using V = __m128d;
     using Scalar = double;
     static constexpr int width = 1;
@@ -44,16 +48,28 @@ struct Lanes<orv_complex_d> {
 
 inline __m128 load(const float* p) { return _mm_loadu_ps(p); }
 inline __m128d load(const double* p) { return _mm_loadu_pd(p); }
-inline __m128 load(const orv_complex_s* p) { return _mm_loadu_ps(&p->re); }
-inline __m128d load(const orv_complex_d* p) { return _mm_loadu_pd(&p->re); }
+template <PairOf<float> Pair>
+inline __m128 load(const Pair* p) {
+    return _mm_loadu_ps(&p->re);
+}
+template <PairOf<double> Pair>
+inline __m128d load(const Pair* p) {
+    return _mm_loadu_pd(&p->re);
+}
 
 inline __m128 load_aligned(const float* p) { return _mm_load_ps(p); }
 inline __m128d load_aligned(const double* p) { return _mm_load_pd(p); }
 
 inline void store(float* p, __m128 v) { _mm_storeu_ps(p, v); }
 inline void store(double* p, __m128d v) { _mm_storeu_pd(p, v); }
-inline void store(orv_complex_s* p, __m128 v) { _mm_storeu_ps(&p->re, v); }
-inline void store(orv_complex_d* p, __m128d v) { _mm_storeu_pd(&p->re, v); }
+template <PairOf<float> Pair>
+inline void store(Pair* p, __m128 v) {
+    _mm_storeu_ps(&p->re, v);
+}
+template <PairOf<double> Pair>
+inline void store(Pair* p, __m128d v) {
+    _mm_storeu_pd(&p->re, v);
+}
 
 inline void store_aligned(float* p, __m128 v) { _mm_store_ps(p, v); }
 inline void store_aligned(double* p, __m128d v) { _mm_store_pd(p, v); }
@@ -77,28 +93,55 @@ inline __m128d load_splat(const double* p) { return _mm_loaddup_pd(p); }
 
 inline __m128 load_one(const float* p) { return _mm_load_ss(p); }
 inline __m128d load_one(const double* p) { return _mm_load_sd(p); }
-inline __m128 load_one(const orv_complex_s* p) {
+template <PairOf<float> Pair>
+inline __m128 load_one(const Pair* p) {
     return _mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)));
 }
-inline __m128d load_one(const orv_complex_d* p) { return load(p); }
+template <PairOf<double> Pair>
+inline __m128d load_one(const Pair* p) {
+    return load(p);
+}
 
 inline void store_one(float* p, __m128 v) { _mm_store_ss(p, v); }
 inline void store_one(double* p, __m128d v) { _mm_store_sd(p, v); }
-inline void store_one(orv_complex_s* p, __m128 v) { _mm_storel_pi(reinterpret_cast<__m64*>(p), v); }
-inline void store_one(orv_complex_d* p, __m128d v) { store(p, v); }
+template <PairOf<float> Pair>
+inline void store_one(Pair* p, __m128 v) {
+    _mm_storel_pi(reinterpret_cast<__m64*>(p), v);
+}
+template <PairOf<double> Pair>
+inline void store_one(Pair* p, __m128d v) {
+    store(p, v);
+}
 
-// ---- Strides, counted in elements; lanes go in rising order, so the last of several stores to one place holds ------
+// ---- Scattered and strided elements ----------------------------------------------------------------------------------
 
+// One lane from each place; and half a register from each of two.
+inline __m128d gather(const double* p0, const double* p1) { return _mm_loadh_pd(_mm_load_sd(p0), p1); }
+inline __m128 gather(const float* p0, const float* p1, const float* p2, const float* p3) {
+    const __m128 low = _mm_unpacklo_ps(_mm_load_ss(p0), _mm_load_ss(p1));
+    const __m128 high = _mm_unpacklo_ps(_mm_load_ss(p2), _mm_load_ss(p3));
+    return _mm_movelh_ps(low, high);
+}
+inline __m128 gather_halves(const float* p0, const float* p1) {
+    const __m128i low = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p0));
+    return _mm_loadh_pi(_mm_castsi128_ps(low), reinterpret_cast<const __m64*>(p1));
+}
+
+// Strides are counted in elements; lanes go in rising order, so the last of several stores to one place holds.
 inline __m128 load_strided(const float* p, ptrdiff_t step) {
     const __m128 low = _mm_unpacklo_ps(_mm_load_ss(p), _mm_load_ss(p + step));
     const __m128 high = _mm_unpacklo_ps(_mm_load_ss(p + 2 * step), _mm_load_ss(p + 3 * step));
     return _mm_movelh_ps(low, high);
 }
 inline __m128d load_strided(const double* p, ptrdiff_t step) { return _mm_loadh_pd(_mm_load_sd(p), p + step); }
-inline __m128 load_strided(const orv_complex_s* p, ptrdiff_t step) {
+template <PairOf<float> Pair>
+inline __m128 load_strided(const Pair* p, ptrdiff_t step) {
     return _mm_loadh_pi(load_one(p), reinterpret_cast<const __m64*>(p + step));
 }
-inline __m128d load_strided(const orv_complex_d* p, ptrdiff_t) { return load(p); }
+template <PairOf<double> Pair>
+inline __m128d load_strided(const Pair* p, ptrdiff_t) {
+    return load(p);
+}
 
 inline void store_strided(float* p, ptrdiff_t step, __m128 v) {
     _mm_store_ss(p, v);
@@ -110,11 +153,15 @@ inline void store_strided(double* p, ptrdiff_t step, __m128d v) {
     _mm_store_sd(p, v);
     _mm_storeh_pd(p + step, v);
 }
-inline void store_strided(orv_complex_s* p, ptrdiff_t step, __m128 v) {
+template <PairOf<float> Pair>
+inline void store_strided(Pair* p, ptrdiff_t step, __m128 v) {
     _mm_storel_pi(reinterpret_cast<__m64*>(p), v);
     _mm_storeh_pi(reinterpret_cast<__m64*>(p + step), v);
 }
-inline void store_strided(orv_complex_d* p, ptrdiff_t, __m128d v) { store(p, v); }
+template <PairOf<double> Pair>
+inline void store_strided(Pair* p, ptrdiff_t, __m128d v) {
+    store(p, v);
+}
 
 // ---- The first `count` lanes, at least one and fewer than all; a load fills the others -------------------------------
 
@@ -172,6 +219,59 @@ inline __m128d magnitude(__m128d x) { return bit_and_not(splat(-0.0), x); }
 // a in the lanes where the mask is all ones, b in the others.
 inline __m128 select(__m128 mask, __m128 a, __m128 b) { return bit_or(bit_and(mask, a), bit_and_not(mask, b)); }
 inline __m128d select(__m128d mask, __m128d a, __m128d b) { return bit_or(bit_and(mask, a), bit_and_not(mask, b)); }
+// ---- Between lanes and between widths --------------------------------------------------------------------------------
+
+// a and b by turns, from the lower and from the upper half of each.
+inline __m128 interleave_low(__m128 a, __m128 b) { return _mm_unpacklo_ps(a, b); }
+inline __m128d interleave_low(__m128d a, __m128d b) { return _mm_unpacklo_pd(a, b); }
+inline __m128 interleave_high(__m128 a, __m128 b) { return _mm_unpackhi_ps(a, b); }
+inline __m128d interleave_high(__m128d a, __m128d b) { return _mm_unpackhi_pd(a, b); }
+
+// The even lanes of a, then those of b; and the odd ones.
+inline __m128 even_lanes(__m128 a, __m128 b) { return _mm_shuffle_ps(a, b, _MM_SHUFFLE(2, 0, 2, 0)); }
+inline __m128 odd_lanes(__m128 a, __m128 b) { return _mm_shuffle_ps(a, b, _MM_SHUFFLE(3, 1, 3, 1)); }
+
+// Half of a, then half of b.
+inline __m128 low_halves(__m128 a, __m128 b) { return _mm_movelh_ps(a, b); }
+inline __m128 high_halves(__m128 a, __m128 b) { return _mm_movehl_ps(b, a); }
+inline __m128 high_and_low_half(__m128 a, __m128 b) { return _mm_shuffle_ps(a, b, _MM_SHUFFLE(1, 0, 3, 2)); }
+
+inline void transpose(__m128& a, __m128& b, __m128& c, __m128& d) {
+    const __m128 ab_low = interleave_low(a, b), cd_low = interleave_low(c, d);
+    const __m128 ab_high = interleave_high(a, b), cd_high = interleave_high(c, d);
+    a = low_halves(ab_low, cd_low);
+    b = high_halves(ab_low, cd_low);
+    c = low_halves(ab_high, cd_high);
+    d = high_halves(ab_high, cd_high);
+}
+
+// Lane 0 as a number.
+inline float first_lane(__m128 x) { return _mm_cvtss_f32(x); }
+inline double first_lane(__m128d x) { return _mm_cvtsd_f64(x); }
+// Lane 0, the others zero.
+inline __m128 first_lane_alone(__m128 x) { return _mm_move_ss(_mm_setzero_ps(), x); }
+inline __m128d first_lane_alone(__m128d x) { return _mm_move_sd(_mm_setzero_pd(), x); }
+// The sum of both lanes.
+inline double sum_of_lanes(__m128d x) { return _mm_cvtsd_f64(_mm_add_sd(x, _mm_unpackhi_pd(x, x))); }
+
+// Floats as doubles, the lower two or the upper two; and four doubles as floats.
+inline __m128d widen_low(__m128 x) { return _mm_cvtps_pd(x); }
+inline __m128d widen_high(__m128 x) { return _mm_cvtps_pd(_mm_movehl_ps(x, x)); }
+inline __m128 narrow(__m128d low, __m128d high) { return _mm_movelh_ps(_mm_cvtpd_ps(low), _mm_cvtpd_ps(high)); }
+
+// Numbers of either type in memory as double lanes: two, and one with 0 behind it.
+inline __m128d load_doubles(const double* p) { return load(p); }
+inline __m128d load_doubles(const float* p) {
+    return _mm_cvtps_pd(_mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p))));
+}
+inline __m128d load_one_double(const double* p) { return load_one(p); }
+inline __m128d load_one_double(const float* p) { return _mm_cvtss_sd(_mm_setzero_pd(), _mm_load_ss(p)); }
+inline void store_doubles(double* p, __m128d v) { store(p, v); }
+inline void store_doubles(float* p, __m128d v) {
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(p), _mm_castps_si128(_mm_cvtpd_ps(v)));
+}
+inline void store_one_double(double* p, __m128d v) { store_one(p, v); }
+inline void store_one_double(float* p, __m128d v) { store_one(p, _mm_cvtpd_ps(v)); }
 
 // The same by the sign bits of the mask alone.
 inline __m128 select_by_sign(__m128 mask, __m128 a, __m128 b) { return _mm_blendv_ps(b, a, mask); }
@@ -188,13 +288,27 @@ inline __m128d round(__m128d x) {
     return _mm_round_pd(x, Control);
 }
 
+// The smaller and the larger; b where the two are unordered.
+inline __m128 least(__m128 a, __m128 b) { return _mm_min_ps(a, b); }
+inline __m128d least(__m128d a, __m128d b) { return _mm_min_pd(a, b); }
+inline __m128 greatest(__m128 a, __m128 b) { return _mm_max_ps(a, b); }
+inline __m128d greatest(__m128d a, __m128d b) { return _mm_max_pd(a, b); }
+
+inline __m128 square_root(__m128 x) { return _mm_sqrt_ps(x); }
+inline __m128d square_root(__m128d x) { return _mm_sqrt_pd(x); }
+
+// Masks: all ones where it holds.
 inline __m128 equal(__m128 a, __m128 b) { return _mm_cmpeq_ps(a, b); }
 inline __m128d equal(__m128d a, __m128d b) { return _mm_cmpeq_pd(a, b); }
 inline __m128 less(__m128 a, __m128 b) { return _mm_cmplt_ps(a, b); }
 inline __m128d less(__m128d a, __m128d b) { return _mm_cmplt_pd(a, b); }
+inline __m128 less_equal(__m128 a, __m128 b) { return _mm_cmple_ps(a, b); }
+inline __m128d less_equal(__m128d a, __m128d b) { return _mm_cmple_pd(a, b); }
 // True for NaNs too.
 inline __m128 not_less(__m128 a, __m128 b) { return _mm_cmpnlt_ps(a, b); }
 inline __m128d not_less(__m128d a, __m128d b) { return _mm_cmpnlt_pd(a, b); }
+inline __m128 not_less_equal(__m128 a, __m128 b) { return _mm_cmpnle_ps(a, b); }
+inline __m128d not_less_equal(__m128d a, __m128d b) { return _mm_cmpnle_pd(a, b); }
 
 // A mask, by its sign bits, of the lanes of a that exceed `last`, NaNs among them; both without signs. By the bits: a
 // comparison of numbers would raise invalid for a NaN.

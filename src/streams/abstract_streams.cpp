@@ -1,5 +1,5 @@
 // Creators of abstract streams, which hand out numbers from a ring that the caller owns and refills.
-#include "platform/export.h"
+#include "services/export.h"
 #include "streams/record.h"
 
 using namespace orv::streams;

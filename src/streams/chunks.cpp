@@ -1,7 +1,7 @@
 // The list of memory chunks that hangs off a stream.
 #include "streams/chunks.h"
 
-#include "platform/export.h"
+#include "services/export.h"
 #include "services/services.h"
 #include "streams/record.h"
 #include "streams/shared_table.h"

@@ -1,5 +1,5 @@
 // Creation, jumps, copies and deletion of whole streams. What a generator can do is decided in its initStream alone.
-#include "platform/export.h"
+#include "services/export.h"
 #include "services/services.h"
 #include "streams/record.h"
 

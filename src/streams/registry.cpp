@@ -1,5 +1,5 @@
 // The registry of generators: two tables of rows, and registration.
-#include "platform/export.h"
+#include "services/export.h"
 #include "streams/builtin_generators.h"
 #include "streams/record.h"
 

@@ -2,8 +2,8 @@
 // entry cannot vanish or be doubled in between.
 #include "streams/shared_table.h"
 
-#include "platform/export.h"
 #include "platform/platform.h"
+#include "services/export.h"
 #include "services/services.h"
 #include "streams/spin_lock.h"
 

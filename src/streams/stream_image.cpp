@@ -2,8 +2,8 @@
 //
 // One writer and one reader serve both media. A sink or source is a file, or a position in a memory block whose end
 // nobody knows. In a file every size is held against the bytes that are left before memory is asked for.
-#include "platform/export.h"
 #include "platform/platform.h"
+#include "services/export.h"
 #include "services/services.h"
 #include "streams/chunks.h"
 #include "streams/record.h"

@@ -81,8 +81,8 @@ const struct {
     {BrngMRG32K3A, {0, 0, 1, 4294944442, 0, 0}},
 };
 // Around every length at which a kernel changes its way of working.
-constexpr int32_t lengths[] = {1,   2,   3,   4,   5,   7,   16,  31,   32,   33,   63,  64,
-                               127, 128, 129, 145, 511, 512, 640, 2047, 2048, 2049, 5000};
+constexpr int32_t lengths[] = {1,  2,  3,   4,   5,   7,   11,  12,  13,  16,   31,   32,   33,
+                               63, 64, 127, 128, 129, 145, 511, 512, 640, 2047, 2048, 2049, 5000};
 
 template <class Element>
 struct Guarded {

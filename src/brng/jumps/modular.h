@@ -1,4 +1,5 @@
-// Reductions by moduli just below a power of two: the high part folds back onto the low one, so nothing divides.
+// Residues without division: moduli just below a power of two, whose high part folds back onto the low one, and powers of
+// two themselves.
 #pragma once
 
 #include <stdint.h>
@@ -7,8 +8,6 @@ namespace orv::brng {
 
 inline constexpr uint32_t m31 = 0x7FFFFFFF;
 inline constexpr uint64_t mask59 = 0x7FFFFFFFFFFFFFF;
-inline constexpr uint32_t m1 = 4294967087;  // 2^32 - 209
-inline constexpr uint32_t m2 = 4294944443;  // 2^32 - 22853
 
 // a b mod 2^31 - 1 for a, b below the modulus: 2^31 is 1, and the sum of the halves is below twice the modulus.
 constexpr uint32_t mul_m31(uint32_t a, uint32_t b) {

@@ -1,6 +1,6 @@
 // Jumps of generators whose step A is linear over GF(2): the state after n steps is g(A) times the state, where
 // g = x^n mod the characteristic polynomial. The state is known here through the generator's operations alone.
-#include "platform/export.h"
+#include "services/export.h"
 #include "services/services.h"
 
 #include <orv/random.h>

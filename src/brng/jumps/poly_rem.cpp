@@ -2,12 +2,15 @@
 // Squaring spreads the bits to the even positions. Reduction goes down byte by byte over what stands at and above the
 // degree: the byte b at degree + 8 j is replaced by (b x^degree mod P) x^(8 j), whose first factor comes from a table of
 // all 256, so the work does not depend on how many terms P has.
-#include "platform/export.h"
+#include "services/export.h"
 #include "services/services.h"
 
+#include "simd/integers.h"
+
 #include <orv/random.h>
-#include <smmintrin.h>
 #include <string.h>
+
+namespace simd = orv::simd;
 
 namespace {
 
@@ -35,9 +38,8 @@ bool bit_of(const uint8_t* bits, uint32_t i) { return (bits[i / 8] >> i % 8 & 1)
 
 void add(uint8_t* to, const uint8_t* from, size_t bytes) {
     for (size_t i = 0; i < bytes; i += vector_bytes) {
-        __m128i* at = reinterpret_cast<__m128i*>(to + i);
-        const __m128i sum = _mm_xor_si128(_mm_loadu_si128(at), *reinterpret_cast<const __m128i*>(from + i));
-        _mm_storeu_si128(at, sum);
+        const __m128i sum = simd::bit_xor(simd::load(to + i), simd::load_aligned(from + i));
+        simd::store(to + i, sum);
     }
 }
 

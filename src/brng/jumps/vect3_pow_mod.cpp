@@ -1,7 +1,8 @@
 // Jumps of third-order recurrences: powers of a 3 by 3 matrix applied to a vector.
-#include "brng/modular.h"
-#include "brng/vect3.h"
-#include "platform/export.h"
+#include "brng/jumps/modular.h"
+#include "brng/jumps/vect3.h"
+#include "brng/mrg32k3a.h"
+#include "services/export.h"
 
 #include <orv/random.h>
 
@@ -63,9 +64,9 @@ ORV_API void __kuziVect3PowMod(uint32_t* vector, const uint32_t* row, uint32_t m
 }
 
 ORV_API void __kuziVect3PowArrayMod_M1(uint32_t* vector, int32_t n, const uint64_t* count, const uint32_t* table) {
-    by_table<m1>(vector, n, count, table);
+    by_table<mrg32k3a::m1>(vector, n, count, table);
 }
 
 ORV_API void __kuziVect3PowArrayMod_M2(uint32_t* vector, int32_t n, const uint64_t* count, const uint32_t* table) {
-    by_table<m2>(vector, n, count, table);
+    by_table<mrg32k3a::m2>(vector, n, count, table);
 }

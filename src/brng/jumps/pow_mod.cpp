@@ -1,6 +1,6 @@
 // Powers modulo m, 2^31 - 1 and 2^59: square and multiply from the lowest bit of the exponent.
-#include "brng/modular.h"
-#include "platform/export.h"
+#include "brng/jumps/modular.h"
+#include "services/export.h"
 
 #include <orv/random.h>
 
