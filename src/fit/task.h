@@ -10,16 +10,19 @@
 
 namespace orv::fit {
 
-static_assert(offsetof(DFTask, recordTag) == 4 && offsetof(DFTask, isDouble) == 8 && offsetof(DFTask, editable) == 12);
-static_assert(offsetof(DFTask, breakCount) == 16 && offsetof(DFTask, breaks) == 24 &&
-              offsetof(DFTask, breakHint) == 32);
-static_assert(offsetof(DFTask, funcCount) == 40 && offsetof(DFTask, funcs) == 48 && offsetof(DFTask, funcHint) == 56);
-static_assert(offsetof(DFTask, splineOrder) == 64 && offsetof(DFTask, splineType) == 72);
-static_assert(offsetof(DFTask, icType) == 80 && offsetof(DFTask, icData) == 88);
-static_assert(offsetof(DFTask, bcType) == 96 && offsetof(DFTask, bcData) == 104);
-static_assert(offsetof(DFTask, coeffs) == 108 && offsetof(DFTask, coeffHint) == 112);
-static_assert(offsetof(DFTask, checkFlag) == 120 && offsetof(DFTask, cellTableSize) == 128);
-static_assert(offsetof(DFTask, cellTable) == 136 && offsetof(DFTask, cellScale) == 144 && sizeof(DFTask) == 152);
+static_assert(sizeof(void*) != 4 || (offsetof(DFTask, recordTag) == 4 && offsetof(DFTask, isDouble) == 8 &&
+                                     offsetof(DFTask, editable) == 12));
+static_assert(sizeof(void*) != 4 || (offsetof(DFTask, breakCount) == 16 && offsetof(DFTask, breaks) == 24 &&
+                                     offsetof(DFTask, breakHint) == 32));
+static_assert(sizeof(void*) != 4 ||
+              (offsetof(DFTask, funcCount) == 40 && offsetof(DFTask, funcs) == 48 && offsetof(DFTask, funcHint) == 56));
+static_assert(sizeof(void*) != 4 || (offsetof(DFTask, splineOrder) == 64 && offsetof(DFTask, splineType) == 72));
+static_assert(sizeof(void*) != 4 || (offsetof(DFTask, icType) == 80 && offsetof(DFTask, icData) == 88));
+static_assert(sizeof(void*) != 4 || (offsetof(DFTask, bcType) == 96 && offsetof(DFTask, bcData) == 104));
+static_assert(sizeof(void*) != 4 || (offsetof(DFTask, coeffs) == 108 && offsetof(DFTask, coeffHint) == 112));
+static_assert(sizeof(void*) != 4 || (offsetof(DFTask, checkFlag) == 120 && offsetof(DFTask, cellTableSize) == 128));
+static_assert(sizeof(void*) != 4 ||
+              (offsetof(DFTask, cellTable) == 136 && offsetof(DFTask, cellScale) == 144 && sizeof(DFTask) == 152));
 
 constexpr int32_t block_alignment = 128;
 
