@@ -79,6 +79,14 @@ void add_kernels(const Row& row, bool strided, const Line& line) {
     }
 }
 
+void add_peers(const Row& row, const Line& line, const std::vector<Peer>& peers) {
+    for (const Peer& peer : peers) {
+        std::string name = row.type + std::string(row.function) + "/" + peer.library + " " + peer.function;
+        if (line.label) name += "/" + std::string(line.label);
+        add(name, line.family, row.type, line.range, peer.ulp, [call = peer.call](const Arrays& v) { call(n, v); });
+    }
+}
+
 const bool registered = [] {
     for (const Row& row : rows) {
         static const Line missing = {
@@ -87,12 +95,13 @@ const bool registered = [] {
         if (!line) std::fprintf(stderr, "%c%s has no line in functions.inc\n", row.type, row.function);
         if (!line) line = &missing;
         add_kernels(row, false, *line);
-        for (const Peer& peer : line->peers)
-            add(row.type + std::string(row.function) + "/" + peer.library + " " + peer.function, line->family, row.type,
-                line->range, peer.ulp, [call = peer.call](const Arrays& v) { call(n, v); });
+        add_peers(row, *line, line->peers);
         if (row.strided) add_kernels(row, true, *line);
-        for (const Line& beside : lines_of(row.type))
-            if (beside.label && beside.function == std::string_view(row.function)) add_kernels(row, false, beside);
+        for (const Line& beside : lines_of(row.type)) {
+            if (!beside.label || beside.function != std::string_view(row.function)) continue;
+            add_kernels(row, false, beside);
+            add_peers(row, beside, line->peers);
+        }
     }
     return true;
 }();
