@@ -40,8 +40,9 @@ orv_df_status prepare(const DFTask* task, int64_t least_breaks, NoCondition no_c
 
 template <class T>
 orv_df_status prepare_data(const DFTask& task, Construction<T>& construction) {
-    if (!task.funcs) return ORV_DF_NULL_FUNCTIONS;
-    if (!task.coeffs) return ORV_DF_NULL_COEFFICIENTS;
+    orv_df_status status = functions_present(task);
+    if (status == ORV_DF_OK) status = coefficients_present(task);
+    if (status != ORV_DF_OK) return status;
     construction.partition = partition_of<T>(task);
     construction.functions = task.funcCount > 1 ? static_cast<int32_t>(task.funcCount) : 1;
     construction.funcs = reinterpret_cast<const T* const*>(task.funcs);

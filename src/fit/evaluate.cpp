@@ -137,7 +137,9 @@ void evaluate_values(const DFTask& task, const Pieces<T>& pieces, Kind kind, int
         const bool on_break = left >= 0 && x == pieces.origin(left);
         if (left < 0) left = 0;
         const int32_t right = cells[i] <= 0 || left == last || on_break ? left : left + 1;
-        if (derivative > 0)
+        if (x != x && derivative == 0)
+            *out = x;
+        else if (derivative > 0)
             *out = kind == look_up ? static_cast<T>(__builtin_nan("")) : 0;
         else if (kind == look_up && !on_break)
             *out = static_cast<T>(__builtin_nan(""));

@@ -12,8 +12,8 @@ void hyman_rule(const T* s, const T* h, const T*, T* m, int32_t count) {
     for (int32_t k = 0; k < count; k += Lanes<T>::width) {
         const auto left = load(s + k - 1), right = load(s + k);
         const auto bessel = parabola_derivative<uniform>(left, right, load(h + k - 1), load(h + k), half);
-        // `less` is false for an unordered product, which therefore gives zero as one that is not positive does.
-        const auto monotone = less(zero, left * right);
+        // An unordered product counts as positive, and its NaN goes on into the derivative.
+        const auto monotone = not_less_equal(left * right, zero);
         const auto bound = three * least(magnitude(left), magnitude(right));
         const auto held = bit_or(least(bound, magnitude(bessel)), sign_of(bessel));
         store(m + k, bit_and(monotone, held));

@@ -1,6 +1,6 @@
-// Integration. With G the integral of a piece's polynomial from its origin and P[i] the sum of the integrals of the pieces
-// before piece i, the integral from a to b is
-//   P[piece of b] - P[piece of a] + G(b) - G(edge of its piece) - (G(a) - G(edge of its piece)).
+// Integration. A piece's part of an integral is that of its polynomial over an interval of its own; whole pieces between the
+// limits come from P[i], the sum of the integrals of the pieces before piece i. The integral from a to b, a left of b, is
+//   (from a to the upper edge of its piece) + P[piece of b] - P[piece of a + 1] + (from the lower edge of its piece to b).
 // P is kept as a sum of two doubles (Knuth's two-sum), so that differences of far larger sums lose nothing, and integrals
 // over adjacent intervals add up to the integral over the whole.
 #include "fit/pieces.h"
@@ -36,10 +36,27 @@ inline double difference(const Sum& a, const Sum& b) {
 
 // The integral of a polynomial from its origin to distance u.
 template <class T>
-double integral(const T* c, int64_t order, double u) {
-    double sum = 0;
-    for (int64_t k = order - 1; k >= 0; --k) sum = sum * u + static_cast<double>(c[k]) / static_cast<double>(k + 1);
+double antiderivative(const T* c, int64_t order, double u) {
+    double sum = static_cast<double>(c[order - 1]) / static_cast<double>(order);
+    for (int64_t k = order - 1; k > 0; --k) sum = sum * u + static_cast<double>(c[k - 1]) / static_cast<double>(k);
     return sum * u;
+}
+
+// The integral of a polynomial from distance u of its origin to distance v, their difference w being given. With
+//   v^(k+1) - u^(k+1) = w S[k],  S[0] = 1,  S[k] = v S[k-1] + u^k,
+// the width is a factor of the whole, and a short interval loses no digits.
+template <class T>
+double integral(const T* c, int64_t order, double u, double v, double w) {
+    double sum = c[0], power = 1, powers = 1;
+    for (int64_t k = 1; k < order; ++k) {
+        power *= u;
+        powers = powers * v + power;
+        sum += static_cast<double>(c[k]) / static_cast<double>(k + 1) * powers;
+    }
+    const double value = sum * w;
+    if (value - value == 0) return value;
+    // Limits beyond all powers: these infinities do not meet.
+    return antiderivative(c, order, v) - antiderivative(c, order, u);
 }
 
 template <class T>
@@ -65,44 +82,50 @@ struct Integration {
     bool finite;      // the sums are: a piece that is not spoils only the intervals that contain it
 };
 
-// Where one limit lies: its piece, and the integral from the piece's lower edge to it.
+// Where a limit lies.
+template <class T>
 struct Place {
+    T x;
     int32_t piece;
-    double partial;
 };
 
 template <class T>
-Place place_of(const Integration<T>& job, const T* coeffs, T x, int32_t cell) {
-    const Pieces<T>& pieces = job.pieces;
+Place<T> place_of(const Pieces<T>& pieces, T x, int32_t cell) {
     int32_t piece = cell - 1 < 0 ? 0 : cell - 1;
     if (piece > pieces.partition.count - 2) piece = pieces.partition.count - 2;
     if (pieces.knots && !(x < pieces.knots[piece])) ++piece;
+    return {x, piece};
+}
+
+// The integral of one piece's polynomial between two places.
+template <class T>
+double within_piece(const Integration<T>& job, const T* coeffs, int32_t piece, double from, double to) {
     const T* c = coeffs + static_cast<ptrdiff_t>(piece) * static_cast<ptrdiff_t>(job.order);
-    const double origin = pieces.origin(piece);
-    const double from = pieces.lower_edge(piece) - origin;
-    return {piece, integral(c, job.order, static_cast<double>(x) - origin) - integral(c, job.order, from)};
+    const double origin = job.pieces.origin(piece);
+    return integral(c, job.order, from - origin, to - origin, to - from);
 }
 
 template <class T>
-double whole_piece(const Pieces<T>& pieces, const T* coeffs, int64_t order, int32_t piece) {
-    const T* c = coeffs + static_cast<ptrdiff_t>(piece) * static_cast<ptrdiff_t>(order);
-    const double origin = pieces.origin(piece);
-    const double from = pieces.lower_edge(piece) - origin, to = pieces.upper_edge(piece) - origin;
-    return integral(c, order, to) - integral(c, order, from);
+double whole_piece(const Integration<T>& job, const T* coeffs, int32_t piece) {
+    return within_piece(job, coeffs, piece, job.pieces.lower_edge(piece), job.pieces.upper_edge(piece));
+}
+
+// The pieces after that of a and before that of b.
+template <class T>
+double whole_pieces(const Integration<T>& job, const T* coeffs, int32_t a, int32_t b) {
+    if (job.finite) return difference(job.sums[b], job.sums[a + 1]);
+    Sum sum = {0, 0};
+    for (int32_t i = a + 1; i < b; ++i) sum = add(sum, whole_piece(job, coeffs, i));
+    return sum.high + sum.low;
 }
 
 template <class T>
-double between(const Integration<T>& job, const T* coeffs, const Place& a, const Place& b) {
-    double whole;
-    if (job.finite) {
-        whole = difference(job.sums[b.piece], job.sums[a.piece]);
-    } else {
-        const int32_t from = a.piece < b.piece ? a.piece : b.piece, to = a.piece < b.piece ? b.piece : a.piece;
-        Sum sum = {0, 0};
-        for (int32_t i = from; i < to; ++i) sum = add(sum, whole_piece(job.pieces, coeffs, job.order, i));
-        whole = a.piece < b.piece ? sum.high + sum.low : -(sum.high + sum.low);
-    }
-    return whole + (b.partial - a.partial);
+double between(const Integration<T>& job, const T* coeffs, const Place<T>& a, const Place<T>& b) {
+    if (a.piece == b.piece) return within_piece(job, coeffs, a.piece, a.x, b.x);
+    if (b.piece < a.piece) return -between(job, coeffs, b, a);
+    const double left = within_piece(job, coeffs, a.piece, a.x, job.pieces.upper_edge(a.piece));
+    const double right = within_piece(job, coeffs, b.piece, job.pieces.lower_edge(b.piece), b.x);
+    return whole_pieces(job, coeffs, a.piece, b.piece) + (left + right);
 }
 
 template <class T>
@@ -120,9 +143,9 @@ void integrate_range(const Integration<T>& job, const T* coeffs, int64_t begin, 
             run_search(job.plan, count, x[side], &state[side], 0, cells[side]);
         }
         for (int32_t k = 0; k < count; ++k) {
-            const Place a = place_of(job, coeffs, x[0][k], cells[0][k]);
-            const Place b = place_of(job, coeffs, x[1][k], cells[1][k]);
-            const bool numbers = !__builtin_isunordered(x[0][k], x[1][k]);
+            const Place<T> a = place_of(job.pieces, x[0][k], cells[0][k]);
+            const Place<T> b = place_of(job.pieces, x[1][k], cells[1][k]);
+            const bool numbers = !__builtin_isunordered(a.x, b.x);
             const double value = numbers ? between(job, coeffs, a, b) : __builtin_nan("");
             out[static_cast<ptrdiff_t>(at + k) * stride] = static_cast<T>(value);
         }
@@ -134,7 +157,7 @@ int32_t integrate(const DFTask* task, int64_t limitCount, const T* left, int64_t
                   int64_t rightHint, const T* dataHint, T* results, int64_t resultHint, const orv_services* services) {
     if (!task) return ORV_DF_NULL_TASK;
     Kind kind;
-    const orv_df_status status = kind_of(*task, false, kind);
+    orv_df_status status = kind_of(*task, false, kind);
     if (status != ORV_DF_OK) return status;
     if (kind >= left_step) return ORV_DF_BAD_SPLINE_TYPE;
     if (resultHint != ORV_DF_NO_HINT && resultHint != ORV_DF_ROWS && resultHint != ORV_DF_COLUMNS &&
@@ -143,6 +166,8 @@ int32_t integrate(const DFTask* task, int64_t limitCount, const T* left, int64_t
     const bool any_sorted = leftHint == ORV_DF_SITES_SORTED || rightHint == ORV_DF_SITES_SORTED;
     if (any_sorted && dataHint && !(dataHint[1] == 0 || dataHint[1] == 1)) return ORV_DF_BAD_DATA_HINT;
     if (limitCount <= 0) return ORV_DF_OK;
+    status = pieces_present(*task, kind);
+    if (status != ORV_DF_OK) return status;
 
     Integration<T> job;
     const bool both_ascend = leftHint != ORV_DF_SITES_NO_HINT && rightHint != ORV_DF_SITES_NO_HINT;
@@ -164,7 +189,7 @@ int32_t integrate(const DFTask* task, int64_t limitCount, const T* left, int64_t
     for (int64_t f = 0; f < functions; ++f) {
         const auto* coeffs = static_cast<const T*>(task->coeffs[f]);
         sums[0] = {0, 0};
-        for (int32_t i = 0; i < pieces; ++i) sums[i + 1] = add(sums[i], whole_piece(job.pieces, coeffs, job.order, i));
+        for (int32_t i = 0; i < pieces; ++i) sums[i + 1] = add(sums[i], whole_piece(job, coeffs, i));
         job.finite = sums[pieces].high - sums[pieces].high == 0;
         T* out = resultHint == ORV_DF_ROW_POINTERS ? reinterpret_cast<T* const*>(results)[f]
                  : resultHint == ORV_DF_COLUMNS    ? results + static_cast<ptrdiff_t>(f)

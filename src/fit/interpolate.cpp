@@ -31,6 +31,8 @@ template <class T>
 struct Job {
     const DFTask* task;
     Kind kind;
+    // The callbacks evaluate everywhere: neither coefficients nor function values are read.
+    bool by_callbacks;
     bool evaluates, uses_given_cells, stores_cells, needs_cells;
     SearchPlan<T> plan;
     Pieces<T> pieces;
@@ -112,9 +114,11 @@ int32_t evaluate_block(const Job<T>& job, int64_t at, int32_t count, Scratch<T, 
             const ptrdiff_t stride = target.stride;
             T* out = target.first + static_cast<ptrdiff_t>(at) * stride;
             const int64_t order = job.task->splineOrder;
-            if (job.kind >= left_step) {
+            if (job.by_callbacks) {
+                // Below.
+            } else if (job.kind >= left_step) {
                 evaluate_values(*job.task, job.pieces, job.kind, f, derivative, count, sites, w.cells, out, stride);
-            } else if (order > 0) {
+            } else {
                 const auto* coeffs = static_cast<const T*>(job.task->coeffs[f]);
                 evaluator_for<T>(order, derivative, stride)(coeffs, order, derivative, w.piece, w.offset, count, out,
                                                             stride);
@@ -162,7 +166,7 @@ int32_t work_range(const Job<T>& job, int64_t begin, int64_t end, Scratch<T, cap
         if (!job.evaluates) continue;
         if (!job.needs_cells)
             locate_uniform(job.pieces, count, sites, w.piece, w.offset);
-        else if (job.kind < left_step)
+        else if (job.kind < left_step && !job.by_callbacks)
             job.locate(job.pieces, count, sites, w.cells, w.piece, w.offset);
         const int32_t status = evaluate_block(job, at, count, w);
         if (status < 0) return status;
@@ -210,16 +214,15 @@ int32_t interpolate(const DFTask* task, int64_t type, int64_t siteCount, const T
     Job<T> job;
     job.task = task;
     job.kind = linear;
-    if (type != ORV_DF_STORE_CELLS) {
-        const bool by_callbacks = callbacks.left && callbacks.right && callbacks.inside;
-        const orv_df_status status = kind_of(*task, by_callbacks, job.kind);
-        if (status != ORV_DF_OK) return status;
-    }
+    job.by_callbacks = callbacks.left && callbacks.right && callbacks.inside;
+    orv_df_status status = ORV_DF_OK;
+    if (type != ORV_DF_STORE_CELLS) status = kind_of(*task, job.by_callbacks, job.kind);
+    if (status != ORV_DF_OK) return status;
     job.layout = resultHint == ORV_DF_NO_HINT ? int64_t{ORV_DF_ROWS} : resultHint;
     if (job.layout != ORV_DF_ROWS && job.layout != ORV_DF_COLUMNS && job.layout != ORV_DF_ROW_POINTERS &&
         job.layout != ORV_DF_ROWS_BY_DERIVATIVE && job.layout != ORV_DF_COLUMNS_BY_DERIVATIVE)
         return ORV_DF_BAD_RESULT_HINT;
-    const orv_df_status status = plan_search(*task, siteHint, dataHint, searchCallback, searchParam, job.plan);
+    status = plan_search(*task, siteHint, dataHint, searchCallback, searchParam, job.plan);
     if (status != ORV_DF_OK) return status;
     if (siteCount <= 0) return ORV_DF_OK;
 
@@ -227,6 +230,10 @@ int32_t interpolate(const DFTask* task, int64_t type, int64_t siteCount, const T
     job.uses_given_cells = (type & ORV_DF_EVALUATE_CELLS) != 0 && cells;
     job.stores_cells = (type & ORV_DF_STORE_CELLS) != 0 && !job.uses_given_cells && cells;
     if (!job.evaluates && !job.stores_cells) return ORV_DF_OK;
+    if (job.evaluates && !job.by_callbacks) {
+        status = job.kind >= left_step ? functions_present(*task) : pieces_present(*task, job.kind);
+        if (status != ORV_DF_OK) return status;
+    }
     job.pieces = {job.plan.partition, job.kind == quadratic_with_knots ? static_cast<const T*>(task->icData) : nullptr,
                   task->breakHint == ORV_DF_BREAKS_UNIFORM};
     job.locate = locate_for(job.pieces);

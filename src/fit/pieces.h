@@ -38,6 +38,12 @@ inline orv_df_status kind_of(const DFTask& task, bool by_callbacks, Kind& kind) 
     return ORV_DF_BAD_SPLINE_TYPE;
 }
 
+// What a reader of the pieces finds: ORV_DF_OK, or the status for the array that is missing.
+inline orv_df_status pieces_present(const DFTask& task, Kind kind) {
+    if (kind == quadratic_with_knots && !task.icData) return ORV_DF_NULL_INTERNAL_DATA;
+    return coefficients_present(task);
+}
+
 // Break i of the partition.
 template <bool uniform, class T>
 T break_at(const Partition<T>& p, int32_t i) {

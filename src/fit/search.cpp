@@ -86,6 +86,14 @@ int32_t search(const DFTask* task, int64_t siteCount, const T* sites, int64_t si
     return ORV_DF_OK;
 }
 
+// The task's bucket table, if it covers the partition. Breaks and their count may be edited without it, and then it may be
+// too short; what it says of a partition that it covers is corrected by the search at least to a break's index.
+template <class T>
+const orv_df_bucket* covering_table(const DFTask& task, const Partition<T>& partition) {
+    const T buckets = (partition.last - partition.first) * cell_scale(task, T{});
+    return buckets < static_cast<T>(task.cellTableSize + 1) ? task.cellTable : nullptr;
+}
+
 }  // namespace
 
 template <class T>
@@ -95,7 +103,7 @@ orv_df_status plan_search(const DFTask& task, int64_t siteHint, const T* dataHin
     const bool is_uniform_partition = task.breakHint == ORV_DF_BREAKS_UNIFORM;
     plan.partition = partition_of(static_cast<const T*>(task.breaks), task.breakCount, is_uniform_partition);
     plan.scale = plan.partition.inverse_width;
-    plan.table = task.cellTable;
+    plan.table = nullptr;
     plan.callback = callback;
     plan.param = param;
     if (callback) {
@@ -109,6 +117,7 @@ orv_df_status plan_search(const DFTask& task, int64_t siteHint, const T* dataHin
     } else if (!dataHint || dataHint[1] == 0) {
         plan.kind = hybrid;
         plan.scale = cell_scale(task, T{});
+        plan.table = covering_table(task, plan.partition);
     } else if (dataHint[1] == 1 && dataHint[4] >= 0 && dataHint[4] <= static_cast<T>(task.breakCount)) {
         plan.kind = peak;
         plan.scale = dataHint[4];

@@ -75,8 +75,9 @@ int32_t hybrid_cell(const Partition<T>& p, const orv_df_bucket* table, T scale, 
     if (table) {
         const T place = (x - p.first) * scale;
         const orv_df_bucket bucket = table[place >= 1 && place < T{1 << 20} ? static_cast<int32_t>(place) : 0];
-        lo = bucket.lo;
-        hi = bucket.hi;
+        // A table of more breaks than there are now leads beyond the last.
+        hi = bucket.hi < p.count ? bucket.hi : p.count - 1;
+        lo = bucket.lo < hi ? bucket.lo : hi;
     }
     if (hi - lo > longest_walk) {
         int32_t stop = hi - longest_walk;

@@ -203,14 +203,14 @@ TYPED_TEST(FitInterpolate, StepsAndLookUp) {
             p.layout = interleaved ? 0x20 : 0;
             p.uniform = uniform;
             p.order = 0;
-            const std::vector<T> x = {-1, 0, 0.5, 1, 1.5, 2, 3, 4, 2.5};
+            const std::vector<T> x = {-1, 0, 0.5, 1, 1.5, 2, 3, 4, nan};
             const struct {
                 int64_t type;
                 std::vector<T> expected;
             } kinds[] = {
                 {6, {nan, 10, nan, 11, nan, 12, 13, nan, nan}},
-                {7, {10, 10, 10, 11, 11, 12, 13, 13, 12}},
-                {8, {10, 10, 11, 11, 12, 12, 13, 13, 13}},
+                {7, {10, 10, 10, 11, 11, 12, 13, 13, nan}},
+                {8, {10, 10, 11, 11, 12, 12, 13, 13, nan}},
             };
             for (const auto& kind : kinds) {
                 p.type = kind.type;
@@ -225,6 +225,70 @@ TYPED_TEST(FitInterpolate, StepsAndLookUp) {
                     EXPECT_EQ(slopes[i] == 0, kind.type != 6);
                 }
             }
+        }
+}
+
+// Arrays that were never given, or are too few after an edit, are refused by whatever reads them and by nothing else.
+TYPED_TEST(FitInterpolate, MissingArraysAreRefused) {
+    using T = TypeParam;
+    enum What { values, steps, search_alone, by_callbacks, integral, construction };
+    const struct {
+        const char* task;
+        int64_t order, type;
+        bool has_functions, has_second_function, has_coefficients, has_second_coefficients, has_knots;
+        int32_t statuses[6];
+    } cases[] = {
+        {"whole", 4, 2, true, true, true, true, false, {0, 0, 0, 0, 0, 0}},
+        {"without coefficients", 4, 2, true, true, false, false, false, {-1016, 0, 0, 0, -1016, -1016}},
+        {"second without coefficients", 4, 2, true, true, true, false, false, {-1016, 0, 0, 0, -1016, -1016}},
+        {"without functions", 4, 2, false, false, true, true, false, {0, -1008, 0, 0, 0, -1008}},
+        {"without second function", 4, 2, true, false, true, true, false, {0, -1008, 0, 0, 0, -1008}},
+        {"without knots", 3, 1, true, true, true, true, false, {-1013, 0, 0, 0, -1013, -1013}},
+        {"with knots", 3, 1, true, true, true, true, true, {0, 0, 0, 0, 0, 0}},
+        {"empty", 4, 2, false, false, false, false, false, {-1016, -1008, 0, 0, -1016, -1008}},
+    };
+    const std::vector<T> x = breaks<T>(9), y = noise<T>(18);
+    std::vector<T> knots, coeffs(200), sites(40, T(0.5)), out(80);
+    for (size_t i = 0; i + 1 < x.size(); ++i) knots.push_back((x[i] + x[i + 1]) / 2);
+    for (const auto& c : cases)
+        for (const int64_t count : {1, 40}) {
+            DFTask* task = nullptr;
+            NewTask1D(T{}, &task, int64_t{9}, x.data(), int64_t{0}, int64_t{c.has_functions ? 1 : 0},
+                      c.has_functions ? y.data() : nullptr, int64_t{ORV_DF_ROW_POINTERS}, 0);
+            if (!c.has_functions) orv_df_kernel_iEditVal(task, ORV_DF_FUNCTION_COUNT, 1);
+            EditPPSpline1D(T{}, task, c.order, c.type, int64_t{ORV_DF_FREE_END}, nullptr,
+                           int64_t{c.has_knots ? ORV_DF_INTERNAL_KNOTS : 0}, c.has_knots ? knots.data() : nullptr,
+                           c.has_coefficients ? coeffs.data() : nullptr, int64_t{ORV_DF_ROW_POINTERS});
+            if (c.type == 1) orv_df_kernel_iEditVal(task, ORV_DF_INTERNAL_TYPE, ORV_DF_INTERNAL_KNOTS);
+            orv_df_kernel_iEditVal(task, ORV_DF_FUNCTION_COUNT, 2);
+            if (c.has_second_function) EditIdxPtr(T{}, task, int64_t{ORV_DF_FUNCTIONS}, int64_t{1}, &y[9]);
+            if (c.has_second_coefficients)
+                EditIdxPtr(T{}, task, int64_t{ORV_DF_COEFFICIENTS}, int64_t{1}, &coeffs[100]);
+            const auto evaluate = [&](int64_t type, orv_df_run_callback f) {
+                int32_t cells[40];
+                return DFInterpolate1D(T{}, task, type, int64_t{0}, count, sites.data(), int64_t{0}, int64_t{1},
+                                       nullptr, nullptr, out.data(), int64_t{0}, static_cast<void*>(cells), f, nullptr,
+                                       f, nullptr, f, nullptr, nullptr, nullptr);
+            };
+            const auto zeros = [](const orv_df_run* run, void*) {
+                for (int64_t i = 0; i < run->siteCount; ++i) static_cast<T*>(run->values)[i] = 0;
+                return int32_t{0};
+            };
+            EXPECT_EQ(evaluate(1, nullptr), c.statuses[values]) << c.task;
+            EXPECT_EQ(evaluate(4, nullptr), c.statuses[search_alone]) << c.task;
+            EXPECT_EQ(evaluate(1, zeros), c.statuses[by_callbacks]) << c.task;
+            EXPECT_EQ(DFIntegrate1D(T{}, task, int64_t{0}, count, sites.data(), int64_t{0}, sites.data(), int64_t{0},
+                                    nullptr, out.data(), int64_t{0}, nullptr),
+                      c.statuses[integral])
+                << c.task;
+            EXPECT_EQ(construct_of<T>(c.order == 3 ? quadratic : natural)(task, nullptr, nullptr, 0, nullptr),
+                      c.statuses[construction])
+                << c.task;
+            for (const int64_t type : {ORV_DF_TYPE_LOOK_UP, ORV_DF_TYPE_LEFT_STEP, ORV_DF_TYPE_RIGHT_STEP}) {
+                task->splineOrder = 0, task->splineType = type;
+                EXPECT_EQ(evaluate(1, nullptr), c.statuses[steps]) << c.task;
+            }
+            orv_df_kernel_DeleteTask(&task);
         }
 }
 

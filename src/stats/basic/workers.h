@@ -3,29 +3,32 @@
 #pragma once
 
 #include "services/blas.h"
-
-#include <stddef.h>
-#include <stdint.h>
+#include "stats/basic/accumulation.h"
 
 namespace orv::stats {
 
+// The rank updates of the element type, for use inside a worker and outside.
 template <class T>
-struct BlasNames;
+struct Blas;
 
 template <>
-struct BlasNames<double> {
+struct Blas<double> {
     using Syr = decltype(&orv_blas_dsyr);
     using Syrk = decltype(&orv_blas_dsyrk);
+    static Syr rank_1(bool in_worker) { return in_worker ? orv_blas_xdsyr : orv_blas_dsyr; }
+    static Syrk rank_k(bool in_worker) { return in_worker ? orv_blas_xdsyrk : orv_blas_dsyrk; }
 };
 
 template <>
-struct BlasNames<float> {
+struct Blas<float> {
     using Syr = decltype(&orv_blas_ssyr);
     using Syrk = decltype(&orv_blas_ssyrk);
+    static Syr rank_1(bool in_worker) { return in_worker ? orv_blas_xssyr : orv_blas_ssyr; }
+    static Syrk rank_k(bool in_worker) { return in_worker ? orv_blas_xssyrk : orv_blas_ssyrk; }
 };
 
-// One part of the data and its accumulators. The sums are taken about `shift`, one value a component, which stays as given
-// with BasicFast (null: 0) and BasicUserMean and follows the running mean with BasicOnePass.
+// One part of the data and its accumulators. The shift stays as given with BasicFast (0) and BasicUserMean and follows the
+// running mean with BasicOnePass.
 template <class T>
 struct Part {
     int32_t first, last, n;                      // observations [first, last) of n
@@ -34,12 +37,11 @@ struct Part {
     const T* w;
     uint32_t reserved;
     double* weights;  // W and W2
-    double* sums[4];  // sums of powers 1 to 4, p each
+    PowerRows rows;   // raw rows with BasicUserMean alone; null: not wanted
     double* cross;    // p by p, upper triangle by columns; null: not wanted
-    double* shift;
-    void* scratch;  // cross_scratch_bytes
-    typename BlasNames<T>::Syr rank_1;
-    typename BlasNames<T>::Syrk rank_k;
+    void* scratch;    // cross_scratch_bytes
+    typename Blas<T>::Syr rank_1;
+    typename Blas<T>::Syrk rank_k;
 };
 
 template <class T>
@@ -48,8 +50,10 @@ using Worker = int32_t (*)(const Part<T>&);
 // [0, 32) BasicOnePass: 2 (order - 1) + 1 with a matrix + 8 with weights + 16 without StorageRows.
 // [32, 48) BasicFast and [48, 64) BasicUserMean: order - 1 + 4 with weights + 8 without StorageRows.
 inline constexpr int32_t worker_count = 64;
-extern const Worker<double> workers_d[worker_count];
-extern const Worker<float> workers_s[worker_count];
+template <class T>
+struct Workers {
+    static const Worker<T> table[worker_count];
+};
 
 inline constexpr int32_t one_pass_workers = 0, fast_workers = 32, user_mean_workers = 48;
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "stats/finish.h"
+#include "stats/basic/finish.h"
 
 namespace orv::stats {
 

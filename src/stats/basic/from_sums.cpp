@@ -1,8 +1,7 @@
 // The methods without data: results from the sums and the cross-product in the task's arrays.
-#include "stats/from_sums.h"
+#include "stats/basic/from_sums.h"
 
 #include "services/services.h"
-#include "stats/zero_weight.h"
 
 namespace orv::stats {
 namespace {
@@ -23,13 +22,8 @@ constexpr Source sources[] = {
 };
 
 template <class T>
-T* values_of(const Request& request, int32_t array) {
-    return static_cast<T*>(array_of(request.task, array));
-}
-
-template <class T>
 double value_at(const Request& request, int32_t array, int32_t j) {
-    const T* values = values_of<T>(request, array);
+    const T* values = request.values<T>(array);
     return values ? static_cast<double>(values[j]) : 0;
 }
 
@@ -40,7 +34,7 @@ int32_t matrices_from_cross_product(const Request& request, Weights weights) {
     double* c =
         count < size_t{1} << 28 ? static_cast<double*>(orv_serv_allocate(count * sizeof(double), 128)) : nullptr;
     if (!c) return SSStatusAllocation;
-    const Matrix<T> from = matrix_of<T>(request, array_cp);
+    const Matrix<T> from = request.matrix<T>(array_cp);
     for (int32_t j = 0; j < request.p; ++j)
         for (int32_t i = 0; i <= j; ++i) c[j * p + i] = static_cast<double>(from.data[element_at(from.form, i, j, p)]);
     write_matrices<T>(request, c, weights, c + p * p);
@@ -54,8 +48,9 @@ template <class T>
 int32_t finish_from_sums(const Request& request) {
     const SSTask* task = request.task;
     const T* kept = static_cast<const T*>(task->accumWeight);
-    const Weights weights = kept ? Weights{static_cast<double>(kept[0]), static_cast<double>(kept[1])}
-                                 : Weights{request.count, request.count};
+    const Weights weights =
+        kept ? Weights{static_cast<double>(kept[0]), static_cast<double>(kept[1]), sizeof(T) == sizeof(float)}
+             : Weights{request.count, request.count, false};
     if (weights.w == 0) {
         zero_moments<T>(request);
         return SSStatusOk;
@@ -72,7 +67,7 @@ int32_t finish_from_sums(const Request& request) {
         for (const Source& row : sources) {
             if (!written.writes(row.moment)) continue;
             const double factor = row.moment == array_central2 ? weights.variance_factor() : 1 / weights.w;
-            values_of<T>(request, row.moment)[j] = static_cast<T>(value_at<T>(request, row.sum, j) * factor);
+            request.values<T>(row.moment)[j] = static_cast<T>(value_at<T>(request, row.sum, j) * factor);
         }
         write_shape<T>(written, j, value_at<T>(request, array_mean, j), value_at<T>(request, array_central2, j),
                        value_at<T>(request, array_central3, j), value_at<T>(request, array_central4, j));

@@ -1,7 +1,5 @@
 // The checks of the basic pass, in the order that the statuses promise. Nothing is written here.
-#include "stats/request.h"
-
-#include <limits.h>
+#include "stats/basic/request.h"
 
 namespace orv::stats {
 namespace {
@@ -17,31 +15,9 @@ uint32_t existing_arrays(const SSTask* task) {
 }
 
 uint32_t needs(int32_t array, uint64_t method) {
-    const Needs& row = needs_table[array];
+    const Needs& row = needed::table[array];
     if (method & BasicFast) return row.fast;
     return method ? row.centred : row.from_sums;
-}
-
-// Only the two low bits of a matrix form are looked at.
-Form matrix_form(const void* at, int32_t wide) {
-    const int64_t value = read_integer(at, wide);
-    if (value & 2) return Form::packed_lower;
-    return value & 1 ? Form::full : Form::packed_upper;
-}
-
-int32_t check_data(const SSTask* task, Request& request) {
-    const int32_t wide = task->wideInts;
-    if (!task->n || read_integer(task->n, wide) <= 0) return SSStatusN;
-    if (!task->x) return SSStatusX;
-    if (!task->xStorage) return SSStatusStorage;
-    const int64_t form = read_integer(task->xStorage, wide);
-    if (!(form & (StorageRows | StorageColumns))) return SSStatusStorageValue;
-    request.by_rows = (form & StorageRows) != 0;
-    // x lies in this process' memory, so p * n and with it n fit in 32 bits.
-    const int64_t n = read_integer(task->n, wide);
-    if (n > INT_MAX) return SSStatusN;
-    request.n = static_cast<int32_t>(n);
-    return SSStatusOk;
 }
 
 }  // namespace
@@ -55,6 +31,7 @@ int32_t check_request(SSTask* task, uint64_t estimates, uint64_t method, Request
     for (const uint64_t one : methods_with_data) methods += (method & one) != 0;
     if (methods > 1 || (methods == 0 && !(method & methods_without_data))) return SSStatusMethod;
     request.method = methods == 1 ? method & (BasicFast | BasicOnePass | BasicUserMean) : 0;
+    if (const int32_t status = check_estimates(estimates)) return status;
 
     request.order = 1;
     for (int32_t array = 0; array < array_count; ++array) {
@@ -64,23 +41,20 @@ int32_t check_request(SSTask* task, uint64_t estimates, uint64_t method, Request
         request.arrays |= needs(array, request.method);
         if (row.order > request.order) request.order = row.order;
     }
+    if (request.asked == 0) return SSStatusOk;
     const uint32_t missing = request.arrays & ~existing_arrays(task);
     if (missing) {
         const int32_t lowest = __builtin_ctz(missing);
         return lowest == array_never ? SSStatusMethod : estimates_table[lowest].missing;
     }
 
-    const int32_t wide = task->wideInts;
     if (methods == 1) {
-        const int32_t status = check_data(task, request);
-        if (status != SSStatusOk) return status;
+        if (const int32_t status = read_observations(task, request)) return status;
     } else if (!task->accumWeight && (!task->n || task->w)) {
         return SSStatusAccumWeight;
     }
-    if (!task->p || read_integer(task->p, wide) <= 0 || read_integer(task->p, wide) > INT_MAX) return SSStatusP;
-    request.p = static_cast<int32_t>(read_integer(task->p, wide));
-    request.count = task->n ? static_cast<double>(read_integer(task->n, wide)) : 0;
-    for (int32_t j = 0; task->indices && j < request.p; ++j) request.has_gaps |= !request.takes_part(j);
+    if (const int32_t status = read_components(task, request)) return status;
+    request.count = task->n ? static_cast<double>(read_integer(task->n, task->wideInts)) : 0;
 
     const struct {
         int32_t array;
@@ -92,7 +66,7 @@ int32_t check_request(SSTask* task, uint64_t estimates, uint64_t method, Request
     for (const auto& [array, at, form] : forms) {
         if (!request.writes(array)) continue;
         if (!at) return SSStatusStorage;
-        *form = matrix_form(at, wide);
+        *form = read_form(task, at);
     }
     return SSStatusOk;
 }

@@ -1,9 +1,9 @@
 // The arithmetic of the basic pass on one block of observations. Everything is done in double lanes, for float data too.
 #pragma once
 
+#include "stats/data.h"
+
 #include <smmintrin.h>
-#include <stddef.h>
-#include <stdint.h>
 
 namespace orv::stats {
 
@@ -100,12 +100,6 @@ template <class T>
 }
 
 // ---- Packing -------------------------------------------------------------------------------------------------------
-
-// How observations of a block are laid out: element (component j, observation i) is x[j * by_component + i * by_observation],
-// and one of the two steps is 1.
-struct Steps {
-    ptrdiff_t by_component, by_observation;
-};
 
 // Writes the block's deviations component by component, `stride` apart, to `out`: (x - shift) times `scale` (one factor for
 // each observation) if there is one. `shift` null means 0. An odd count is padded with a zero, so stride is even.

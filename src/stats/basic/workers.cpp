@@ -9,11 +9,11 @@
 //
 // Matrices. BasicOnePass forms products of packed deviations from the running mean in registers and moves them along.
 // BasicFast and BasicUserMean take a part's means first (the caller's are at hand) and leave the products to rank updates.
-#include "stats/workers.h"
+#include "stats/basic/workers.h"
 
-#include "stats/estimates.h"
-#include "stats/kernels.h"
-#include "stats/power_shift.h"
+#include "stats/basic/estimates.h"
+#include "stats/basic/kernels.h"
+#include "stats/basic/power_shift.h"
 
 #include <string.h>
 
@@ -38,37 +38,36 @@ const T* element(const Part<T>& part, Steps steps, int32_t component, int32_t ob
     return part.x + component * steps.by_component + observation * steps.by_observation;
 }
 
-template <class T>
-Powers load_powers(const Part<T>& part, int32_t j) {
-    return {part.shift ? part.shift[j] : 0, part.sums[0][j], part.sums[1][j], part.sums[2][j], part.sums[3][j]};
+template <int order>
+void add_sums(double* const (&rows)[4], int32_t j, const PowerSums& sums) {
+    rows[0][j] += sums.s1;
+    if (order >= 2) rows[1][j] += sums.s2;
+    if (order >= 3) rows[2][j] += sums.s3;
+    if (order >= 4) rows[3][j] += sums.s4;
 }
 
-template <class T>
-void store_powers(const Part<T>& part, int32_t j, const Powers& sums) {
-    part.shift[j] = sums.shift;
-    part.sums[0][j] = sums.a1;
-    part.sums[1][j] = sums.a2;
-    part.sums[2][j] = sums.a3;
-    part.sums[3][j] = sums.a4;
-}
-
-template <int order, class T>
-void add_sums(const Part<T>& part, int32_t j, const PowerSums& sums) {
-    part.sums[0][j] += sums.s1;
-    if (order >= 2) part.sums[1][j] += sums.s2;
-    if (order >= 3) part.sums[2][j] += sums.s3;
-    if (order >= 4) part.sums[3][j] += sums.s4;
-}
-
-// Any value near the data will do to begin with: the plain mean of the first few observations.
-template <class T>
+// Any value near the data will do to begin with: the mean of the first few observations, each as far as it weighs. What
+// weighs nothing may lie anywhere.
+template <bool weighted, class T>
 void first_shift(const Part<T>& part, Steps steps) {
-    const int32_t count = least(part.last - part.first, 32);
+    constexpr int32_t few = 32;
+    int32_t first = part.first;
+    if constexpr (weighted)
+        while (first < part.last && part.w[first] == 0) ++first;
+    const int32_t count = least(part.last - first, few);
+    double whole = count;
+    if constexpr (weighted) {
+        whole = 0;
+        for (int32_t i = 0; i < count; ++i) whole += __builtin_fabs(static_cast<double>(part.w[first + i]));
+    }
     for (int32_t j = part.component_first; j < part.component_last; ++j) {
-        const T* at = element(part, steps, j, part.first);
+        const T* at = element(part, steps, j, first);
         double sum = 0;
-        for (int32_t i = 0; i < count; ++i) sum += static_cast<double>(at[i * steps.by_observation]);
-        part.shift[j] = sum / count;
+        for (int32_t i = 0; i < count; ++i) {
+            const double value = static_cast<double>(at[i * steps.by_observation]);
+            sum += weighted ? value * __builtin_fabs(static_cast<double>(part.w[first + i])) : value;
+        }
+        part.rows.shift[j] = count > 0 ? sum / whole : 0;
     }
 }
 
@@ -89,33 +88,42 @@ void block_moments(const Part<T>& part, int32_t first, int32_t count) {
     const Steps steps = steps_of(part, by_columns);
     const T* w = weighted ? part.w + first : nullptr;
     const auto take = [&](int32_t j, const PowerSums& sums) {
-        add_sums<order>(part, j, sums);
+        add_sums<order>(part.rows.sums, j, sums);
         if constexpr (method == BasicOnePass) {
-            Powers moved = load_powers(part, j);
+            Powers moved = part.rows.at(j);
             move_to_mean(moved, part.weights[0], order);
-            store_powers(part, j, moved);
+            part.rows.set(j, moved);
         }
     };
+    // With a centre far from the data the sums about 0 are no longer to be had from those about the centre.
+    const auto take_raw = [&](int32_t j, const PowerSums& sums) { add_sums<order>(part.rows.raw, j, sums); };
+    const bool raw = method == BasicUserMean && part.rows.raw[0];
     if constexpr (by_columns) {
         double tile[tile_components * tile_observations];
         for (int32_t j = part.component_first; j < part.component_last; j += tile_components) {
             const int32_t width = least(tile_components, part.component_last - j);
-            pack_columns(element(part, steps, j, first), steps, width, count, shifted ? part.shift + j : nullptr,
-                         nullptr, tile, tile_observations);
-            for (int32_t k = 0; k < width; ++k)
-                take(j + k, power_sums<order, weighted, false>(tile + k * tile_observations, w, count, 0));
+            const auto each = [&](const double* shift, auto to) {
+                pack_columns(element(part, steps, j, first), steps, width, count, shift, nullptr, tile,
+                             tile_observations);
+                for (int32_t k = 0; k < width; ++k)
+                    to(j + k, power_sums<order, weighted, false>(tile + k * tile_observations, w, count, 0));
+            };
+            each(shifted ? part.rows.shift + j : nullptr, take);
+            if (raw) each(nullptr, take_raw);
         }
     } else {
-        for (int32_t j = part.component_first; j < part.component_last; ++j)
-            take(j, power_sums<order, weighted, shifted>(element(part, steps, j, first), w, count,
-                                                         shifted ? part.shift[j] : 0));
+        for (int32_t j = part.component_first; j < part.component_last; ++j) {
+            const T* x = element(part, steps, j, first);
+            take(j, power_sums<order, weighted, shifted>(x, w, count, shifted ? part.rows.shift[j] : 0));
+            if (raw) take_raw(j, power_sums<order, weighted, false>(x, w, count, 0));
+        }
     }
 }
 
 template <uint64_t method, int order, bool weighted, bool by_columns, class T>
 void moments(const Part<T>& part) {
     constexpr int32_t step = by_columns ? tile_observations : moment_block;
-    if constexpr (method == BasicOnePass) first_shift(part, steps_of(part, by_columns));
+    if constexpr (method == BasicOnePass) first_shift<weighted>(part, steps_of(part, by_columns));
     for (int32_t i = part.first; i < part.last; i += step) {
         const int32_t count = least(step, part.last - i);
         add_weights<weighted>(part, i, count);
@@ -155,7 +163,7 @@ void one_pass_with_cross(const Part<T>& part) {
     double* e = weights + block;
     double* g = e + part.p;
     const int32_t from = part.component_first, to = part.component_last;
-    first_shift(part, steps);
+    first_shift<weighted>(part, steps);
     for (int32_t first = part.first; first < part.last; first += block) {
         const int32_t count = least(block, part.last - first);
         add_weights<weighted>(part, first, count);
@@ -163,15 +171,16 @@ void one_pass_with_cross(const Part<T>& part) {
             for (int32_t i = 0; i < count; ++i) weights[i] = static_cast<double>(part.w[first + i]);
             if (count & 1) weights[count] = 0;
         }
-        pack(element(part, steps, from, first), steps, to - from, count, part.shift + from, nullptr, packed, block);
+        pack(element(part, steps, from, first), steps, to - from, count, part.rows.shift + from, nullptr, packed,
+             block);
         for (int32_t j = from; j < to; ++j) {
             const double* deviations = packed + ptrdiff_t{j - from} * block;
-            add_sums<order>(part, j, power_sums<order, weighted, false>(deviations, weights, count, 0));
-            Powers sums = load_powers(part, j);
+            add_sums<order>(part.rows.sums, j, power_sums<order, weighted, false>(deviations, weights, count, 0));
+            Powers sums = part.rows.at(j);
             const double a1 = sums.a1;
             e[j] = move_to_mean(sums, part.weights[0], order);
             g[j] = a1 - 0.5 * part.weights[0] * e[j];
-            store_powers(part, j, sums);
+            part.rows.set(j, sums);
         }
         cross_products<weighted>(packed, block, weights, even(count), to - from,
                                  part.cross + from * (ptrdiff_t{part.p} + 1), part.p);
@@ -264,11 +273,11 @@ int32_t worker(const Part<T>& part) {
     } else {
         moments<method, order, weighted, by_columns>(part);
         if (!part.cross || part.weights[0] == 0) return SSStatusOk;
-        const double* centre = part.shift;
+        const double* centre = part.rows.shift;
         if constexpr (method == BasicFast) {
             // The row of shifts is free: the means of this part go there.
             for (int32_t j = part.component_first; j < part.component_last; ++j)
-                part.shift[j] = part.sums[0][j] / part.weights[0];
+                part.rows.shift[j] = part.rows.sums[0][j] / part.weights[0];
         }
         cross_by_rank_updates<weighted, by_columns>(part, centre);
     }
@@ -300,8 +309,10 @@ constexpr Worker<T> worker_at() {
         ROW(T, 48), ROW(T, 52), /* user's mean, rows, without and with weights   */ \
         ROW(T, 56), ROW(T, 60), /* user's mean, columns, without and with weights */ \
     }
-const Worker<double> workers_d[worker_count] = WORKERS(double);
-const Worker<float> workers_s[worker_count] = WORKERS(float);
+template <>
+const Worker<double> Workers<double>::table[worker_count] = WORKERS(double);
+template <>
+const Worker<float> Workers<float>::table[worker_count] = WORKERS(float);
 // clang-format on
 
 template <class T>
