@@ -10,20 +10,19 @@
 
 namespace orv::fit {
 
-static_assert(sizeof(void*) != 4 || (offsetof(DFTask, recordTag) == 4 && offsetof(DFTask, isDouble) == 8 &&
-                                     offsetof(DFTask, editable) == 12));
-static_assert(sizeof(void*) != 4 || (offsetof(DFTask, breakCount) == 16 && offsetof(DFTask, breaks) == 24 &&
-                                     offsetof(DFTask, breakHint) == 32));
-static_assert(sizeof(void*) != 4 || (offsetof(DFTask, funcCount) == 40 && offsetof(DFTask, funcs) == 48 &&
-                                     offsetof(DFTask, funcCapacity) == 52 && offsetof(DFTask, funcHint) == 56));
-static_assert(sizeof(void*) != 4 || (offsetof(DFTask, splineOrder) == 64 && offsetof(DFTask, splineType) == 72));
-static_assert(sizeof(void*) != 4 || (offsetof(DFTask, icType) == 80 && offsetof(DFTask, icData) == 88));
-static_assert(sizeof(void*) != 4 || (offsetof(DFTask, bcType) == 96 && offsetof(DFTask, bcData) == 104));
-static_assert(sizeof(void*) != 4 || (offsetof(DFTask, coeffs) == 108 && offsetof(DFTask, coeffHint) == 112));
-static_assert(sizeof(void*) != 4 || (offsetof(DFTask, checkFlag) == 120 && offsetof(DFTask, coeffCapacity) == 124 &&
-                                     offsetof(DFTask, cellTableSize) == 128));
+// The layout that callers see where pointers take 4 bytes.
 static_assert(sizeof(void*) != 4 ||
-              (offsetof(DFTask, cellTable) == 136 && offsetof(DFTask, cellScale) == 144 && sizeof(DFTask) == 152));
+              (offsetof(DFTask, recordTag) == 4 && offsetof(DFTask, isDouble) == 8 &&
+               offsetof(DFTask, editable) == 12 && offsetof(DFTask, breakCount) == 16 &&
+               offsetof(DFTask, breaks) == 24 && offsetof(DFTask, breakHint) == 32 &&
+               offsetof(DFTask, funcCount) == 40 && offsetof(DFTask, funcs) == 48 &&
+               offsetof(DFTask, funcCapacity) == 52 && offsetof(DFTask, funcHint) == 56 &&
+               offsetof(DFTask, splineOrder) == 64 && offsetof(DFTask, splineType) == 72 &&
+               offsetof(DFTask, icType) == 80 && offsetof(DFTask, icData) == 88 && offsetof(DFTask, bcType) == 96 &&
+               offsetof(DFTask, bcData) == 104 && offsetof(DFTask, coeffs) == 108 &&
+               offsetof(DFTask, coeffHint) == 112 && offsetof(DFTask, checkFlag) == 120 &&
+               offsetof(DFTask, coeffCapacity) == 124 && offsetof(DFTask, cellTableSize) == 128 &&
+               offsetof(DFTask, cellTable) == 136 && offsetof(DFTask, cellScale) == 144 && sizeof(DFTask) == 152));
 
 constexpr int32_t block_alignment = 128;
 

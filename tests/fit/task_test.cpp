@@ -41,41 +41,6 @@ TEST(FitTask, CreationRefusesInOrder) {
     }
 }
 
-TEST(FitTask, LayoutsFillThePointers) {
-    for (const int64_t layout : {0, 0x10, 0x20, 0x80}) {
-        const Task t(0, 2, layout);
-        EXPECT_EQ(t.task->funcs[0], y);
-        if (layout == 0 || layout == 0x10) {
-            EXPECT_EQ(t.task->funcs[1], y + 5);
-        }
-        double* queried = nullptr;
-        EXPECT_EQ(orv_df_kernel_dEditIdxPtr(t.task, 2, 1, y + 3), layout == 0x20 ? -1009 : 0);
-        EXPECT_EQ(orv_df_kernel_dQueryIdxPtr(t.task, 2, 1, &queried), layout == 0x20 ? -1009 : 0);
-        EXPECT_EQ(queried, layout == 0x20 ? nullptr : y + 3);
-    }
-}
-
-TEST(FitTask, CoefficientBlocksByTypeAndHint) {
-    double c[64];
-    for (const int64_t type : {0, 1}) {
-        const Task t;
-        EXPECT_EQ(orv_df_kernel_dEditPPSpline1D(t.task, 3, type, 0, nullptr, 0, nullptr, c, 0), 0);
-        EXPECT_EQ(t.task->coeffs[1], c + (type == 1 ? 15 : 12));
-    }
-    const Task t;
-    EXPECT_EQ(orv_df_kernel_dEditPPSpline1D(t.task, 3, 0, 0, nullptr, 0, nullptr, c, 0x80), 0);
-    EXPECT_EQ(orv_df_kernel_dEditIdxPtr(t.task, 5, 1, c + 40), 0);
-    EXPECT_EQ(orv_df_kernel_dEditIdxPtr(t.task, 5, 2, c), -1020);
-    double* queried = nullptr;
-    EXPECT_EQ(orv_df_kernel_dQueryPtr(t.task, 5, &queried), 0);
-    EXPECT_EQ(queried, c);
-    EXPECT_EQ(orv_df_kernel_dQueryIdxPtr(t.task, 5, 1, &queried), 0);
-    EXPECT_EQ(queried, c + 40);
-    // One past the last passes the range test of the query.
-    EXPECT_EQ(orv_df_kernel_dQueryIdxPtr(t.task, 5, 2, &queried), 0);
-    EXPECT_EQ(orv_df_kernel_dQueryIdxPtr(t.task, 5, 3, &queried), -1020);
-}
-
 TEST(FitTask, SplineEditsKeepWhatStandsBeforeTheRefusal) {
     const Task t;
     EXPECT_EQ(orv_df_kernel_dEditPPSpline1D(nullptr, 4, 2, 2, nullptr, 0, nullptr, nullptr, 0), -1000);
@@ -309,9 +274,13 @@ TYPED_TEST(FitTaskEdits, AnyOrderIsSafeAndKeepsThePointers) {
                     construct_of<T>(spline)(task, nullptr, nullptr, 0, nullptr);
                     int64_t cells[50];
                     const int64_t count = one_of(3, 50);
-                    DFInterpolate1D(T{}, task, one_of(1, 4, 5), int64_t{0}, count, sites.data(), one_of(0, 0x40),
-                                    int64_t{1}, nullptr, nullptr, results.data(), int64_t{0}, static_cast<void*>(cells),
-                                    nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+                    Evaluation<T>{.task = task,
+                                  .count = count,
+                                  .sites = sites.data(),
+                                  .results = results.data(),
+                                  .type = one_of(1, 4, 5),
+                                  .hint = one_of(0, 0x40),
+                                  .cells = cells}();
                     DFIntegrate1D(T{}, task, int64_t{0}, count, sites.data(), int64_t{0}, data.data(), int64_t{0},
                                   nullptr, results.data(), int64_t{0}, nullptr);
                     break;

@@ -1,5 +1,5 @@
 // Hermite's cubic: the interior derivatives are the caller's.
-#include "fit/local.h"
+#include "fit/construct/local.h"
 
 namespace orv::fit {
 namespace {

@@ -1,5 +1,5 @@
 // The search entry: it picks the method and divides large searches over threads.
-#include "fit/search.h"
+#include "fit/search/search.h"
 
 #include "fit/workers.h"
 

@@ -1,5 +1,5 @@
 // The search methods that work on the library's own, four sites at a time where they can.
-#include "fit/search.h"
+#include "fit/search/search.h"
 
 namespace orv::fit {
 namespace {

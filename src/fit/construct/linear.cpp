@@ -1,5 +1,5 @@
 // Linear splines: the chord of each cell.
-#include "fit/construct.h"
+#include "fit/construct/construct.h"
 
 namespace orv::fit {
 namespace {

@@ -1,6 +1,6 @@
 // The cubic whose second derivatives at the interior breaks are given. A cell is
 //   y[i] + (s - h (2 M[i] + M[i+1])/6) u + M[i]/2 u^2 + (M[i+1] - M[i])/(6 h) u^3.
-#include "fit/construct.h"
+#include "fit/construct/construct.h"
 
 namespace orv::fit {
 namespace {

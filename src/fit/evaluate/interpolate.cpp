@@ -1,7 +1,7 @@
 // Interpolation: blocks of sites are searched, located in the pieces, and evaluated function by function and derivative by
 // derivative; sites that callbacks ask for are then done over by them, run by run.
-#include "fit/evaluate.h"
-#include "fit/search.h"
+#include "fit/evaluate/evaluate.h"
+#include "fit/search/search.h"
 #include "fit/workers.h"
 
 namespace orv::fit {
@@ -102,10 +102,24 @@ int32_t call_back(orv_df_run_callback callback, void* param, int64_t f, int64_t 
     return ORV_DF_OK;
 }
 
+// One function's derivative at the sites of a block, from the pieces or from the function values.
+template <class T, int32_t capacity>
+void evaluate_sites(const Job<T>& job, int64_t f, int64_t derivative, int32_t count, const T* sites,
+                    const Scratch<T, capacity>& w, T* out, ptrdiff_t stride) {
+    if (reads_values(job.kind)) {
+        evaluate_values(*job.task, job.pieces, job.kind, f, derivative, count, sites, w.cells, out, stride);
+        return;
+    }
+    const int64_t order = job.task->splineOrder;
+    const auto* coeffs = static_cast<const T*>(job.task->coeffs[f]);
+    evaluator_for<T>(order, derivative, stride)(coeffs, order, derivative, w.piece, w.offset, count, out, stride);
+}
+
 template <class T, int32_t capacity>
 int32_t evaluate_block(const Job<T>& job, int64_t at, int32_t count, Scratch<T, capacity>& w) {
     const int32_t n = job.pieces.partition.count;
     const T* sites = job.sites + at;
+    const Callbacks& c = job.callbacks;
     int64_t d = 0;
     for (int64_t derivative = 0; derivative < job.derivative_count; ++derivative) {
         if (!is_wanted(job, derivative)) continue;
@@ -113,25 +127,13 @@ int32_t evaluate_block(const Job<T>& job, int64_t at, int32_t count, Scratch<T, 
             const Target<T> target = target_of(job, f, d);
             const ptrdiff_t stride = target.stride;
             T* out = target.first + static_cast<ptrdiff_t>(at) * stride;
-            const int64_t order = job.task->splineOrder;
-            if (job.by_callbacks) {
-                // Below.
-            } else if (job.kind >= left_step) {
-                evaluate_values(*job.task, job.pieces, job.kind, f, derivative, count, sites, w.cells, out, stride);
-            } else {
-                const auto* coeffs = static_cast<const T*>(job.task->coeffs[f]);
-                evaluator_for<T>(order, derivative, stride)(coeffs, order, derivative, w.piece, w.offset, count, out,
-                                                            stride);
-            }
-            const Callbacks& c = job.callbacks;
-            int32_t status = call_back(c.left, c.left_param, f, derivative, count, sites, w.cells, w.values, out,
-                                       stride, [](int32_t cell) { return cell <= 0; });
-            if (status >= 0)
-                status = call_back(c.right, c.right_param, f, derivative, count, sites, w.cells, w.values, out, stride,
-                                   [n](int32_t cell) { return cell >= n; });
-            if (status >= 0)
-                status = call_back(c.inside, c.inside_param, f, derivative, count, sites, w.cells, w.values, out,
-                                   stride, [n](int32_t cell) { return cell > 0 && cell < n; });
+            if (!job.by_callbacks) evaluate_sites(job, f, derivative, count, sites, w, out, stride);
+            const auto by = [&](orv_df_run_callback callback, void* param, auto belongs) {
+                return call_back(callback, param, f, derivative, count, sites, w.cells, w.values, out, stride, belongs);
+            };
+            int32_t status = by(c.left, c.left_param, [](int32_t cell) { return cell <= 0; });
+            if (status >= 0) status = by(c.right, c.right_param, [n](int32_t cell) { return cell >= n; });
+            if (status >= 0) status = by(c.inside, c.inside_param, [n](int32_t cell) { return cell > 0 && cell < n; });
             if (status < 0) return status;
         }
         ++d;
@@ -166,7 +168,7 @@ int32_t work_range(const Job<T>& job, int64_t begin, int64_t end, Scratch<T, cap
         if (!job.evaluates) continue;
         if (!job.needs_cells)
             locate_uniform(job.pieces, count, sites, w.piece, w.offset);
-        else if (job.kind < left_step && !job.by_callbacks)
+        else if (!reads_values(job.kind) && !job.by_callbacks)
             job.locate(job.pieces, count, sites, w.cells, w.piece, w.offset);
         const int32_t status = evaluate_block(job, at, count, w);
         if (status < 0) return status;
@@ -231,7 +233,7 @@ int32_t interpolate(const DFTask* task, int64_t type, int64_t siteCount, const T
     job.stores_cells = (type & ORV_DF_STORE_CELLS) != 0 && !job.uses_given_cells && cells;
     if (!job.evaluates && !job.stores_cells) return ORV_DF_OK;
     if (job.evaluates && !job.by_callbacks) {
-        status = job.kind >= left_step ? functions_present(*task) : pieces_present(*task, job.kind);
+        status = reads_values(job.kind) ? functions_present(*task) : pieces_present(*task, job.kind);
         if (status != ORV_DF_OK) return status;
     }
     job.pieces = {job.plan.partition, job.kind == quadratic_with_knots ? static_cast<const T*>(task->icData) : nullptr,
@@ -248,8 +250,10 @@ int32_t interpolate(const DFTask* task, int64_t type, int64_t siteCount, const T
     job.results = results;
     job.callbacks = callbacks;
     const bool calls_back = callbacks.left || callbacks.right || callbacks.inside;
-    job.needs_cells = job.stores_cells || job.uses_given_cells || calls_back || job.kind >= quadratic_with_knots ||
-                      job.plan.kind != uniform;
+    // On a uniform partition the common kinds find their pieces from the sites alone.
+    const bool found_from_sites =
+        job.plan.kind == uniform && (job.kind == linear || job.kind == quadratic || job.kind == cubic);
+    job.needs_cells = job.stores_cells || job.uses_given_cells || calls_back || !found_from_sites;
 
     int64_t flags = task->wideInts;
     if (type & ORV_DF_STORE_CELLS) flags |= 4;

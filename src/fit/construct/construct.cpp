@@ -1,5 +1,5 @@
 // The common tests of the construction kernels.
-#include "fit/construct.h"
+#include "fit/construct/construct.h"
 
 namespace orv::fit {
 

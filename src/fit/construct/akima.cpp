@@ -1,6 +1,6 @@
 // Akima's cubic (J. ACM 17 (1970) 589): the derivative at a break is a mean of the slopes to its two sides, each weighted
 // by how little the slopes change on its own side.
-#include "fit/local.h"
+#include "fit/construct/local.h"
 
 namespace orv::fit {
 namespace {

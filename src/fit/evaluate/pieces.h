@@ -19,6 +19,9 @@ enum Kind : int32_t {
     look_up,
 };
 
+// Kinds of order 0, which read the function values and no coefficients.
+inline bool reads_values(Kind kind) { return kind == left_step || kind == right_step || kind == look_up; }
+
 // ORV_DF_OK and the kind, or ORV_DF_BAD_SPLINE_TYPE. `by_callbacks`: all three callbacks that order 0 needs are there.
 inline orv_df_status kind_of(const DFTask& task, bool by_callbacks, Kind& kind) {
     const int64_t order = task.splineOrder, type = task.splineType;

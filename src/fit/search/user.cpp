@@ -1,6 +1,6 @@
 // Search by the caller's function. It answers for a block of sites at a time and may leave some cells as guesses, which
 // are then walked home.
-#include "fit/search.h"
+#include "fit/search/search.h"
 
 namespace orv::fit {
 namespace {

@@ -1,5 +1,5 @@
 // Pieces and offsets of sites, four at a time.
-#include "fit/pieces.h"
+#include "fit/evaluate/pieces.h"
 
 namespace orv::fit {
 namespace {

@@ -1,7 +1,7 @@
 // The local cubics: first derivatives at the interior breaks from near-by data, at the ends by an action.
 #pragma once
 
-#include "fit/construct.h"
+#include "fit/construct/construct.h"
 
 namespace orv::fit {
 

@@ -1,7 +1,7 @@
 // Evaluation of the pieces at located sites, and of the splines of order 0 from the function values.
 #pragma once
 
-#include "fit/pieces.h"
+#include "fit/evaluate/pieces.h"
 
 namespace orv::fit {
 

@@ -1,6 +1,6 @@
 // The evaluators. A register holds as many sites as it has lanes; the coefficients of their pieces are loaded piece by
 // piece and transposed, and Horner's rule runs over the transposed rows.
-#include "fit/evaluate.h"
+#include "fit/evaluate/evaluate.h"
 
 namespace orv::fit {
 namespace {

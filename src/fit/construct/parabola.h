@@ -1,7 +1,7 @@
 // The derivative at a break of the parabola through it and its two neighbours.
 #pragma once
 
-#include "fit/local.h"
+#include "fit/construct/local.h"
 
 namespace orv::fit {
 

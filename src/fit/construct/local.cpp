@@ -1,6 +1,6 @@
 // The frame of the local cubics. Cells are worked in tiles whose widths, slopes and derivatives stay in the nearest
 // cache; a tile sees two cells to either side.
-#include "fit/local.h"
+#include "fit/construct/local.h"
 
 namespace orv::fit {
 namespace {

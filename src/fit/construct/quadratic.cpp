@@ -9,20 +9,11 @@
 //   (p[i] p[i-1]/h[i-1]) m[i-1] + (p[i] + q[i-1] + q[i-1] p[i]/h[i] + p[i] q[i-1]/h[i-1]) m[i] + (q[i-1] q[i]/h[i]) m[i+1]
 //     = 2 (s[i] q[i-1] + s[i-1] p[i]),
 // diagonally dominant, since p < h and q < h (de Boor, A Practical Guide to Splines, ch. VI).
-#include "fit/construct.h"
-#include "services/tridiagonal.h"
+#include "fit/construct/construct.h"
+#include "fit/construct/tridiagonal.h"
 
 namespace orv::fit {
 namespace {
-
-void solve_system(int32_t n, double* l, double* d, double* u, double* b, int32_t& info) {
-    const int32_t one = 1;
-    ddtsvb_4dfl(&n, &one, l, d, u, b, &n, &info);
-}
-void solve_system(int32_t n, float* l, float* d, float* u, float* b, int32_t& info) {
-    const int32_t one = 1;
-    sdtsvb_4dfl(&n, &one, l, d, u, b, &n, &info);
-}
 
 template <class T, bool interleaved, bool uniform>
 orv_df_status from_middle_value(const Construction<T>& c, const orv_services* services) {
@@ -128,7 +119,7 @@ orv_df_status between_knots(const Construction<T>& c, const orv_services*) {
             m[i] = 2 * (after.s * before.q + before.s * after.p);
             before = after;
         }
-        solve_system(n, lower, diagonal, upper, m, info);
+        tridiagonal::factor_and_solve(n, lower, diagonal, upper, m, info);
         // Each piece from the cell in which its outer half lies: the left half of the cell, the last piece the right half.
         T* out = c.coeffs[f];
         for (int32_t i = 0; info == 0 && i < n; ++i, out += 3) {

@@ -3,8 +3,8 @@
 //   (from a to the upper edge of its piece) + P[piece of b] - P[piece of a + 1] + (from the lower edge of its piece to b).
 // P is kept as a sum of two doubles (Knuth's two-sum), so that differences of far larger sums lose nothing, and integrals
 // over adjacent intervals add up to the integral over the whole.
-#include "fit/pieces.h"
-#include "fit/search.h"
+#include "fit/evaluate/pieces.h"
+#include "fit/search/search.h"
 #include "fit/workers.h"
 
 namespace orv::fit {
@@ -159,7 +159,7 @@ int32_t integrate(const DFTask* task, int64_t limitCount, const T* left, int64_t
     Kind kind;
     orv_df_status status = kind_of(*task, false, kind);
     if (status != ORV_DF_OK) return status;
-    if (kind >= left_step) return ORV_DF_BAD_SPLINE_TYPE;
+    if (reads_values(kind)) return ORV_DF_BAD_SPLINE_TYPE;
     if (resultHint != ORV_DF_NO_HINT && resultHint != ORV_DF_ROWS && resultHint != ORV_DF_COLUMNS &&
         resultHint != ORV_DF_ROW_POINTERS)
         return ORV_DF_BAD_INTEGRAL_HINT;

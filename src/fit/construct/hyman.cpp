@@ -1,7 +1,7 @@
 // Hyman's cubic (SIAM J. Sci. Stat. Comput. 4 (1983) 645): Bessel's derivatives, held where the data rise or fall within
 // three times the smaller slope beside the break, which keeps the cubic monotone (Fritsch & Carlson 1980), and made zero
 // where the data turn.
-#include "fit/parabola.h"
+#include "fit/construct/parabola.h"
 
 namespace orv::fit {
 namespace {

@@ -1,5 +1,5 @@
 // Bessel's cubic: at every break the derivative of the parabola through three points.
-#include "fit/parabola.h"
+#include "fit/construct/parabola.h"
 
 namespace orv::fit {
 namespace {
