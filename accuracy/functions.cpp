@@ -9,6 +9,7 @@ const std::vector<Function>& functions() {
                  basic_functions,
                  roots_functions,
                  exp_log_functions,
+                 power_functions,
                  trig_functions,
              })
             for (Function& function : family()) list.push_back(std::move(function));

@@ -352,17 +352,16 @@ inline void map(const char* name, int32_t n, Outputs<Out, Count> out, In... in) 
 
 // Which kernel serves depends on the scalars: `function` chooses, given the name, n, a, b, the scalars and y.
 #define ORV_LINEAR(row, accuracy, Kernel, function)                                                                 \
-    ORV_DEFINE_KERNEL(row, accuracy, Kernel, LINEAR)(int32_t n, const Kernel::Element* a, const Kernel::Element* b, \
-                                                     Kernel::Element scalea, Kernel::Element shifta,                \
-                                                     Kernel::Element scaleb, Kernel::Element shiftb,                \
-                                                     Kernel::Result* y) {                                           \
+    ORV_DEFINE_KERNEL(row, accuracy, Kernel, LINEAR)                                                                \
+    (int32_t n, const Kernel::Element* a, const Kernel::Element* b, Kernel::Element scalea, Kernel::Element shifta, \
+     Kernel::Element scaleb, Kernel::Element shiftb, Kernel::Result* y) {                                           \
         using namespace orv::frame;                                                                                 \
         function(rows::row.name, n, Dense{a}, Dense{b}, scalea, shifta, scaleb, shiftb, Dense{y});                  \
     }                                                                                                               \
-    ORV_DEFINE_KERNEL_I(row, accuracy)(int32_t n, const Kernel::Element* a, int32_t inca, const Kernel::Element* b, \
-                                       int32_t incb, Kernel::Element scalea, Kernel::Element shifta,                \
-                                       Kernel::Element scaleb, Kernel::Element shiftb, Kernel::Result* y,           \
-                                       int32_t incy) {                                                              \
+    ORV_DEFINE_KERNEL_I(row, accuracy)                                                                              \
+    (int32_t n, const Kernel::Element* a, int32_t inca, const Kernel::Element* b, int32_t incb,                     \
+     Kernel::Element scalea, Kernel::Element shifta, Kernel::Element scaleb, Kernel::Element shiftb,                \
+     Kernel::Result* y, int32_t incy) {                                                                             \
         using namespace orv::frame;                                                                                 \
         function(rows::row.name, n, Strided{a, inca}, Strided{b, incb}, scalea, shifta, scaleb, shiftb,             \
                  Strided{y, incy});                                                                                 \

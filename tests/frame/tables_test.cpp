@@ -130,10 +130,10 @@ TEST(Tables, CarryCostFigures) {
 
 // The rows that have no kernels yet. This list can only get shorter.
 TEST(Tables, MissingRowsAreKnown) {
-    const std::set<std::string_view> missing_real = {
-        "Acos",   "Acosh",  "Asin",   "Asinh",  "Atan",    "Atanh",   "Cosh",       "Sinh",   "Tanh",   "Erf",
-        "Erfc",   "ErfInv", "Pow3o2", "Pow2o3", "ErfcInv", "CdfNorm", "CdfNormInv", "LGamma", "TGamma", "ExpInt1",
-        "Acospi", "Asinpi", "Atanpi", "Pow",    "Atan2",   "Atan2pi", "Powr",       "Powx"};
+    const std::set<std::string_view> missing_real = {"Acos",    "Acosh",   "Asin",       "Asinh",  "Atan",   "Atanh",
+                                                     "Cosh",    "Sinh",    "Tanh",       "Erf",    "Erfc",   "ErfInv",
+                                                     "ErfcInv", "CdfNorm", "CdfNormInv", "LGamma", "TGamma", "ExpInt1",
+                                                     "Acospi",  "Asinpi",  "Atanpi",     "Atan2",  "Atan2pi"};
     for (const Row& row : math_rows()) {
         const bool real = row.type == 's' || row.type == 'd';
         const bool missing = real ? missing_real.contains(row.function()) : row.function() != "Conj";
