@@ -31,14 +31,24 @@ void add_large(const std::string& name, const orv_arq_kernel* row) {
         add(name + "/" + accuracies[i] + "/large", large_arguments<T>(), reinterpret_cast<Entry<T>>(row[i]));
 }
 
+template <class T, T (*F)(T)>
+void add_large_scalar(const std::string& name) {
+    add(name + "/large", large_arguments<T>(), [](int32_t count, const T* x, T* y) {
+        for (int32_t i = 0; i < count; ++i) y[i] = F(x[i]);
+    });
+}
+
 // Two results into two arrays.
 template <class T>
 void add_two_results(const std::string& name, const orv_arq_kernel* row) {
     const char* accuracies[] = {"LA", "HA", "EP"};
     for (int i = 0; i < 3; ++i) {
         const auto entry = reinterpret_cast<void (*)(int32_t, const T*, T*, T*)>(row[i]);
-        add(name + "/" + accuracies[i], arguments<T>(-10, 10),
-            [entry, z = std::vector<T>(n)](int32_t count, const T* x, T* y) mutable { entry(count, x, y, z.data()); });
+        const auto both = [entry, z = std::vector<T>(n)](int32_t count, const T* x, T* y) mutable {
+            entry(count, x, y, z.data());
+        };
+        add(name + "/" + accuracies[i], arguments<T>(-10, 10), both);
+        add(name + "/" + accuracies[i] + "/large", large_arguments<T>(), both);
     }
 }
 
@@ -46,7 +56,8 @@ const bool registered = [] {
 #define FUNCTION(type, T, Name, libm)                                                                             \
     add_entries<T>(#type #Name, orv_arq_kernel_##type##Name##_ttab, -10, 10, std::numeric_limits<T>::infinity()); \
     add_large<T>(#type #Name, orv_arq_kernel_##type##Name##_ttab);                                                \
-    add_scalar<T, libm>(#type #Name "/libm", -10, 10);
+    add_scalar<T, libm>(#type #Name "/libm", -10, 10);                                                            \
+    add_large_scalar<T, libm>(#type #Name "/libm");
 #define FUNCTION_ALONE(type, T, Name)                                                                             \
     add_entries<T>(#type #Name, orv_arq_kernel_##type##Name##_ttab, -10, 10, std::numeric_limits<T>::infinity()); \
     add_large<T>(#type #Name, orv_arq_kernel_##type##Name##_ttab);

@@ -29,7 +29,7 @@ struct CosEP : SineKernelEP<1> {
         const D a = simd::magnitude(x);
         const D shifted = (a * splat(pi_ep.inverse) + splat(0.5)) + splat(shifter);
         const D k = (shifted - splat(shifter)) - splat(0.5);
-        return simd::bit_xor(sine_26(less_steps<pi_ep>(a, k)), odd_sign(shifted));
+        return simd::bit_xor(sine<sine_26>(less_steps<pi_ep>(a, k)), odd_sign(shifted));
     }
 };
 

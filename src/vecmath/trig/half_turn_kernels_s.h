@@ -70,11 +70,11 @@ struct HalfTurnHA : HalfTurnKernel<Cosine> {
         const S a = simd::magnitude(x);
         const S k = HalfTurnKernel<Cosine>::multiple(a, sign);
         return HalfTurnKernel<Cosine>::with_signs(
-            join(sine(low_half(a), low_half(k)), sine(high_half(a), high_half(k))), sign, x);
+            join(of_doubles(low_half(a), low_half(k)), of_doubles(high_half(a), high_half(k))), sign, x);
     }
-    static D sine(D a, D k) {
+    static D of_doubles(D a, D k) {
         const D r = (a - k * splat(3.1415926535846666)) - k * splat(5.1266883031890378e-12);
-        if constexpr (Cosine) return sine_35(r);
+        if constexpr (Cosine) return sine<sine_35>(r);
         const D z = r * r;
         const D q = splat(-0.16666659550427829) +
                     z * (splat(0.0083330662460856901) +
@@ -90,10 +90,7 @@ struct HalfTurnEP : HalfTurnKernel<Cosine> {
         const S a = simd::magnitude(x);
         const S k = HalfTurnKernel<Cosine>::multiple(a, sign);
         const S r = ((a - k * splat(3.140625f)) - k * splat(0.000967502594f)) - k * splat(1.50995803e-07f);
-        const S z = r * r;
-        const S q =
-            splat(0.999885321f) + z * (splat(Cosine ? -0.165921196f : -0.165920958f) + z * splat(0.00757660158f));
-        return HalfTurnKernel<Cosine>::with_signs(r * q, sign, x);
+        return HalfTurnKernel<Cosine>::with_signs(sine < Cosine ? short_sine_for_cos : short_sine > (r), sign, x);
     }
 };
 

@@ -1,9 +1,12 @@
 // The sine over a half turn, for the kernels that reduce by pi and need no table.
 #pragma once
 
+#include "simd/constants.h"
 #include "vecmath/trig/steps_d.h"
 
 namespace orv::trig {
+
+using simd::Splat;
 
 // Steps of the kernels of least accuracy.
 inline constexpr StepParts pi_ep{0.31830988618379069, 3.1415925025939941, 1.5099578831723193e-07,
@@ -11,13 +14,57 @@ inline constexpr StepParts pi_ep{0.31830988618379069, 3.1415925025939941, 1.5099
 inline constexpr StepParts half_pi_ep{0.63661977236758138, 1.5707962512969971, 7.5497894158615964e-08,
                                       5.390302858158119e-15};
 
-// r in [-pi/2, pi/2]; relative error below 2^-27.
-inline D sine_26(D r) {
+// An odd polynomial next to the sine of angles up to a quarter turn, for angles in a unit whose radians are c1. The last
+// coefficient may be absent.
+struct SinePolynomial {
+    Splat<double> c1, c3, c5, c7, c9, c11;
+};
+// Radians; relative errors below 2^-27 and 2^-35.
+inline constexpr SinePolynomial sine_26{
+    1.0, -0x1.55554ad392fbfp-3, 0x1.110ea968a0185p-7, -0x1.9f67d9395d587p-13, 0x1.5d4567512bbd5p-19, 0.0};
+inline constexpr SinePolynomial sine_35{1.0,
+                                        -0x1.5555554765bfcp-3,
+                                        0x1.11110c49050fdp-7,
+                                        -0x1.a017d94bf6c2cp-13,
+                                        0x1.717075129492ep-19,
+                                        -0x1.9a6788705dac7p-26};
+
+template <const SinePolynomial& P>
+inline D sine(D r) {
     const D z = r * r;
-    const D q =
-        splat(-0.16666658838437162) +
-        z * (splat(0.0083330466452487071) + z * (splat(-0.00019808085361787081) + z * splat(2.6022725384193179e-06)));
-    return r + r * z * q;
+    D q = P.c9;
+    if constexpr (P.c11 != 0.0) q = P.c9 + z * P.c11;
+    q = P.c3 + z * (P.c5 + z * (P.c7 + z * q));
+    if constexpr (P.c1 == 1.0) return r + r * z * q;
+    return r * (P.c1 + z * q);
+}
+
+// A quotient of polynomials next to the tangent of angles up to an eighth of a turn: r n(r^2)/d(r^2).
+struct TangentQuotient {
+    Splat<double> n0, n1, n2, n3, d0, d1, d2, d3;
+};
+// Radians; relative errors below 2^-25, 2^-33 and 2^-52.
+inline constexpr TangentQuotient tan_25{0x1.fffff80398771p-1,  -0x1.886768010bbcdp-4, 0.0, 0.0, 0x1.fffff80398771p-1,
+                                        -0x1.b76f55f930d8ep-2, 0x1.3e66d5fe75fb8p-7,  0.0};
+inline constexpr TangentQuotient tan_33{0x1.p+0, -0x1.c7eb598a7ac33p-4, 0x1.18e345152de59p-10, 0.0,
+                                        0x1.p+0, -0x1.c7502baf0f26ap-2, 0x1.055be3bea557ep-6,  0.0};
+inline constexpr TangentQuotient tan_52{1.0, -0x1.06b97be36d389p-3, 0x1.6fc6fdce5d301p-9, -0x1.f637dce2a3800p-18,
+                                        1.0, -0x1.d8b213470beeep-2, 0x1.7e7b68ac28a56p-6, -0x1.b525b03bc92a6p-13};
+
+// The same for angles in a unit of so many radians.
+constexpr SinePolynomial in_unit(const SinePolynomial& p, double radians) {
+    const double u = radians, z = u * u;
+    return {p.c1 * u,
+            p.c3 * (u * z),
+            p.c5 * (u * z * z),
+            p.c7 * (u * z * z * z),
+            p.c9 * (u * z * z * z * z),
+            p.c11 * (u * z * z * z * z * z)};
+}
+constexpr TangentQuotient in_unit(const TangentQuotient& p, double radians) {
+    const double u = radians, z = u * u;
+    return {p.n0 * u, p.n1 * (u * z), p.n2 * (u * z * z), p.n3 * (u * z * z * z),
+            p.d0,     p.d1 * z,       p.d2 * (z * z),     p.d3 * (z * z * z)};
 }
 
 // The lowest bit of both 64-bit lanes, as a sign.
@@ -66,14 +113,22 @@ inline void quarter_turns_33(D r, D shifted, D& sine, D& cosine) {
     turn_by_quarters(shifted, sine, cosine);
 }
 
-// The sine for r in [-pi/2, pi/2], relative error below 2^-35.
-inline D sine_35(D r) {
+// The tangent of r, or -1/tangent without its sign where the sign bit of `odd` is set.
+template <const TangentQuotient& P>
+inline D tangent(D r, D odd) {
     const D z = r * r;
-    const D q = splat(-0.1666666662610793) +
-                z * (splat(0.0083333311068050034) +
-                     z * (splat(-0.00019840867969275875) +
-                          z * (splat(2.7525371788874001e-06) + z * splat(-2.3888681645204943e-08))));
-    return r + r * z * q;
+    D n, d;
+    if constexpr (P.n3 != 0.0) {
+        n = P.n0 + z * ((P.n1 + z * P.n2) + (z * z) * P.n3);
+        d = P.d0 + z * ((P.d1 + z * P.d2) + (z * z) * P.d3);
+    } else {
+        n = P.n0 + z * P.n1;
+        if constexpr (P.n2 != 0.0) n += z * z * P.n2;
+        d = P.d0 + z * (P.d1 + z * P.d2);
+    }
+    n *= r;
+    exchange(odd, n, d);
+    return n / d;
 }
 
 }  // namespace orv::trig

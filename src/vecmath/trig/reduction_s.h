@@ -10,6 +10,24 @@ using S = __m128;
 
 inline constexpr float shifter_s = 12582912.0f;  // 1.5 * 2^23
 
+// A short polynomial next to the sine of angles up to a quarter turn, for angles in a unit whose radians are c1 but for the
+// polynomial's error, 2^-12.5 relative.
+struct ShortSine {
+    Splat<float> c1, c3, c5;
+};
+inline constexpr ShortSine short_sine{0x1.fff0f8p-1f, -0x1.53ce5ep-3f, 0x1.f08a48p-8f};
+inline constexpr ShortSine short_sine_for_cos{0x1.fff0f8p-1f, -0x1.53ce7ep-3f, 0x1.f08a48p-8f};
+
+template <const ShortSine& P>
+inline S sine(S r) {
+    const S z = r * r;
+    return r * (P.c1 + z * (P.c3 + z * P.c5));
+}
+constexpr ShortSine in_unit(const ShortSine& p, double radians) {
+    const double u = radians, z = u * u;
+    return {static_cast<float>(p.c1 * u), static_cast<float>(p.c3 * (u * z)), static_cast<float>(p.c5 * (u * z * z))};
+}
+
 // The lanes of a register of floats as two registers of doubles, and back.
 inline D low_half(S x) { return _mm_cvtps_pd(x); }
 inline D high_half(S x) { return _mm_cvtps_pd(_mm_movehl_ps(x, x)); }
@@ -38,7 +56,7 @@ inline D sine_of_fraction(__m128i turn) {
     const __m128i half =
         _mm_and_si128(_mm_add_epi64(turn, simd::splat_bits(uint64_t{1} << 62)), simd::bits_of(splat(-0.0)));
     const D r = signed_to_doubles(_mm_sub_epi64(turn, half)) * splat(6.2831853071795862 * 0x1p-64);
-    return simd::bit_xor(sine_35(r), simd::doubles(half));
+    return simd::bit_xor(sine<sine_35>(r), simd::doubles(half));
 }
 
 // Sine and cosine of it.

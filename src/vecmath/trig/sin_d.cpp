@@ -58,7 +58,7 @@ struct SinEP : SineKernelEP<0> {
         const D a = simd::magnitude(x);
         const Nearest<pi_ep> nearest(a);
         const D sign = simd::bit_xor(simd::sign_of(x), odd_sign(nearest.shifted));
-        return simd::bit_xor(sine_26(less_steps<pi_ep>(a, nearest.k)), sign);
+        return simd::bit_xor(sine<sine_26>(less_steps<pi_ep>(a, nearest.k)), sign);
     }
 };
 

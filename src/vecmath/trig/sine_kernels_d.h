@@ -26,9 +26,9 @@ struct SineKernelEP : frame::OneInput<double, 8, frame::Tail::masked> {
         Fraction turn = fraction_of_turn(x);
         turn.high = _mm_add_epi64(turn.high, simd::splat_bits(uint64_t{Quarters} << 62));
         const auto [r, k] = nearest_direction<1>(turn);
-        D sine = simd::bit_xor(sine_26(r), odd_sign(simd::doubles(k)));
-        if constexpr (Quarters == 0) sine = simd::bit_xor(sine, simd::sign_of(x));
-        const D result = simd::select_by_sign(doubt, sine, y);
+        D half_turns = simd::bit_xor(sine<sine_26>(r), odd_sign(simd::doubles(k)));
+        if constexpr (Quarters == 0) half_turns = simd::bit_xor(half_turns, simd::sign_of(x));
+        const D result = simd::select_by_sign(doubt, half_turns, y);
         doubt = simd::not_finite(x);
         return result;
     }

@@ -14,14 +14,7 @@ namespace {
 using namespace orv;
 using namespace orv::trig;
 
-struct Rational {
-    double n0, n1, n2, d0, d1, d2;
-};
-constexpr Rational tan_25{0.999999762, -0.0958017409, 0.0, 0.999999762, -0.42913565, 0.00971684884};
-constexpr Rational tan_33{1.0, -0.11130843140533457, 0.0010715018191102182,
-                          1.0, -0.44464176422096688, 0.015952083975738321};
-
-template <const Rational& R>
+template <const TangentQuotient& P>
 struct Tan : frame::OneInput<float, 4, frame::Tail::masked> {
     static constexpr char name[] = "vsTan";
     static S doubt(S x) { return simd::exceeds(simd::magnitude(x), splat(0x1.01fffep+13f)); }
@@ -37,12 +30,7 @@ struct Tan : frame::OneInput<float, 4, frame::Tail::masked> {
     }
     static D tangent(D a, D k, D odd) {
         const D r = (a - k * splat(1.5707963267923333)) - k * splat(2.5633441515839558e-12);
-        const D z = r * r;
-        D n = splat(R.n0) + z * splat(R.n1), d = splat(R.d0) + z * (splat(R.d1) + z * splat(R.d2));
-        if constexpr (R.n2 != 0) n += z * z * splat(R.n2);
-        n *= r;
-        exchange(odd, n, d);
-        return n / d;
+        return trig::tangent<P>(r, odd);
     }
 
     static S settle(S x, S y, S& doubt) {

@@ -61,6 +61,33 @@ enum class Function { sin, cos, tan };
 
 inline constexpr double least_in_main_path = 0x1p-950;
 
+// An angle as a multiple of a part of a half turn, whose number is in the low bits of `shifted`, and the rest: a is
+// multiple + f exactly. The cosine takes the multiples halfway between.
+template <class V>
+struct Nearby {
+    V shifted, multiple, f;
+};
+template <class Unit, int Parts, bool Halfway, class V>
+inline Nearby<V> nearby(V a) {
+    using T = std::remove_cvref_t<decltype(V{}[0])>;
+    constexpr T step = T(Unit::half_turn / Parts), whole = sizeof(T) == 4 ? T(0x1.8p23) : T(0x1.8p52);
+    V shifted, multiple;
+    if constexpr (Unit::half_turn == 1) {
+        // A sum whose last bit is worth a step: no multiplication.
+        shifted = (Halfway ? a + splat(step / 2) : a) + splat(whole * step);
+        multiple = shifted - splat(whole * step);
+        if constexpr (Halfway) multiple -= splat(step / 2);
+    } else {
+        V steps = a * splat(T(Parts * Unit::inverse));
+        if constexpr (Halfway) steps += splat(T(0.5));
+        shifted = steps + splat(whole);
+        V k = shifted - splat(whole);
+        if constexpr (Halfway) k -= splat(T(0.5));
+        multiple = k * splat(step);
+    }
+    return {shifted, multiple, a - multiple};
+}
+
 // f in radians as a pair, for f of 53 bits.
 template <class Unit>
 inline Pair in_radians(D f) {
@@ -74,46 +101,55 @@ inline Pair in_radians(D f) {
 // a is any angle below the limit in magnitude.
 template <class Unit>
 inline Reduced reduce_unit(D a) {
-    constexpr double step = Unit::half_turn / 256;
-    const D shifted = a * splat(1 / step) + splat(shifter);
-    const D k = shifted - splat(shifter);
-    const Pair r = in_radians<Unit>(a - k * splat(step));
+    const auto [shifted, multiple, f] = nearby<Unit, 256, false>(a);
+    const Pair r = in_radians<Unit>(f);
     return {r.high, r.low, simd::bits_of(shifted)};
 }
 
-// The function of angles in [0, limit), or of folded ones. `pole` is set where the tangent has no value; what is returned
-// there is a number, so that no division by zero is seen before the report.
+// The function of angles in [0, limit), or of folded ones; the tangent where it has no pole.
 template <class Unit, Function F, Sums Kind>
-inline D by_table(D a, [[maybe_unused]] D& pole) {
-    if constexpr (F == Function::tan) {
-        Tangent512 tangent(reduce_unit<Unit>(a));
-        pole = simd::equal(tangent.denominator.high + tangent.denominator.low, splat(0.0));
-        tangent.denominator.high = tangent.denominator.high + simd::bit_and(pole, splat(1.0));
-        return tangent.value();
-    } else {
+inline D by_table(D a) {
+    if constexpr (F == Function::tan)
+        return Tangent512(reduce_unit<Unit>(a)).value();
+    else
         return Step512<Kind>(reduce_unit<Unit>(a)).sin(F == Function::cos ? 1 : 0);
-    }
+}
+
+// The polynomials of a unit.
+template <class Unit>
+inline constexpr SinePolynomial sine_26_of = in_unit(sine_26, Unit::radians);
+template <class Unit>
+inline constexpr SinePolynomial sine_35_of = in_unit(sine_35, Unit::radians);
+template <class Unit>
+inline constexpr TangentQuotient tan_33_of = in_unit(tan_33, Unit::radians);
+template <class Unit>
+inline constexpr TangentQuotient tan_52_of = in_unit(tan_52, Unit::radians);
+
+// The lanes, by their sign bits, where the tangent of an angle below the limit has a pole.
+template <class Unit>
+inline D at_odd_quarter(D a) {
+    const auto quarter = nearby<Unit, 2, false>(a);
+    return simd::bit_and(simd::equal(quarter.multiple, a), odd_sign(quarter.shifted));
+}
+
+// The tangent of an angle below the limit, by the nearest quarter turn.
+template <class Unit, const TangentQuotient& P>
+inline D tangent_of_unit(D a) {
+    const auto [shifted, multiple, f] = nearby<Unit, 2, false>(a);
+    const D odd = odd_sign(shifted);
+    // The zero at an odd half turn is negative.
+    const D half_turns = simd::doubles(simd::shift_left<62>(simd::bits_of(shifted)));
+    const D minus = simd::bit_and(simd::bit_and(simd::equal(multiple, a), splat(-0.0)), half_turns);
+    return simd::bit_xor(simd::bit_xor(tangent<P>(f, odd), minus), odd);
 }
 
 template <class Unit, Function F>
-inline D by_half_turns(D a, [[maybe_unused]] D& pole) {
+inline D by_half_turns(D a) {
     if constexpr (F == Function::tan) {
-        const D shifted = a * splat(2 * Unit::inverse) + splat(shifter);
-        const D k = shifted - splat(shifter);
-        D sine, cosine;
-        quarter_turns_26((a - k * splat(Unit::half_turn / 2)) * splat(Unit::radians), shifted, sine, cosine);
-        // No zero is negative here.
-        pole = simd::equal(cosine, splat(0.0));
-        return (sine + splat(0.0)) / (cosine + simd::bit_and(pole, splat(1.0)));
+        return tangent_of_unit<Unit, tan_52_of<Unit>>(a);
     } else {
-        constexpr double offset = F == Function::cos ? 0.5 : 0.0;
-        D turns = a * splat(Unit::inverse);
-        if constexpr (F == Function::cos) turns += splat(offset);
-        const D shifted = turns + splat(shifter);
-        D k = shifted - splat(shifter);
-        if constexpr (F == Function::cos) k -= splat(offset);
-        const D r = (a - k * splat(Unit::half_turn)) * splat(Unit::radians);
-        return simd::bit_xor(sine_26(r), odd_sign(shifted)) + splat(0.0);
+        const auto [shifted, multiple, f] = nearby<Unit, 1, F == Function::cos>(a);
+        return simd::bit_xor(sine<sine_26_of<Unit>>(f), odd_sign(shifted)) + splat(0.0);
     }
 }
 
@@ -135,49 +171,51 @@ inline int32_t at_pole(double x, T* y) {
     return frame::status_singularity;
 }
 
+// Outside [least, limit): one comparison of the high words, those below the first wrapping round to the top.
+template <class Unit>
+inline D outside(D a) {
+    constexpr auto high_word = [](double v) { return static_cast<uint32_t>(std::bit_cast<uint64_t>(v) >> 32); };
+    constexpr uint32_t first = high_word(least_in_main_path), end = high_word(Unit::limit);
+    const __m128i offset = _mm_sub_epi32(simd::bits_of(a), _mm_set1_epi32(static_cast<int32_t>(first + 0x80000000u)));
+    return simd::doubles(_mm_cmpgt_epi32(offset, _mm_set1_epi32(static_cast<int32_t>(end - 1 - first - 0x80000000u))));
+}
+
 template <class Unit, Function F, bool ByTable, Sums Kind>
 struct UnitAngle : frame::OneInput<double, 4, frame::Tail::masked> {
-    static D of_magnitude(D a, D& pole) {
+    static D of_magnitude(D a) {
         if constexpr (ByTable)
-            return by_table<Unit, F, Kind>(a, pole);
+            return by_table<Unit, F, Kind>(a);
         else
-            return by_half_turns<Unit, F>(a, pole);
+            return by_half_turns<Unit, F>(a);
     }
     static D with_sign_of(D x, D y) { return F == Function::cos ? y : simd::bit_xor(y, simd::sign_of(x)); }
 
-    static D lanes(D x, D& doubt) {
+    static D doubt(D x) {
         const D a = simd::magnitude(x);
-        doubt = outside(a);
-        D pole = splat(0.0);
-        const D y = of_magnitude(frame::without_doubted(a, doubt), pole);
-        if constexpr (F == Function::tan) doubt = simd::bit_or(doubt, pole);
-        return with_sign_of(x, y);
+        if constexpr (F != Function::tan) return outside<Unit>(a);
+        return simd::bit_or(outside<Unit>(a), at_odd_quarter<Unit>(a));
     }
-    // Outside [least, limit): one comparison of the high words, those below the first wrapping round to the top.
-    static D outside(D a) {
-        constexpr auto high_word = [](double v) { return static_cast<uint32_t>(std::bit_cast<uint64_t>(v) >> 32); };
-        constexpr uint32_t first = high_word(least_in_main_path), end = high_word(Unit::limit);
-        const __m128i offset =
-            _mm_sub_epi32(simd::bits_of(a), _mm_set1_epi32(static_cast<int32_t>(first + 0x80000000u)));
-        return simd::doubles(
-            _mm_cmpgt_epi32(offset, _mm_set1_epi32(static_cast<int32_t>(end - 1 - first - 0x80000000u))));
-    }
+    static D lanes(D x) { return with_sign_of(x, of_magnitude(simd::magnitude(x))); }
 
     static D settle(D x, D y, D& doubt) {
         const D mask = doubt;
         doubt = simd::not_finite(x);
-        const D a = frame::without_doubted(simd::magnitude(x), doubt);
+        D a = simd::bit_and_not(doubt, simd::magnitude(x));
         const D tiny = simd::less(a, splat(least_in_main_path));
-        D pole = splat(0.0);
-        D result = of_magnitude(folded<Unit>(simd::bit_and_not(tiny, a)), pole);
+        const D small = a;
+        a = folded<Unit>(simd::bit_and_not(tiny, a));
+        if constexpr (F == Function::tan) {
+            const D pole = at_odd_quarter<Unit>(a);
+            doubt = simd::bit_or(doubt, pole);
+            a = simd::select_by_sign(pole, splat(0.0), a);
+        }
+        D result = of_magnitude(a);
         if constexpr (F != Function::cos) {
-            const Pair r = in_radians<Unit>(simd::bit_and(tiny, a) * splat(0x1p200));
+            const Pair r = in_radians<Unit>(simd::bit_and(tiny, small) * splat(0x1p200));
             result = simd::select(tiny, (r.high + r.low) * splat(0x1p-200), result);
         }
-        if constexpr (F == Function::tan) doubt = simd::bit_or(doubt, pole);
         return simd::select_by_sign(mask, with_sign_of(x, result), y);
     }
-
     // An infinity, a NaN, or a pole of the tangent.
     static int32_t scalar(const double* x, double* y) {
         if (F != Function::tan || !(*x - *x == 0)) return not_finite(x, y);

@@ -1,10 +1,12 @@
 // Sine, cosine and tangent of angles in half turns and in degrees, for floats.
 //
-// "LA" and "HA": in double, where taking away half turns (of the tangent: quarter turns) and folding large arguments are
-// exact, as in the kernels of doubles; "HA" has a polynomial of one more term.
+// |x| = k step + f with step a half turn (of the tangent: a quarter turn) is exact in float, and the rest is the sine of
+// +-f or the tangent of f, or its -1/tangent for odd k, in polynomials and quotients of polynomials of the unit itself.
+//
+// "LA" and "HA": those in double, where a polynomial of "HA" has one term more; large arguments are folded in double.
 // "EP": in float with a short polynomial; the tangent as "LA".
 //
-// Worst errors measured: "LA" 0.62 ulp, the tangents 0.56 ulp; "HA" 0.501 ulp; "EP" 2^-12.6 relative.
+// Worst errors measured: "LA" 0.62 ulp, the tangents 0.51 ulp; "HA" 0.501 ulp; "EP" 2^-12.6 relative.
 //
 // Signs of zeros and poles are those of the kernels of doubles.
 #pragma once
@@ -16,84 +18,102 @@ namespace orv::trig {
 
 enum class Method { in_float, in_double, in_double_longer };
 
+// Below 2^17 the sum that rounds to k has room in a float, and k steps are exact.
+inline constexpr float last_in_float = 0x1.fffffep16f;
+
+template <class Unit>
+inline constexpr ShortSine short_sine_of = in_unit(short_sine, Unit::radians);
+
+// ---- Sine and cosine -------------------------------------------------------------------------------------------------
+
 template <class Unit, Function F, Method How>
 struct UnitAngleS : frame::OneInput<float, 8, frame::Tail::masked> {
-    // Below it k half turns are exact in float, and the multiple of 1/2^22 that rounds them has room.
-    static constexpr float limit = How == Method::in_float ? 0x1p17f : static_cast<float>(Unit::limit);
-    static constexpr float last = std::bit_cast<float>(std::bit_cast<uint32_t>(limit) - 1);
+    static constexpr bool halfway = F == Function::cos;
 
-    static S lanes(S x, S& doubt) {
-        const S a = simd::magnitude(x);
-        doubt = simd::exceeds(a, splat(last));
-        const S served = frame::without_doubted(a, doubt);
-        S pole = splat(0.0f), y;
+    static S doubt(S x) { return simd::exceeds(simd::magnitude(x), splat(last_in_float)); }
+    static S lanes(S x) {
+        const auto [shifted, multiple, f] = nearby<Unit, 1, halfway>(simd::magnitude(x));
+        S y;
         if constexpr (How == Method::in_float)
-            y = by_floats(served);
+            y = sine<short_sine_of<Unit>>(f);
         else
-            y = by_doubles(low_half(served), high_half(served), pole);
-        if constexpr (F == Function::tan) doubt = simd::bit_or(doubt, pole);
+            y = join(in_double(low_half(f)), in_double(high_half(f)));
+        // A zero is positive here.
+        y = simd::bit_xor(y, simd::floats(_mm_slli_epi32(simd::bits_of(shifted), 31))) + splat(0.0f);
         return with_sign_of(x, y);
     }
-
-    static S by_floats(S a) {
-        S turns = a * splat(static_cast<float>(Unit::inverse));
-        if constexpr (F == Function::cos) turns += splat(0.5f);
-        const S shifted = turns + splat(shifter_s);
-        S k = shifted - splat(shifter_s);
-        if constexpr (F == Function::cos) k -= splat(0.5f);
-        const S r = (a - k * splat(static_cast<float>(Unit::half_turn))) * splat(static_cast<float>(Unit::radians));
-        const S z = r * r;
-        const S q = splat(0.999885321f) + z * (splat(-0.165920958f) + z * splat(0.00757660158f));
-        return simd::bit_xor(r * q, simd::floats(_mm_slli_epi32(simd::bits_of(shifted), 31))) + splat(0.0f);
+    static D in_double(D f) {
+        if constexpr (How == Method::in_double_longer)
+            return sine<sine_35_of<Unit>>(f);
+        else
+            return sine<sine_26_of<Unit>>(f);
     }
-
-    static S by_doubles(D low, D high, S& pole) {
-        D low_pole = splat(0.0), high_pole = splat(0.0);
-        const S y = join(of_doubles(low, low_pole), of_doubles(high, high_pole));
-        pole = _mm_shuffle_ps(simd::floats(simd::bits_of(low_pole)), simd::floats(simd::bits_of(high_pole)),
-                              _MM_SHUFFLE(2, 0, 2, 0));
-        return y;
-    }
-
-    // Angles below the limit of doubles, or folded ones. Poles as in the kernels of doubles.
-    static D of_doubles(D a, [[maybe_unused]] D& pole) {
-        if constexpr (F == Function::tan) {
-            const D shifted = a * splat(2 * Unit::inverse) + splat(shifter);
-            const D k = shifted - splat(shifter);
-            const D r = (a - k * splat(Unit::half_turn / 2)) * splat(Unit::radians);
-            D sine, cosine;
-            if constexpr (How == Method::in_double_longer)
-                quarter_turns_33(r, shifted, sine, cosine);
-            else
-                quarter_turns_26(r, shifted, sine, cosine);
-            pole = simd::equal(cosine, splat(0.0));
-            return (sine + splat(0.0)) / (cosine + simd::bit_and(pole, splat(1.0)));
-        } else {
-            D turns = a * splat(Unit::inverse);
-            if constexpr (F == Function::cos) turns += splat(0.5);
-            const D shifted = turns + splat(shifter);
-            D k = shifted - splat(shifter);
-            if constexpr (F == Function::cos) k -= splat(0.5);
-            const D r = (a - k * splat(Unit::half_turn)) * splat(Unit::radians);
-            const D sine = How == Method::in_double_longer ? sine_35(r) : sine_26(r);
-            return simd::bit_xor(sine, odd_sign(shifted)) + splat(0.0);
-        }
-    }
-
     static S with_sign_of(S x, S y) { return F == Function::cos ? y : simd::bit_xor(y, simd::sign_of(x)); }
 
     static S settle(S x, S y, S& doubt) {
         const S mask = doubt;
         doubt = simd::not_finite(x);
-        const S a = frame::without_doubted(simd::magnitude(x), doubt);
-        S pole = splat(0.0f);
-        const S result = with_sign_of(x, by_doubles(folded<Unit>(low_half(a)), folded<Unit>(high_half(a)), pole));
-        if constexpr (F == Function::tan) doubt = simd::bit_or(doubt, pole);
-        return simd::select_by_sign(mask, result, y);
+        const S a = simd::bit_and_not(doubt, simd::magnitude(x));
+        const auto of_doubles = [](D half) {
+            const auto [shifted, multiple, f] = nearby<Unit, 1, halfway>(folded<Unit>(half));
+            return simd::bit_xor(in_double(f), odd_sign(shifted));
+        };
+        const S result = join(of_doubles(low_half(a)), of_doubles(high_half(a))) + splat(0.0f);
+        return simd::select_by_sign(mask, with_sign_of(x, result), y);
+    }
+    static int32_t scalar(const float* x, float* y) { return not_finite(x, y); }
+};
+
+// ---- Tangent ---------------------------------------------------------------------------------------------------------
+
+template <class Unit, Method How>
+struct UnitAngleS<Unit, Function::tan, How> : frame::OneInput<float, 4, frame::Tail::masked> {
+    // The multiple of a quarter turn next to |x|, and the lanes where that is x itself.
+    struct Quarters {
+        S f, axis;
+        __m128i k;
+        explicit Quarters(S x) {
+            const S a = simd::magnitude(x);
+            const auto quarter = nearby<Unit, 2, false>(a);
+            f = quarter.f;
+            axis = simd::equal(quarter.multiple, a);
+            k = simd::bits_of(quarter.shifted);
+        }
+    };
+    static S doubt(S x) {
+        const Quarters q(x);
+        const S pole = simd::bit_and(q.axis, simd::floats(_mm_slli_epi32(q.k, 31)));
+        return simd::bit_or(simd::exceeds(simd::magnitude(x), splat(last_in_float)), pole);
+    }
+    static S lanes(S x) {
+        const Quarters q(x);
+        const __m128i odd = _mm_slli_epi32(q.k, 31);
+        const S y = join(tangent<tan_33_of<Unit>>(low_half(q.f), simd::doubles(_mm_unpacklo_epi32(odd, odd))),
+                         tangent<tan_33_of<Unit>>(high_half(q.f), simd::doubles(_mm_unpackhi_epi32(odd, odd))));
+        // The zero at an odd half turn is negative.
+        const S half_turns = simd::floats(_mm_slli_epi32(q.k, 30));
+        const S minus = simd::bit_and(simd::bit_and(q.axis, splat(-0.0f)), half_turns);
+        return simd::bit_xor(simd::bit_xor(y, minus), simd::bit_xor(simd::floats(odd), simd::sign_of(x)));
+    }
+
+    static S settle(S x, S y, S& doubt) {
+        const S mask = doubt;
+        const S infinite_or_nan = simd::not_finite(x);
+        const S a = simd::bit_and_not(infinite_or_nan, simd::magnitude(x));
+        D low = folded<Unit>(low_half(a)), high = folded<Unit>(high_half(a));
+        const D low_pole = at_odd_quarter<Unit>(low), high_pole = at_odd_quarter<Unit>(high);
+        low = simd::select_by_sign(low_pole, splat(0.0), low);
+        high = simd::select_by_sign(high_pole, splat(0.0), high);
+        const S result =
+            join(tangent_of_unit<Unit, tan_33_of<Unit>>(low), tangent_of_unit<Unit, tan_33_of<Unit>>(high));
+        const S pole = _mm_shuffle_ps(simd::floats(simd::bits_of(low_pole)), simd::floats(simd::bits_of(high_pole)),
+                                      _MM_SHUFFLE(3, 1, 3, 1));
+        doubt = simd::bit_or(infinite_or_nan, pole);
+        return simd::select_by_sign(mask, simd::bit_xor(result, simd::sign_of(x)), y);
     }
 
     static int32_t scalar(const float* x, float* y) {
-        if (F != Function::tan || !(*x - *x == 0)) return not_finite(x, y);
+        if (!(*x - *x == 0)) return not_finite(x, y);
         return at_pole<Unit>(*x, y);
     }
 };
@@ -101,7 +121,7 @@ struct UnitAngleS : frame::OneInput<float, 8, frame::Tail::masked> {
 }  // namespace orv::trig
 
 // The three kernels of a function of angles in a unit.
-#define ORV_UNIT_ANGLE_S(function, Unit, which, ep_method)                                                          \
+#define ORV_UNIT_ANGLE_S(function, Unit, which)                                                                     \
     namespace {                                                                                                     \
     struct function##LA                                                                                             \
         : orv::trig::UnitAngleS<orv::trig::Unit, orv::trig::Function::which, orv::trig::Method::in_double> {        \
@@ -112,7 +132,7 @@ struct UnitAngleS : frame::OneInput<float, 8, frame::Tail::masked> {
         static constexpr char name[] = "vs" #function;                                                              \
     };                                                                                                              \
     struct function##EP                                                                                             \
-        : orv::trig::UnitAngleS<orv::trig::Unit, orv::trig::Function::which, orv::trig::Method::ep_method> {        \
+        : orv::trig::UnitAngleS<orv::trig::Unit, orv::trig::Function::which, orv::trig::Method::in_float> {         \
         static constexpr char name[] = "vs" #function;                                                              \
     };                                                                                                              \
     }                                                                                                               \
