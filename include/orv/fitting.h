@@ -165,7 +165,8 @@ typedef struct DFTask {
     const void* breaks;
     ORV_DF_ALIGN8 int64_t breakHint;
     ORV_DF_ALIGN8 int64_t funcCount;
-    const void** funcs; /* one pointer when interleaved, funcCount pointers otherwise */
+    const void** funcs;   /* one pointer when interleaved, else one a function; null entries are yet to be set */
+    int32_t funcCapacity; /* pointers that funcs has room for */
     ORV_DF_ALIGN8 int64_t funcHint;
     ORV_DF_ALIGN8 int64_t splineOrder; /* coefficients a cell */
     ORV_DF_ALIGN8 int64_t splineType;
@@ -173,9 +174,10 @@ typedef struct DFTask {
     const void* icData;
     ORV_DF_ALIGN8 int64_t bcType;
     const void* bcData;
-    void** coeffs; /* funcCount pointers */
+    void** coeffs; /* one pointer a function */
     ORV_DF_ALIGN8 int64_t coeffHint;
     int32_t checkFlag;
+    int32_t coeffCapacity;               /* pointers that coeffs has room for */
     ORV_DF_ALIGN8 int64_t cellTableSize; /* buckets; the table has two entries more */
     orv_df_bucket* cellTable;            /* null while there is none */
     ORV_DF_ALIGN8 union {
@@ -218,15 +220,18 @@ int32_t orv_df_kernel_dEditPtr(DFTask* task, int64_t id, const double* pointer);
 int32_t orv_df_kernel_sEditPtr(DFTask* task, int64_t id, const float* pointer);
 
 /* Sets one value of the task, by identifier ORV_DF_BREAK_COUNT to ORV_DF_CHECK_FLAG. Setting the break hint to
- * ORV_DF_BREAKS_NON_UNIFORM builds the bucket table anew from the stored partition; no other edit touches it. */
+ * ORV_DF_BREAKS_NON_UNIFORM builds the bucket table anew from the stored partition; no other edit touches it. A new
+ * function count or layout leaves the pointers as they are: what they lack is missing until EditPtr or EditIdxPtr sets it. */
 int32_t orv_df_kernel_iEditVal(DFTask* task, int64_t id, int64_t value);
 
-/* Sets the array of one function (id ORV_DF_FUNCTIONS, not when interleaved) or its coefficients (ORV_DF_COEFFICIENTS). */
+/* Sets the array of one function (id ORV_DF_FUNCTIONS, not when interleaved) or its coefficients (ORV_DF_COEFFICIENTS);
+ * `index` is below funcCount. Where there is no room for the pointer yet room is made; ORV_DF_NO_MEMORY leaves the
+ * pointers as they were. */
 int32_t orv_df_kernel_dEditIdxPtr(DFTask* task, int64_t id, int64_t index, const double* pointer);
 int32_t orv_df_kernel_sEditIdxPtr(DFTask* task, int64_t id, int64_t index, const float* pointer);
 
 /* Reads one array, value, or array of one function back. Of functions and coefficients QueryPtr gives the first
- * pointer. iQueryVal writes 8 bytes if the task's `wideInts` is not 0 and the low 4 bytes otherwise. */
+ * pointer. An entry that was never set is null, as is the one after the last, for which QueryIdxPtr may be asked. iQueryVal writes 8 bytes if the task's `wideInts` is not 0 and the low 4 bytes otherwise. */
 int32_t orv_df_kernel_dQueryPtr(const DFTask* task, int64_t id, double** result);
 int32_t orv_df_kernel_sQueryPtr(const DFTask* task, int64_t id, float** result);
 int32_t orv_df_kernel_iQueryVal(const DFTask* task, int64_t id, void* result);
@@ -343,8 +348,8 @@ ORV_DF_SEARCH_METHODS(UniUserDef)
  *   AkimaCubic (n >= 5): m[i] = (w[i] s[i-1] + w[i-2] s[i])/(w[i] + w[i-2]), w[j] = |s[j+1] - s[j]|; the mean of s[i-1] and
  *     s[i] where the denominator is below 1e-10 (Akima, J. ACM 17 (1970) 589). At the breaks next to the ends the missing
  *     slope is 2 s[0] - s[1] (2 s[l] - s[l-1]); with PERIODIC slopes are wrapped round.
- *   HymanCubic (n >= 4): Bessel's m, made monotone at the interior breaks: 0 where s[i-1] s[i] is not positive, else of
- *     magnitude at most 3 min(|s[i-1]|, |s[i]|) (Hyman, SIAM J. Sci. Stat. Comput. 4 (1983) 645; Fritsch & Carlson, SIAM
+ *   HymanCubic (n >= 4): Bessel's m, made monotone at the interior breaks: 0 where s[i-1] s[i] is not positive (NaN is
+ *     not such a product), else of magnitude at most 3 min(|s[i-1]|, |s[i]|) (Hyman, SIAM J. Sci. Stat. Comput. 4 (1983) 645; Fritsch & Carlson, SIAM
  *     J. Numer. Anal. 17 (1980) 238).
  *   Ends (the right end mirrors the left):
  *   NOT_A_KNOT: with d = x[2] - x[0], m[0] = ((h[0]^2 s[1] + (h[0] + 2 d) h[1] s[0])/d - d m[1])/h[1]; on a uniform
@@ -405,8 +410,10 @@ typedef int32_t (*orv_df_run_callback)(const orv_df_run* run, void* param);
  * Callbacks: leftCallback evaluates sites in cell 0 and rightCallback those in cell n; where it is null the first or last
  *   polynomial (step) extends. interpolateCallback evaluates all sites between. They are called on the calling thread.
  * Interpolation without callbacks is divided over threads found by orv_serv_load_thread_fun when it is large.
- * Returns ORV_DF_BAD_SPLINE_TYPE, ORV_DF_BAD_RESULT_HINT, ORV_DF_BAD_DATA_HINT, ORV_DF_NO_MEMORY (nothing is written
- * then), or what a callback returned below 0. A count below 1 writes nothing. */
+ * Returns ORV_DF_BAD_SPLINE_TYPE, ORV_DF_BAD_RESULT_HINT, ORV_DF_BAD_DATA_HINT; where it would read them, and not where
+ * the three callbacks evaluate everything: ORV_DF_NULL_COEFFICIENTS (order 2 and more) or ORV_DF_NULL_FUNCTIONS (order 0)
+ * when a function's array is missing, ORV_DF_NULL_INTERNAL_DATA when the knots are; ORV_DF_NO_MEMORY; nothing is written
+ * then. Or what a callback returned below 0. A count below 1 writes nothing. */
 int32_t orv_df_kernel_dDFInterpolate1D(const DFTask* task, int64_t type, int64_t method, int64_t siteCount,
                                        const double* sites, int64_t siteHint, int64_t derivativeCount,
                                        const void* derivatives, const double* dataHint, double* results,
@@ -431,11 +438,13 @@ int32_t orv_df_kernel_sDFInterpolate1D(const DFTask* task, int64_t type, int64_t
  *   given, must be 0 or 1 (else ORV_DF_BAD_DATA_HINT). A reversed pair gives the negative; outside the partition the end
  *   polynomials extend; a NaN limit gives NaN. `method` is not read.
  * Whole cells between the limits are summed with the rounding errors carried along (Knuth's two-sum), so that integrals
- *   over adjacent intervals add up to the integral over the whole to the last bits. The `s` form computes in double.
+ *   over adjacent intervals add up to the integral over the whole to the last bits. Within a cell the width of the interval
+ *   is a factor, so that however short it is no digits are lost. The `s` form computes in double.
  * results, for function f of F and pair k of L, by resultHint: 0 and ORV_DF_ROWS: f L + k; ORV_DF_COLUMNS: k F + f;
  *   ORV_DF_ROW_POINTERS: `results` is an array of F pointers to L elements. Else ORV_DF_BAD_INTEGRAL_HINT.
  * splineOrder and splineType go together as in interpolation, order 0 excepted: ORV_DF_BAD_SPLINE_TYPE.
- * Limits are divided over the threads of `services`, which may be null. ORV_DF_NO_MEMORY: nothing is written. */
+ * Limits are divided over the threads of `services`, which may be null. ORV_DF_NULL_COEFFICIENTS when a function has none,
+ * ORV_DF_NULL_INTERNAL_DATA when the knots are missing, ORV_DF_NO_MEMORY: nothing is written. */
 int32_t orv_df_kernel_dDFIntegrate1D(const DFTask* task, int64_t method, int64_t limitCount, const double* left,
                                      int64_t leftHint, const double* right, int64_t rightHint, const double* dataHint,
                                      double* results, int64_t resultHint, const orv_services* services);

@@ -121,8 +121,10 @@ struct SSTask {
     void* extraData;      /* 78  data */
     const void* extraInt; /* 79  integer */
     void* ownedBuffer;    /*     the one block that the task owns */
-    int32_t ownedCount;   /*     the number of components it was made for */
-    int32_t unused[8];
+    int32_t ownedTenant;  /*     whose numbers it holds, 0 nobody's: compute entries name themselves here */
+    int32_t ownedCount;   /*     the number of components that they are about */
+    uint32_t ownedBytes;  /*     its size */
+    int32_t unused[6];
 };
 
 /* The ids that the compute entries of this header read and write; the others are in the comments above. */
@@ -201,6 +203,7 @@ enum {
     SSStatusRobustCov = -4027,
     SSStatusRobustMean = -4028,
     SSStatusMethod = -4029,
+    SSStatusEstimates = -4030,
     SSStatusNullTask = -4031,
     SSStatusX = -4032,
     SSStatusPooledResultCov = -4034,
@@ -353,6 +356,22 @@ SS_GROUPED_EDITOR(MissingVals,
 #define ORV_SS_CENTRAL_SUM4 ((uint64_t)0x80000000)
 #define ORV_SS_CP ((uint64_t)0x100000000)
 
+/* The estimates of the family's other entries. An entry ignores the bits of the others. */
+#define ORV_SS_MINIMUM ((uint64_t)0x400)
+#define ORV_SS_MAXIMUM ((uint64_t)0x800)
+#define ORV_SS_QUANTILES ((uint64_t)0x4000)
+#define ORV_SS_STREAM_QUANTILES ((uint64_t)0x8000)
+#define ORV_SS_SORT ((uint64_t)0x10000)
+#define ORV_SS_WEIGHTED_MEDIAN ((uint64_t)0x20000)
+#define ORV_SS_ROBUST_COVARIANCE ((uint64_t)0x40000)
+#define ORV_SS_OUTLIERS ((uint64_t)0x80000)
+#define ORV_SS_MAD ((uint64_t)0x100000)
+#define ORV_SS_MAHALANOBIS ((uint64_t)0x200000)
+#define ORV_SS_MISSING_VALUES ((uint64_t)0x400000)
+#define ORV_SS_COR_PARAMETRIZATION ((uint64_t)0x800000)
+#define ORV_SS_POOLED_COVARIANCE ((uint64_t)0x1000000)
+#define ORV_SS_PARTIAL_COVARIANCE ((uint64_t)0x200000000)
+
 /* Methods. Exactly one of the first three, or none of them and one or both of the last two. */
 enum {
     BasicFast = 0x1,       /* plain sums of powers; the matrix by rank updates. Quickest. Central moments come from
@@ -366,26 +385,41 @@ enum {
 
 /* Computes the requested estimates of a task's data in one pass, on as many threads as `services` allows.
  *
- * estimates: SS_... bits; method: Basic... bits; services: the thread services (orv_serv_services() for the ready ones).
+ * estimates: ORV_SS_... bits; without one of the above nothing is done and 0 returned. method: Basic... bits. services: the
+ * thread services (orv_serv_services() for the ready ones), null for one thread.
  *
  * Successive calls: when accumWeight is set and its first value is not 0, the data is taken as the next block of the same
- * set, and the results in the task's arrays are brought up to date; the caller sets both values to 0 for a fresh start and
- * changes nothing but x, w and n in between. Without accumWeight every call is a fresh start. What each estimate needs to be
- * continued is in its brackets, but central sums of order 3 and 4 need those of lower order too. BasicUserMean keeps its
- * centre and its sums in `ownedBuffer` from one call to the next, and a change of `mean` in between is not looked at; a
- * correlation without covariance or cross-product keeps its variances there.
+ * set, and the results in the task's arrays are brought up to date; the caller sets both values to 0 for a fresh start, asks
+ * for the same estimates with the same method, and changes nothing but x, w and n in between. The task keeps the sums
+ * behind the results, in double, from call to call, so that any number of blocks of any length give what one call would, to
+ * rounding. They count as long as accumWeight and every array of the request hold the results of the last call; after the
+ * caller has put others there (an earlier state, another data set's) or a call has ended with a whole weight of 0, the next
+ * call goes on from the arrays alone. These cannot say everything:
+ *
+ *   - with BasicOnePass, central sums of order 3 and 4 need each lower order from 2, raw or central, in the request;
+ *   - a correlation needs a covariance, a cross-product or an estimate of order 2 (with BasicFast and BasicOnePass raw or
+ *     central, with BasicUserMean central), or starts afresh;
+ *   - after a single observation variances and covariances are NaN: with BasicUserMean a central sum or `sum` says what
+ *     they were made of;
+ *   - what was rounded to the task's type stays rounded, the weights too.
+ *
+ * BasicUserMean keeps a copy of `mean` as well, first in `ownedBuffer`: a change of `mean` alone in between is not looked at.
  *
  * With 0x200 or 0x400, means and raw moments are sum and rawSum over W, central moments are centralSum2 f and centralSum3
  * and 4 over W, covariance and correlation come from cp, and kurtosis, skewness and variation from the moment arrays as
  * they then stand. W comes from accumWeight, which may be null when w is null: then W = n.
  *
- * Edges: a component whose `indices` value is 0 keeps its old results, and so do its rows and columns of the matrices. A NaN or
- * an infinity shows in the results of its own component. One observation gives NaN (0 / 0) for what divides by W - W2 / W.
- * A sum of weights of exactly 0 sets the moment arrays to 0 and ends the call (`mean` stays under BasicUserMean).
+ * Edges: a component whose `indices` value is 0 keeps its old results, and so do its rows and columns of the matrices. A
+ * finite observation of weight 0 touches no result. A NaN or an infinity shows in the results of its own component, also with
+ * weight 0, except in a call, or the part of it that one thread takes, whose whole weight is 0. One observation gives NaN for
+ * what divides by W - W2 / W, which counts as 0 within 4 ulp of W. Correlations that rounding lifts above 1 by up to 8 ulp
+ * of the task's type are 1; with 0x200 and 0x400 a cp that is no cross-product shows in larger ones. A sum of weights of
+ * exactly 0 sets the moment arrays to 0 and ends the call (`mean` stays under BasicUserMean).
  *
- * Returns 0, or: SSStatusMethod; the status of the first missing array, in the order of the estimates above with the
- * central moments before the matrices; SSStatusN, SSStatusX, SSStatusStorage, SSStatusStorageValue, SSStatusAccumWeight;
- * SSStatusStorage for a missing storage form of a matrix; SSStatusAllocation. Nothing is written then.
+ * Returns 0, or: SSStatusMethod; SSStatusEstimates for a bit that no entry of the family owns; the status of the first
+ * missing array, in the order of the estimates above with the central moments before the matrices; SSStatusN, SSStatusX,
+ * SSStatusStorage, SSStatusStorageValue, SSStatusAccumWeight; SSStatusStorage for a missing storage form of a matrix;
+ * SSStatusAllocation. Nothing is written then.
  *
  * Sources: B. P. Welford, Technometrics 4 (1962); T. F. Chan, G. H. Golub, R. J. LeVeque, The American Statistician 37
  * (1983); P. Pebay, Sandia report SAND2008-6212 (2008). */

@@ -20,7 +20,7 @@ orv_df_status query_pointer(const DFTask* task, int64_t id, T** result) {
             *result = given<T>(task->breaks);
             return ORV_DF_OK;
         case ORV_DF_FUNCTIONS:
-            *result = task->funcs ? given<T>(task->funcs[0]) : nullptr;
+            *result = given<T>(function_of(*task, 0));
             return ORV_DF_OK;
         case ORV_DF_INTERNAL_DATA:
             *result = given<T>(task->icData);
@@ -29,7 +29,7 @@ orv_df_status query_pointer(const DFTask* task, int64_t id, T** result) {
             *result = given<T>(task->bcData);
             return ORV_DF_OK;
         case ORV_DF_COEFFICIENTS:
-            *result = task->coeffs ? given<T>(task->coeffs[0]) : nullptr;
+            *result = given<T>(coefficients_of(*task, 0));
             return ORV_DF_OK;
         default:
             return ORV_DF_BAD_PARAMETER;
@@ -64,10 +64,10 @@ orv_df_status query_indexed_pointer(const DFTask* task, int64_t id, int64_t inde
     switch (id) {
         case ORV_DF_FUNCTIONS:
             if (task->funcHint == ORV_DF_COLUMNS) return ORV_DF_BAD_FUNCTION_HINT;
-            *result = task->funcs ? given<T>(task->funcs[index]) : nullptr;
+            *result = given<T>(function_of(*task, index));
             return ORV_DF_OK;
         case ORV_DF_COEFFICIENTS:
-            *result = task->coeffs ? given<T>(task->coeffs[index]) : nullptr;
+            *result = given<T>(coefficients_of(*task, index));
             return ORV_DF_OK;
         default:
             return ORV_DF_BAD_PARAMETER;

@@ -1,8 +1,6 @@
 // The task's life and its editing. Every operation tests, then stores, field by field: what stands before the field that
 // is refused stays stored.
-#include "fit/task.h"
-
-#include "services/services.h"
+#include "fit/pointers.h"
 
 namespace orv::fit {
 namespace {
@@ -14,45 +12,6 @@ bool known_layout(int64_t hint) {
 bool known_break_hint(int64_t hint) {
     return hint == ORV_DF_BREAKS_NO_HINT || hint == ORV_DF_BREAKS_NON_UNIFORM || hint == ORV_DF_BREAKS_QUASI_UNIFORM ||
            hint == ORV_DF_BREAKS_UNIFORM;
-}
-
-// All null, and one entry more than asked for, since a query may look one past the last.
-template <class P>
-P* allocate_pointers(int64_t count) {
-    const size_t size = (count > 0 ? static_cast<size_t>(count) + 1 : 1) * sizeof(P);
-    auto* pointers = static_cast<P*>(orv_serv_allocate(size, block_alignment));
-    if (pointers) __builtin_memset(pointers, 0, size);
-    return pointers;
-}
-
-// The function pointers as the layout wants them. Under ROW_POINTERS those after the first are the caller's to set.
-template <class T>
-orv_df_status set_functions(DFTask& task, const T* funcs, int64_t count, int64_t layout) {
-    task.funcs = allocate_pointers<const void*>(layout == ORV_DF_COLUMNS ? 1 : count);
-    if (!task.funcs) return ORV_DF_NO_MEMORY;
-    if (layout == ORV_DF_COLUMNS || layout == ORV_DF_ROW_POINTERS) {
-        task.funcs[0] = funcs;
-    } else {
-        for (int64_t i = 0; i < count; ++i) task.funcs[i] = funcs + i * task.breakCount;
-    }
-    return ORV_DF_OK;
-}
-
-template <class T>
-orv_df_status set_coefficients(DFTask& task, T* coeffs, int64_t layout) {
-    if (task.funcCount == 0) return ORV_DF_BAD_FUNCTION_COUNT;
-    const int64_t count = task.funcCount;
-    const bool own_arrays = (layout & ORV_DF_ROW_POINTERS) != 0;
-    orv_serv_deallocate(task.coeffs);
-    task.coeffs = allocate_pointers<void*>(count);
-    if (!task.coeffs) return ORV_DF_NO_MEMORY;
-    if (own_arrays) {
-        task.coeffs[0] = coeffs;
-    } else {
-        const int64_t cells = task.splineType == ORV_DF_TYPE_KNOTS ? task.breakCount : task.breakCount - 1;
-        for (int64_t i = 0; i < count; ++i) task.coeffs[i] = coeffs + i * cells * task.splineOrder;
-    }
-    return ORV_DF_OK;
 }
 
 template <class T>
@@ -195,24 +154,28 @@ orv_df_status edit_indexed_pointer(DFTask* task, int64_t id, int64_t index, cons
     if (!task) return ORV_DF_NULL_TASK;
     if (task->editable != 1) return ORV_DF_OK;
     const bool in_range = index >= 0 && index < task->funcCount;
+    orv_df_status status;
     switch (id) {
         case ORV_DF_FUNCTIONS:
             if (task->funcHint == ORV_DF_COLUMNS) return ORV_DF_BAD_FUNCTION_HINT;
             if (!in_range) return ORV_DF_BAD_INDEX;
-            if (!pointer || !task->funcs) return ORV_DF_NULL_FUNCTIONS;
-            task->funcs[index] = pointer;
-            return ORV_DF_OK;
+            if (!pointer) return ORV_DF_NULL_FUNCTIONS;
+            status = make_room(task->funcs, task->funcCapacity, index, task->funcCount);
+            if (status == ORV_DF_OK) task->funcs[index] = pointer;
+            return status;
         case ORV_DF_COEFFICIENTS:
             if (!in_range) return ORV_DF_BAD_INDEX;
-            if (!pointer || !task->coeffs) return ORV_DF_NULL_COEFFICIENTS;
-            task->coeffs[index] = const_cast<T*>(pointer);
-            return ORV_DF_OK;
+            if (!pointer) return ORV_DF_NULL_COEFFICIENTS;
+            status = make_room(task->coeffs, task->coeffCapacity, index, task->funcCount);
+            if (status == ORV_DF_OK) task->coeffs[index] = const_cast<T*>(pointer);
+            return status;
         default:
             return ORV_DF_BAD_PARAMETER;
     }
 }
 
 }  // namespace
+
 }  // namespace orv::fit
 
 using namespace orv::fit;

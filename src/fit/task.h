@@ -10,16 +10,19 @@
 
 namespace orv::fit {
 
-static_assert(offsetof(DFTask, recordTag) == 4 && offsetof(DFTask, isDouble) == 8 && offsetof(DFTask, editable) == 12);
-static_assert(offsetof(DFTask, breakCount) == 16 && offsetof(DFTask, breaks) == 24 &&
-              offsetof(DFTask, breakHint) == 32);
-static_assert(offsetof(DFTask, funcCount) == 40 && offsetof(DFTask, funcs) == 48 && offsetof(DFTask, funcHint) == 56);
-static_assert(offsetof(DFTask, splineOrder) == 64 && offsetof(DFTask, splineType) == 72);
-static_assert(offsetof(DFTask, icType) == 80 && offsetof(DFTask, icData) == 88);
-static_assert(offsetof(DFTask, bcType) == 96 && offsetof(DFTask, bcData) == 104);
-static_assert(offsetof(DFTask, coeffs) == 108 && offsetof(DFTask, coeffHint) == 112);
-static_assert(offsetof(DFTask, checkFlag) == 120 && offsetof(DFTask, cellTableSize) == 128);
-static_assert(offsetof(DFTask, cellTable) == 136 && offsetof(DFTask, cellScale) == 144 && sizeof(DFTask) == 152);
+// The layout that callers see where pointers take 4 bytes.
+static_assert(sizeof(void*) != 4 ||
+              (offsetof(DFTask, recordTag) == 4 && offsetof(DFTask, isDouble) == 8 &&
+               offsetof(DFTask, editable) == 12 && offsetof(DFTask, breakCount) == 16 &&
+               offsetof(DFTask, breaks) == 24 && offsetof(DFTask, breakHint) == 32 &&
+               offsetof(DFTask, funcCount) == 40 && offsetof(DFTask, funcs) == 48 &&
+               offsetof(DFTask, funcCapacity) == 52 && offsetof(DFTask, funcHint) == 56 &&
+               offsetof(DFTask, splineOrder) == 64 && offsetof(DFTask, splineType) == 72 &&
+               offsetof(DFTask, icType) == 80 && offsetof(DFTask, icData) == 88 && offsetof(DFTask, bcType) == 96 &&
+               offsetof(DFTask, bcData) == 104 && offsetof(DFTask, coeffs) == 108 &&
+               offsetof(DFTask, coeffHint) == 112 && offsetof(DFTask, checkFlag) == 120 &&
+               offsetof(DFTask, coeffCapacity) == 124 && offsetof(DFTask, cellTableSize) == 128 &&
+               offsetof(DFTask, cellTable) == 136 && offsetof(DFTask, cellScale) == 144 && sizeof(DFTask) == 152));
 
 constexpr int32_t block_alignment = 128;
 
@@ -29,6 +32,19 @@ inline double cell_scale(const DFTask& task, double) { return task.cellScale.d; 
 inline float cell_scale(const DFTask& task, float) { return task.cellScale.s; }
 
 inline bool is_uniform(const DFTask& task) { return (task.breakHint & ORV_DF_BREAKS_UNIFORM) != 0; }
+
+// A pointer of funcs or coeffs, null where the array does not reach.
+template <class P>
+P entry_of(P* pointers, int32_t capacity, int64_t index) {
+    return index < capacity ? pointers[index] : nullptr;
+}
+inline const void* function_of(const DFTask& task, int64_t i) { return entry_of(task.funcs, task.funcCapacity, i); }
+inline void* coefficients_of(const DFTask& task, int64_t i) { return entry_of(task.coeffs, task.coeffCapacity, i); }
+
+// What a reader of the arrays of all functions finds: ORV_DF_OK, or the status for one that is missing. No function counts
+// as one.
+orv_df_status functions_present(const DFTask& task);
+orv_df_status coefficients_present(const DFTask& task);
 
 // A partition in the element type. On a uniform one break i is first + i * width.
 template <class T>

@@ -40,38 +40,39 @@ struct alignas(16) SplatBits {
 
 // ---- Table rows by lane ----------------------------------------------------------------------------------------------
 
-// The low words of 64-bit lanes, as indices or byte offsets.
-struct Offsets2 {
-    uint32_t at0, at1;
+// The low 32 bits of each of N lanes, as indices or byte offsets.
+template <int N>
+struct Indices {
+    uint32_t lane[N];
+
+    explicit Indices(__m128i lanes) {
+        lane[0] = static_cast<uint32_t>(word<0>(lanes));
+        if constexpr (N == 2) {
+            lane[1] = static_cast<uint32_t>(word<2>(lanes));
+        } else {
+            lane[1] = static_cast<uint32_t>(word<1>(lanes));
+            lane[2] = static_cast<uint32_t>(word<2>(lanes));
+            lane[3] = static_cast<uint32_t>(word<3>(lanes));
+        }
+    }
 };
-inline Offsets2 offsets_of(__m128i low_words) {
-    return {static_cast<uint32_t>(_mm_cvtsi128_si32(low_words)),
-            static_cast<uint32_t>(_mm_extract_epi32(low_words, 2))};
-}
 // What stands `offset` bytes behind `start`.
 template <class T>
 inline const T* behind(const T* start, uint32_t offset) {
     return reinterpret_cast<const T*>(reinterpret_cast<const char*>(start) + offset);
 }
 
-// The low words of 32-bit lanes, likewise.
-struct Offsets4 {
-    uint32_t at0, at1, at2, at3;
-};
-inline Offsets4 offsets_of_4(__m128i words) {
-    return {static_cast<uint32_t>(_mm_cvtsi128_si32(words)), static_cast<uint32_t>(_mm_extract_epi16(words, 2)),
-            static_cast<uint32_t>(_mm_extract_epi16(words, 4)), static_cast<uint32_t>(_mm_extract_epi16(words, 6))};
-}
 // The first and the second members of four pairs.
-inline void gather_pairs(const float (*rows)[2], Offsets4 j, __m128& first, __m128& second) {
-    const __m128 low = gather_halves(rows[j.at0], rows[j.at1]), high = gather_halves(rows[j.at2], rows[j.at3]);
+inline void gather_pairs(const float (*rows)[2], Indices<4> j, __m128& first, __m128& second) {
+    const __m128 low = gather_halves(rows[j.lane[0]], rows[j.lane[1]]),
+                 high = gather_halves(rows[j.lane[2]], rows[j.lane[3]]);
     first = even_lanes(low, high);
     second = odd_lanes(low, high);
 }
 // The first three members of four rows of four, at byte offsets.
-inline void gather_triples(const float* rows, Offsets4 at, __m128& first, __m128& second, __m128& third) {
-    const __m128 row0 = _mm_load_ps(behind(rows, at.at0)), row1 = _mm_load_ps(behind(rows, at.at1));
-    const __m128 row2 = _mm_load_ps(behind(rows, at.at2)), row3 = _mm_load_ps(behind(rows, at.at3));
+inline void gather_triples(const float* rows, Indices<4> at, __m128& first, __m128& second, __m128& third) {
+    const __m128 row0 = _mm_load_ps(behind(rows, at.lane[0])), row1 = _mm_load_ps(behind(rows, at.lane[1]));
+    const __m128 row2 = _mm_load_ps(behind(rows, at.lane[2])), row3 = _mm_load_ps(behind(rows, at.lane[3]));
     const __m128 low01 = _mm_unpacklo_ps(row0, row1), low23 = _mm_unpacklo_ps(row2, row3);
     first = _mm_movelh_ps(low01, low23);
     second = _mm_movehl_ps(low23, low01);

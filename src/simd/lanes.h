@@ -219,6 +219,11 @@ inline __m128d magnitude(__m128d x) { return bit_and_not(splat(-0.0), x); }
 // a in the lanes where the mask is all ones, b in the others.
 inline __m128 select(__m128 mask, __m128 a, __m128 b) { return bit_or(bit_and(mask, a), bit_and_not(mask, b)); }
 inline __m128d select(__m128d mask, __m128d a, __m128d b) { return bit_or(bit_and(mask, a), bit_and_not(mask, b)); }
+
+// The same by the sign bits of the mask alone.
+inline __m128 select_by_sign(__m128 mask, __m128 a, __m128 b) { return _mm_blendv_ps(b, a, mask); }
+inline __m128d select_by_sign(__m128d mask, __m128d a, __m128d b) { return _mm_blendv_pd(b, a, mask); }
+
 // ---- Between lanes and between widths --------------------------------------------------------------------------------
 
 // a and b by turns, from the lower and from the upper half of each.
@@ -272,10 +277,6 @@ inline void store_doubles(float* p, __m128d v) {
 }
 inline void store_one_double(double* p, __m128d v) { store_one(p, v); }
 inline void store_one_double(float* p, __m128d v) { store_one(p, _mm_cvtpd_ps(v)); }
-
-// The same by the sign bits of the mask alone.
-inline __m128 select_by_sign(__m128 mask, __m128 a, __m128 b) { return _mm_blendv_ps(b, a, mask); }
-inline __m128d select_by_sign(__m128d mask, __m128d a, __m128d b) { return _mm_blendv_pd(b, a, mask); }
 
 // ---- Rounding, comparison, masks -----------------------------------------------------------------------------------
 

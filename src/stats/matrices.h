@@ -1,9 +1,18 @@
 // Symmetric matrices in the caller's storage forms, and in the working form: full, by columns, upper triangle.
 #pragma once
 
-#include "stats/request.h"
+#include "stats/data.h"
 
 namespace orv::stats {
+
+enum class Form : int32_t { packed_upper, full, packed_lower };
+
+// Only the two low bits of a matrix form are looked at.
+inline Form read_form(const SSTask* task, const void* at) {
+    const int64_t value = read_integer(at, task->wideInts);
+    if (value & 2) return Form::packed_lower;
+    return value & 1 ? Form::full : Form::packed_upper;
+}
 
 // Where element (i, j), i <= j, lies.
 inline ptrdiff_t element_at(Form form, ptrdiff_t i, ptrdiff_t j, ptrdiff_t p) {
@@ -18,33 +27,32 @@ inline ptrdiff_t element_at(Form form, ptrdiff_t i, ptrdiff_t j, ptrdiff_t p) {
     return j * p + i;
 }
 
-// A result matrix of a call.
+// A matrix of the caller's.
 template <class T>
 struct Matrix {
     T* data;
     Form form;
 };
 
-template <class T>
-Matrix<T> matrix_of(const Request& request, int32_t array) {
-    const Form form = array == array_cov ? request.cov_form : array == array_cor ? request.cor_form : request.cp_form;
-    return {static_cast<T*>(array_of(request.task, array)), form};
+// Calls visit(i, j), i <= j, for each pair of components that take part.
+template <class Visit>
+void each_pair(const Data& data, Visit visit) {
+    for (int32_t j = 0; j < data.p; ++j) {
+        if (!data.takes_part(j)) continue;
+        for (int32_t i = 0; i <= j; ++i)
+            if (!data.has_gaps || data.takes_part(i)) visit(i, j);
+    }
 }
 
-// Writes value(i, j) for each pair of components that take part, to both triangles of the full form. Reading the upper
-// triangle of the same full matrix by columns inside `value` is safe: only (i, j) and its mirror are written at a time.
+// Writes value(i, j) for each pair of components that take part, to both triangles of the full form.
 template <class T, class Value>
-void write_matrix(const Request& request, Matrix<T> to, Value value) {
-    const ptrdiff_t p = request.p;
-    for (int32_t j = 0; j < request.p; ++j) {
-        if (!request.takes_part(j)) continue;
-        for (int32_t i = 0; i <= j; ++i) {
-            if (request.has_gaps && !request.takes_part(i)) continue;
-            const T result = static_cast<T>(value(i, j));
-            to.data[element_at(to.form, i, j, p)] = result;
-            if (to.form == Form::full) to.data[i * p + j] = result;
-        }
-    }
+void write_matrix(const Data& data, Matrix<T> to, Value value) {
+    const ptrdiff_t p = data.p;
+    each_pair(data, [&](int32_t i, int32_t j) {
+        const T result = static_cast<T>(value(i, j));
+        to.data[element_at(to.form, i, j, p)] = result;
+        if (to.form == Form::full) to.data[i * p + j] = result;
+    });
 }
 
 }  // namespace orv::stats

@@ -52,7 +52,7 @@ TEST(ExpLogTables, KnownRows) {
 
 // Rows whose values are known from elsewhere.
 TEST(TrigTables, KnownRows) {
-    using namespace orv::trig;
+    using namespace orv::vecmath;
     EXPECT_EQ(inv_two_pi_192[1075][0], 0x28BE60DB9391054Au);
     EXPECT_EQ(inv_two_pi_192[1075][1], 0x7F09D5F47D4D3770u);
     EXPECT_EQ(inv_two_pi_192[1075][2], 0x36D8A5664F10E410u);
@@ -69,7 +69,7 @@ TEST(TrigTables, KnownRows) {
 
 // The rows of one table are the bits of one number: consecutive windows overlap in all but one bit.
 TEST(TrigTables, WindowsSlideByOneBit) {
-    using namespace orv::trig;
+    using namespace orv::vecmath;
     for (int e = 1; e < 2047; ++e) {
         for (int k = 0; k < 2; ++k)
             ASSERT_EQ(inv_two_pi_192[e][k], inv_two_pi_192[e - 1][k] << 1 | inv_two_pi_192[e - 1][k + 1] >> 63) << e;

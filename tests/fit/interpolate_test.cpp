@@ -11,19 +11,17 @@ class FitInterpolate : public testing::Test {};
 using Elements = testing::Types<double, float>;
 TYPED_TEST_SUITE(FitInterpolate, Elements);
 
-struct Callbacks {
-    orv_df_run_callback left = nullptr, right = nullptr, inside = nullptr;
-    void* param = nullptr;
-    orv_df_search_callback search = nullptr;
-};
-
+// The values at the sites, or the derivatives wanted there; a test adds what else it asks for.
 template <class T>
-int32_t interpolate(const Fit<T>& fit, const std::vector<T>& x, const std::vector<int32_t>& wanted, T* results,
-                    int64_t layout = 0, int64_t type = 1, void* cells = nullptr, int64_t hint = 0,
-                    const T* data = nullptr, const Callbacks& c = {}) {
-    return DFInterpolate1D(T{}, fit.task, type, int64_t{0}, static_cast<int64_t>(x.size()), x.data(), hint,
-                           static_cast<int64_t>(wanted.size()), static_cast<const void*>(wanted.data()), data, results,
-                           layout, cells, c.left, c.param, c.right, c.param, c.inside, c.param, c.search, c.param);
+Evaluation<T> evaluation(const Fit<T>& fit, const std::vector<T>& x, T* results) {
+    return {.task = fit.task, .count = static_cast<int64_t>(x.size()), .sites = x.data(), .results = results};
+}
+template <class T>
+Evaluation<T> evaluation(const Fit<T>& fit, const std::vector<T>& x, T* results, const std::vector<int32_t>& wanted) {
+    Evaluation<T> e = evaluation(fit, x, results);
+    e.derivative_count = static_cast<int64_t>(wanted.size());
+    e.derivatives = wanted.data();
+    return e;
 }
 
 template <class T>
@@ -75,7 +73,9 @@ TYPED_TEST(FitInterpolate, EveryOrderAndDerivativeInEveryLayout) {
                     const std::vector<int32_t> wanted = {1, 0, 5, 1, 1, 0};  // value, second, third, fourth
                     const size_t orders[] = {0, 2, 3, 4}, S = count, F = 3, D = 4;
                     std::vector<T> rows(S * F * D), out(S * F * D);
-                    ASSERT_EQ(interpolate(fit, x, wanted, rows.data(), 0, 1, nullptr, sorted ? 0x40 : 0), 0);
+                    Evaluation<T> e = evaluation(fit, x, rows.data(), wanted);
+                    e.hint = sorted ? ORV_DF_SITES_SORTED : 0;
+                    ASSERT_EQ(e(), 0);
                     for (size_t f = 0; f < F; ++f)
                         for (size_t s = 0; s < S; ++s)
                             for (size_t d = 0; d < D; ++d) {
@@ -89,10 +89,9 @@ TYPED_TEST(FitInterpolate, EveryOrderAndDerivativeInEveryLayout) {
                     std::vector<std::vector<T>> own(F, std::vector<T>(S * D));
                     T* pointers[] = {own[0].data(), own[1].data(), own[2].data()};
                     for (const int64_t layout : {0x10, 0x20, 0x100, 0x200, 0x80}) {
-                        const bool by_pointer = layout == 0x80;
-                        ASSERT_EQ(interpolate(fit, x, wanted, by_pointer ? reinterpret_cast<T*>(pointers) : out.data(),
-                                              layout, 1, nullptr, sorted ? 0x40 : 0),
-                                  0);
+                        e.results = layout == 0x80 ? reinterpret_cast<T*>(pointers) : out.data();
+                        e.layout = layout;
+                        ASSERT_EQ(e(), 0);
                         for (size_t f = 0; f < F; ++f)
                             for (size_t s = 0; s < S; ++s)
                                 for (size_t d = 0; d < D; ++d) {
@@ -119,12 +118,12 @@ TYPED_TEST(FitInterpolate, CellsAreStoredTakenAndSearchedForAlone) {
             const std::vector<T> x = scattered(p.x, count, false);
             std::vector<int64_t> wide_cells(count, -1), wide_wanted = {1};
             std::vector<int32_t> narrow_cells(count, -1), narrow_wanted = {1, 0};
-            void* cells = wide ? static_cast<void*>(wide_cells.data()) : narrow_cells.data();
-            const void* wanted = wide ? static_cast<const void*>(wide_wanted.data()) : narrow_wanted.data();
             const auto run = [&](int64_t type, T* out) {
-                return DFInterpolate1D(T{}, fit.task, type, int64_t{0}, static_cast<int64_t>(count), x.data(),
-                                       int64_t{0}, int64_t{1}, wanted, nullptr, out, int64_t{0}, cells, nullptr,
-                                       nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+                Evaluation<T> e = evaluation(fit, x, out);
+                e.type = type;
+                e.derivatives = wide ? static_cast<const void*>(wide_wanted.data()) : narrow_wanted.data();
+                e.cells = wide ? static_cast<void*>(wide_cells.data()) : narrow_cells.data();
+                return e();
             };
             std::vector<T> found(count), given(count, 7), stored(count), searched(count, 7);
             const int64_t type = fit.task->splineType;
@@ -161,31 +160,38 @@ TYPED_TEST(FitInterpolate, SearchMethodsAndThreadsGiveTheSameValues) {
     for (const bool sorted : {false, true}) {
         const std::vector<T> x = scattered(p.x, 60001, sorted);
         std::vector<T> plain(x.size()), other(x.size());
-        ASSERT_EQ(interpolate(fit, x, {1}, plain.data()), 0);
+        ASSERT_EQ(evaluation(fit, x, plain.data())(), 0);
         for (size_t i = 0; i < x.size(); i += 101) {
             T one;
-            ASSERT_EQ(interpolate(fit, {x[i]}, {1}, &one), 0);
+            ASSERT_EQ(evaluation(fit, {x[i]}, &one)(), 0);
             ASSERT_EQ(one, plain[i]);
         }
         const T peak[] = {0, 1, 0, 0, 500}, neither[] = {0, 3, 0, 0, 0};
-        ASSERT_EQ(interpolate(fit, x, {1}, other.data(), 0, 1, nullptr, 0, peak), 0);
-        EXPECT_EQ(plain, other);
-        EXPECT_EQ(interpolate(fit, x, {1}, other.data(), 0, 1, nullptr, 0, neither), -1026);
-        Callbacks c;
-        c.search = [](const int64_t* count, const void*, int64_t* cells, uint8_t* unfinished, const orv_df_partition*,
-                      void*) {
+        const orv_df_search_callback guess = [](const int64_t* count, const void*, int64_t* cells, uint8_t* unfinished,
+                                                const orv_df_partition*, void*) {
             for (int64_t i = 0; i < *count; ++i) cells[i] = 400, unfinished[i] = 1;
             return int32_t{0};
         };
-        ASSERT_EQ(interpolate(fit, x, {1}, other.data(), 0, 1, nullptr, 0, static_cast<const T*>(nullptr), c), 0);
-        EXPECT_EQ(plain, other);
-        if (sorted) {
-            ASSERT_EQ(interpolate(fit, x, {1}, other.data(), 0, 1, nullptr, 0x40), 0);
+        const struct {
+            int64_t break_hint, hint;
+            const T* data;
+            orv_df_search_callback search;
+            int32_t status;
+        } ways[] = {
+            {0, 0, peak, nullptr, 0},
+            {0, 0, neither, nullptr, -1026},
+            {0, 0, nullptr, guess, 0},
+            {0, sorted ? ORV_DF_SITES_SORTED : 0, nullptr, nullptr, 0},
+            {ORV_DF_BREAKS_QUASI_UNIFORM, 0, nullptr, nullptr, 0},
+        };
+        for (const auto& way : ways) {
+            orv_df_kernel_iEditVal(fit.task, ORV_DF_BREAK_HINT, way.break_hint);
+            std::fill(other.begin(), other.end(), T{-777});
+            Evaluation<T> e = evaluation(fit, x, other.data());
+            e.hint = way.hint, e.data = way.data, e.search = way.search;
+            ASSERT_EQ(e(), way.status);
+            EXPECT_EQ(plain == other, way.status == 0) << "way " << (&way - ways);
         }
-        EXPECT_EQ(plain, other);
-        orv_df_kernel_iEditVal(fit.task, ORV_DF_BREAK_HINT, ORV_DF_BREAKS_QUASI_UNIFORM);
-        ASSERT_EQ(interpolate(fit, x, {1}, other.data()), 0);
-        EXPECT_EQ(plain, other);
         orv_df_kernel_iEditVal(fit.task, ORV_DF_BREAK_HINT, 0);
     }
 }
@@ -203,21 +209,21 @@ TYPED_TEST(FitInterpolate, StepsAndLookUp) {
             p.layout = interleaved ? 0x20 : 0;
             p.uniform = uniform;
             p.order = 0;
-            const std::vector<T> x = {-1, 0, 0.5, 1, 1.5, 2, 3, 4, 2.5};
+            const std::vector<T> x = {-1, 0, 0.5, 1, 1.5, 2, 3, 4, nan};
             const struct {
                 int64_t type;
                 std::vector<T> expected;
             } kinds[] = {
                 {6, {nan, 10, nan, 11, nan, 12, 13, nan, nan}},
-                {7, {10, 10, 10, 11, 11, 12, 13, 13, 12}},
-                {8, {10, 10, 11, 11, 12, 12, 13, 13, 13}},
+                {7, {10, 10, 10, 11, 11, 12, 13, 13, nan}},
+                {8, {10, 10, 11, 11, 12, 12, 13, 13, nan}},
             };
             for (const auto& kind : kinds) {
                 p.type = kind.type;
                 const Fit<T> fit(p);
                 std::vector<T> out(18), slopes(18);
-                ASSERT_EQ(interpolate(fit, x, {1}, out.data()), 0);
-                ASSERT_EQ(interpolate(fit, x, {0, 1}, slopes.data()), 0);
+                ASSERT_EQ(evaluation(fit, x, out.data())(), 0);
+                ASSERT_EQ(evaluation(fit, x, slopes.data(), {0, 1})(), 0);
                 for (size_t i = 0; i < 18; ++i) {
                     const T want = kind.expected[i % 9] + (i < 9 ? 0 : 10);
                     EXPECT_TRUE(out[i] == want || (want != want && out[i] != out[i]))
@@ -225,6 +231,76 @@ TYPED_TEST(FitInterpolate, StepsAndLookUp) {
                     EXPECT_EQ(slopes[i] == 0, kind.type != 6);
                 }
             }
+        }
+}
+
+// Arrays that were never given, or are too few after an edit, are refused by whatever reads them and by nothing else.
+TYPED_TEST(FitInterpolate, MissingArraysAreRefused) {
+    using T = TypeParam;
+    enum What { values, steps, search_alone, by_callbacks, integral, construction };
+    const struct {
+        const char* task;
+        int64_t order, type;
+        bool has_functions, has_second_function, has_coefficients, has_second_coefficients, has_knots;
+        int32_t statuses[6];
+    } cases[] = {
+        {"whole", 4, 2, true, true, true, true, false, {0, 0, 0, 0, 0, 0}},
+        {"without coefficients", 4, 2, true, true, false, false, false, {-1016, 0, 0, 0, -1016, -1016}},
+        {"second without coefficients", 4, 2, true, true, true, false, false, {-1016, 0, 0, 0, -1016, -1016}},
+        {"without functions", 4, 2, false, false, true, true, false, {0, -1008, 0, 0, 0, -1008}},
+        {"without second function", 4, 2, true, false, true, true, false, {0, -1008, 0, 0, 0, -1008}},
+        {"without knots", 3, 1, true, true, true, true, false, {-1013, 0, 0, 0, -1013, -1013}},
+        {"with knots", 3, 1, true, true, true, true, true, {0, 0, 0, 0, 0, 0}},
+        {"empty", 4, 2, false, false, false, false, false, {-1016, -1008, 0, 0, -1016, -1008}},
+    };
+    const std::vector<T> x = breaks<T>(9), y = noise<T>(18);
+    std::vector<T> knots, coeffs(200), sites(40, T(0.5)), out(80);
+    for (size_t i = 0; i + 1 < x.size(); ++i) knots.push_back((x[i] + x[i + 1]) / 2);
+    for (const auto& c : cases)
+        for (const int64_t count : {1, 40}) {
+            DFTask* task = nullptr;
+            NewTask1D(T{}, &task, int64_t{9}, x.data(), int64_t{0}, int64_t{c.has_functions ? 1 : 0},
+                      c.has_functions ? y.data() : nullptr, int64_t{ORV_DF_ROW_POINTERS}, 0);
+            if (!c.has_functions) orv_df_kernel_iEditVal(task, ORV_DF_FUNCTION_COUNT, 1);
+            EditPPSpline1D(T{}, task, c.order, c.type, int64_t{ORV_DF_FREE_END}, nullptr,
+                           int64_t{c.has_knots ? ORV_DF_INTERNAL_KNOTS : 0}, c.has_knots ? knots.data() : nullptr,
+                           c.has_coefficients ? coeffs.data() : nullptr, int64_t{ORV_DF_ROW_POINTERS});
+            if (c.type == 1) orv_df_kernel_iEditVal(task, ORV_DF_INTERNAL_TYPE, ORV_DF_INTERNAL_KNOTS);
+            orv_df_kernel_iEditVal(task, ORV_DF_FUNCTION_COUNT, 2);
+            if (c.has_second_function) EditIdxPtr(T{}, task, int64_t{ORV_DF_FUNCTIONS}, int64_t{1}, &y[9]);
+            if (c.has_second_coefficients)
+                EditIdxPtr(T{}, task, int64_t{ORV_DF_COEFFICIENTS}, int64_t{1}, &coeffs[100]);
+            const auto evaluate = [&](int64_t type, orv_df_run_callback f) {
+                int32_t cells[40];
+                return Evaluation<T>{.task = task,
+                                     .count = count,
+                                     .sites = sites.data(),
+                                     .results = out.data(),
+                                     .type = type,
+                                     .cells = cells,
+                                     .left = f,
+                                     .right = f,
+                                     .inside = f}();
+            };
+            const auto zeros = [](const orv_df_run* run, void*) {
+                for (int64_t i = 0; i < run->siteCount; ++i) static_cast<T*>(run->values)[i] = 0;
+                return int32_t{0};
+            };
+            EXPECT_EQ(evaluate(1, nullptr), c.statuses[values]) << c.task;
+            EXPECT_EQ(evaluate(4, nullptr), c.statuses[search_alone]) << c.task;
+            EXPECT_EQ(evaluate(1, zeros), c.statuses[by_callbacks]) << c.task;
+            EXPECT_EQ(DFIntegrate1D(T{}, task, int64_t{0}, count, sites.data(), int64_t{0}, sites.data(), int64_t{0},
+                                    nullptr, out.data(), int64_t{0}, nullptr),
+                      c.statuses[integral])
+                << c.task;
+            EXPECT_EQ(construct_of<T>(c.order == 3 ? quadratic : natural)(task, nullptr, nullptr, 0, nullptr),
+                      c.statuses[construction])
+                << c.task;
+            for (const int64_t type : {ORV_DF_TYPE_LOOK_UP, ORV_DF_TYPE_LEFT_STEP, ORV_DF_TYPE_RIGHT_STEP}) {
+                task->splineOrder = 0, task->splineType = type;
+                EXPECT_EQ(evaluate(1, nullptr), c.statuses[steps]) << c.task;
+            }
+            orv_df_kernel_DeleteTask(&task);
         }
 }
 
@@ -248,14 +324,15 @@ TYPED_TEST(FitInterpolate, CallbacksTakeTheirSites) {
         x[2] = fit.p.x.front() - 1, x[5] = fit.p.x.back() + 1;
         std::vector<T> plain(count * 4), out(count * 4);
         std::vector<int> runs;
-        ASSERT_EQ(interpolate(fit, x, {1, 1}, plain.data()), 0);
+        const std::vector<int32_t> wanted = {1, 1};
+        ASSERT_EQ(evaluation(fit, x, plain.data(), wanted)(), 0);
+        Evaluation<T> e = evaluation(fit, x, out.data(), wanted);
+        e.param = &runs;
         for (const bool all : {false, true}) {
-            Callbacks c;
-            c.left = marking<T, 1>;
-            c.right = marking<T, 2>;
-            if (all) c.inside = marking<T, 3>;
-            c.param = &runs;
-            ASSERT_EQ(interpolate(fit, x, {1, 1}, out.data(), 0, 1, nullptr, 0, static_cast<const T*>(nullptr), c), 0);
+            e.left = marking<T, 1>;
+            e.right = marking<T, 2>;
+            if (all) e.inside = marking<T, 3>;
+            ASSERT_EQ(e(), 0);
             for (size_t f = 0; f < 2; ++f)
                 for (size_t s = 0; s < count; ++s)
                     for (size_t d = 0; d < 2; ++d) {
@@ -271,15 +348,15 @@ TYPED_TEST(FitInterpolate, CallbacksTakeTheirSites) {
                     }
         }
         // A negative answer ends the call; order 0 with another type lives on the three callbacks alone.
-        Callbacks c;
-        c.left = c.right = c.inside = [](const orv_df_run*, void*) { return int32_t{-5}; };
-        EXPECT_EQ(interpolate(fit, x, {1}, out.data(), 0, 1, nullptr, 0, static_cast<const T*>(nullptr), c), -5);
-        c = {marking<T, 1>, marking<T, 2>, marking<T, 3>, &runs, nullptr};
+        e.derivatives = nullptr, e.derivative_count = 1;
+        e.left = e.right = e.inside = [](const orv_df_run*, void*) { return int32_t{-5}; };
+        EXPECT_EQ(e(), -5);
+        e.left = marking<T, 1>, e.right = marking<T, 2>, e.inside = marking<T, 3>;
         fit.task->splineOrder = 0;
-        EXPECT_EQ(interpolate(fit, x, {1}, out.data(), 0, 1, nullptr, 0, static_cast<const T*>(nullptr), c), 0);
+        EXPECT_EQ(e(), 0);
         EXPECT_EQ(out[2], 1);
-        c.inside = nullptr;
-        EXPECT_EQ(interpolate(fit, x, {1}, out.data(), 0, 1, nullptr, 0, static_cast<const T*>(nullptr), c), -1011);
+        e.inside = nullptr;
+        EXPECT_EQ(e(), -1011);
         fit.task->splineOrder = 4;
     }
 }
@@ -296,11 +373,13 @@ TEST(FitInterpolateEntry, CodesStatusesAndScratch) {
                  {4, 9, 0},  {1, 0, -1011}, {5, 1, 0},     {0, 0, -1011}};
     for (const auto& c : codes) {
         fit.task->splineOrder = c.order, fit.task->splineType = c.type;
-        EXPECT_EQ(interpolate(fit, few, {1}, out), c.status) << c.order << " " << c.type;
-        EXPECT_EQ(interpolate(fit, few, {1}, out, 0x40), c.status == 0 ? -1028 : -1011);
+        Evaluation<double> e = evaluation(fit, few, out);
+        EXPECT_EQ(e(), c.status) << c.order << " " << c.type;
+        e.layout = 0x40;
+        EXPECT_EQ(e(), c.status == 0 ? -1028 : -1011);
     }
     fit.task->splineOrder = 6, fit.task->splineType = 0;
-    EXPECT_EQ(interpolate(fit, {}, {1}, out), 0);
+    EXPECT_EQ(evaluation(fit, {}, out)(), 0);
     // Up to 31 sites need no scratch, unless integers are wide or cells are stored.
     const struct {
         const std::vector<double>& x;
@@ -315,10 +394,9 @@ TEST(FitInterpolateEntry, CodesStatusesAndScratch) {
         cells[0] = -7;
         const int32_t before = orv_serv_live_blocks();
         orv_serv_fail_allocation(1);
-        EXPECT_EQ(DFInterpolate1D(0.0, fit.task, c.type, int64_t{0}, static_cast<int64_t>(c.x.size()), c.x.data(),
-                                  int64_t{0}, int64_t{1}, nullptr, nullptr, out, int64_t{0}, static_cast<void*>(cells),
-                                  nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr),
-                  c.status);
+        Evaluation<double> e = evaluation(fit, c.x, out);
+        e.type = c.type, e.cells = cells;
+        EXPECT_EQ(e(), c.status);
         orv_serv_fail_allocation(0);
         EXPECT_EQ(out[0] == -7, c.status != 0);
         EXPECT_EQ(cells[0], -7);

@@ -54,6 +54,28 @@ Construct<T> construct_of(Spline spline) {
     return nullptr;
 }
 
+// A call of interpolation. What is not named is null or 0; all callbacks share the parameter.
+template <class T>
+struct Evaluation {
+    const DFTask* task;
+    int64_t count;
+    const T* sites;
+    T* results = nullptr;
+    int64_t type = ORV_DF_EVALUATE, hint = 0, derivative_count = 1;
+    const void* derivatives = nullptr;
+    const T* data = nullptr;
+    int64_t layout = 0;
+    void* cells = nullptr;
+    orv_df_run_callback left = nullptr, right = nullptr, inside = nullptr;
+    void* param = nullptr;
+    orv_df_search_callback search = nullptr;
+
+    int32_t operator()() const {
+        return DFInterpolate1D(T{}, task, type, int64_t{0}, count, sites, hint, derivative_count, derivatives, data,
+                               results, layout, cells, left, param, right, param, inside, param, search, param);
+    }
+};
+
 // What a test asks of a spline; data are columns in memory order of `layout`.
 template <class T>
 struct Problem {
@@ -111,11 +133,13 @@ struct Fit {
         std::vector<T> out(sites.size());
         std::vector<int32_t> wanted(static_cast<size_t>(derivative) + 1);
         wanted.back() = 1;
-        EXPECT_EQ(DFInterpolate1D(T{}, task, int64_t{1}, int64_t{0}, static_cast<int64_t>(sites.size()), sites.data(),
-                                  int64_t{0}, derivative + 1, static_cast<const void*>(wanted.data()), nullptr,
-                                  out.data(), int64_t{0}, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                                  nullptr, nullptr),
-                  0);
+        const Evaluation<T> evaluate = {.task = task,
+                                        .count = static_cast<int64_t>(sites.size()),
+                                        .sites = sites.data(),
+                                        .results = out.data(),
+                                        .derivative_count = derivative + 1,
+                                        .derivatives = wanted.data()};
+        EXPECT_EQ(evaluate(), 0);
         return out;
     }
 };

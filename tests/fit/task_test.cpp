@@ -41,41 +41,6 @@ TEST(FitTask, CreationRefusesInOrder) {
     }
 }
 
-TEST(FitTask, LayoutsFillThePointers) {
-    for (const int64_t layout : {0, 0x10, 0x20, 0x80}) {
-        const Task t(0, 2, layout);
-        EXPECT_EQ(t.task->funcs[0], y);
-        if (layout == 0 || layout == 0x10) {
-            EXPECT_EQ(t.task->funcs[1], y + 5);
-        }
-        double* queried = nullptr;
-        EXPECT_EQ(orv_df_kernel_dEditIdxPtr(t.task, 2, 1, y + 3), layout == 0x20 ? -1009 : 0);
-        EXPECT_EQ(orv_df_kernel_dQueryIdxPtr(t.task, 2, 1, &queried), layout == 0x20 ? -1009 : 0);
-        EXPECT_EQ(queried, layout == 0x20 ? nullptr : y + 3);
-    }
-}
-
-TEST(FitTask, CoefficientBlocksByTypeAndHint) {
-    double c[64];
-    for (const int64_t type : {0, 1}) {
-        const Task t;
-        EXPECT_EQ(orv_df_kernel_dEditPPSpline1D(t.task, 3, type, 0, nullptr, 0, nullptr, c, 0), 0);
-        EXPECT_EQ(t.task->coeffs[1], c + (type == 1 ? 15 : 12));
-    }
-    const Task t;
-    EXPECT_EQ(orv_df_kernel_dEditPPSpline1D(t.task, 3, 0, 0, nullptr, 0, nullptr, c, 0x80), 0);
-    EXPECT_EQ(orv_df_kernel_dEditIdxPtr(t.task, 5, 1, c + 40), 0);
-    EXPECT_EQ(orv_df_kernel_dEditIdxPtr(t.task, 5, 2, c), -1020);
-    double* queried = nullptr;
-    EXPECT_EQ(orv_df_kernel_dQueryPtr(t.task, 5, &queried), 0);
-    EXPECT_EQ(queried, c);
-    EXPECT_EQ(orv_df_kernel_dQueryIdxPtr(t.task, 5, 1, &queried), 0);
-    EXPECT_EQ(queried, c + 40);
-    // One past the last passes the range test of the query.
-    EXPECT_EQ(orv_df_kernel_dQueryIdxPtr(t.task, 5, 2, &queried), 0);
-    EXPECT_EQ(orv_df_kernel_dQueryIdxPtr(t.task, 5, 3, &queried), -1020);
-}
-
 TEST(FitTask, SplineEditsKeepWhatStandsBeforeTheRefusal) {
     const Task t;
     EXPECT_EQ(orv_df_kernel_dEditPPSpline1D(nullptr, 4, 2, 2, nullptr, 0, nullptr, nullptr, 0), -1000);
@@ -213,6 +178,128 @@ TEST(FitTask, BucketsBoundTheCells) {
     }
 }
 
+// What a task's pointer arrays must hold after the edits so far.
+template <class T>
+struct Pointers {
+    std::vector<const T*> entries;
+
+    void set_blocks(const T* base, int64_t count, bool first_alone, int64_t length) {
+        entries.assign(1, first_alone || count > 0 ? base : nullptr);
+        for (int64_t i = 1; !first_alone && i < count; ++i) entries.push_back(base + i * length);
+    }
+    void set(int64_t index, const T* entry) {
+        if (entries.size() <= static_cast<size_t>(index)) entries.resize(static_cast<size_t>(index) + 1);
+        entries[static_cast<size_t>(index)] = entry;
+    }
+    const T* at(int64_t index) const {
+        return static_cast<size_t>(index) < entries.size() ? entries[static_cast<size_t>(index)] : nullptr;
+    }
+};
+
+template <class T>
+class FitTaskEdits : public testing::Test {};
+using Elements = testing::Types<double, float>;
+TYPED_TEST_SUITE(FitTaskEdits, Elements);
+
+// Edits in any order, each followed by everything that reads a task, over arrays that hold what the codes can ask for.
+TYPED_TEST(FitTaskEdits, AnyOrderIsSafeAndKeepsThePointers) {
+    using T = TypeParam;
+    std::vector<T> data(8192), coeffs(8192), results(8192), sites = noise<T>(50);
+    for (size_t i = 0; i < data.size(); ++i) data[i] = static_cast<T>(i) / 8 - 1;
+    for (unsigned seed = 0; seed < 400; ++seed) {
+        std::mt19937 random(seed);
+        const auto one_of = [&](auto... choices) {
+            const int64_t all[] = {int64_t{choices}...};
+            return all[random() % sizeof...(choices)];
+        };
+        const auto place = [&](std::vector<T>& array) { return array.data() + random() % 64; };
+        DFTask* task = nullptr;
+        const int64_t layout = one_of(0, 0x10, 0x20, 0x80), functions = one_of(0, 1, 2, 5);
+        ASSERT_EQ(NewTask1D(T{}, &task, one_of(2, 3, 9, 40), data.data(), one_of(0, 1, 2, 4), functions,
+                            functions ? data.data() : nullptr, layout, static_cast<int32_t>(random() % 2)),
+                  0);
+        Pointers<T> funcs, owned;
+        const auto set_funcs = [&](const T* base) {
+            funcs.set_blocks(base, task->funcCount, task->funcHint == 0x20 || task->funcHint == 0x80, task->breakCount);
+        };
+        const auto set_coeffs = [&](const T* base) {
+            const int64_t cells = task->splineType == 1 ? task->breakCount : task->breakCount - 1;
+            owned.set_blocks(base, task->funcCount, task->coeffHint == 0x80, cells * task->splineOrder);
+        };
+        if (functions) set_funcs(data.data());
+        for (int edit = 0; edit < 40; ++edit) {
+            const bool huge = task->funcCount > 100;
+            switch (random() % 5) {
+                case 0: {
+                    const int64_t id = one_of(1, 2, 3, 4, 5, 6);
+                    T* const to = id == 5 ? place(coeffs) : id == 1 ? data.data() : place(data);
+                    const int32_t status = EditPtr(T{}, task, id, to);
+                    const bool one = id == 2 && task->funcHint == 0x20;
+                    ASSERT_EQ(status, id == 6                                ? -1019
+                                      : id == 5 && task->funcCount == 0      ? -1007
+                                      : huge && (id == 2 || id == 5) && !one ? -1001
+                                                                             : 0);
+                    if (id == 2) status == 0 ? set_funcs(to) : funcs.entries.clear();
+                    if (id == 5 && status != -1007) status == 0 ? set_coeffs(to) : owned.entries.clear();
+                    break;
+                }
+                case 1: {
+                    const int64_t id = 14 + random() % 9;
+                    const int64_t values[] = {one_of(2, 3, 5, 9, 40), one_of(0, 1, 2, 4),      one_of(1, 2, 3, 8),
+                                              one_of(0, 16, 32, 128), one_of(0, 2, 3, 4, 6),   one_of(0, 1, 2, 5, 9),
+                                              one_of(0, 8),           one_of(0, 1, 2, 12, 64), one_of(0, 128)};
+                    const bool grows = id == 16 && random() % 4 == 0;
+                    EXPECT_EQ(orv_df_kernel_iEditVal(task, id, grows ? int64_t{1} << 40 : values[id - 14]), 0);
+                    break;
+                }
+                case 2: {
+                    const int64_t id = one_of(2, 5), index = one_of(-1, 0, 1, 2, 4, 7, 8, int64_t{1} << 39);
+                    const T* const to = id == 5 ? place(coeffs) : place(data);
+                    const bool refused = id == 2 && task->funcHint == 0x20;
+                    const int32_t status = EditIdxPtr(T{}, task, id, index, to);
+                    ASSERT_EQ(status, refused                                 ? -1009
+                                      : index < 0 || index >= task->funcCount ? -1020
+                                      : index > 100                           ? -1001
+                                                                              : 0);
+                    if (status == 0) (id == 2 ? funcs : owned).set(index, to);
+                    break;
+                }
+                case 3:
+                    EditPPSpline1D(T{}, task, one_of(2, 3, 4), one_of(0, 1, 2, 6, 7), one_of(1, 2, 64, 128),
+                                   data.data(), int64_t{8}, data.data(), nullptr, task->coeffHint);
+                    break;
+                default: {
+                    if (huge) break;
+                    const auto spline = static_cast<Spline>(random() % 8);
+                    construct_of<T>(spline)(task, nullptr, nullptr, 0, nullptr);
+                    int64_t cells[50];
+                    const int64_t count = one_of(3, 50);
+                    Evaluation<T>{.task = task,
+                                  .count = count,
+                                  .sites = sites.data(),
+                                  .results = results.data(),
+                                  .type = one_of(1, 4, 5),
+                                  .hint = one_of(0, 0x40),
+                                  .cells = cells}();
+                    DFIntegrate1D(T{}, task, int64_t{0}, count, sites.data(), int64_t{0}, data.data(), int64_t{0},
+                                  nullptr, results.data(), int64_t{0}, nullptr);
+                    break;
+                }
+            }
+            for (int64_t i = 0; i <= 9; ++i)
+                for (const int64_t id : {ORV_DF_FUNCTIONS, ORV_DF_COEFFICIENTS}) {
+                    T* found = results.data();
+                    const int32_t status = QueryIdxPtr(T{}, task, id, i, &found);
+                    const bool interleaved = id == ORV_DF_FUNCTIONS && task->funcHint == 0x20;
+                    ASSERT_EQ(status, i > task->funcCount ? -1020 : interleaved ? -1009 : 0);
+                    ASSERT_EQ(found, status != 0 ? results.data() : (id == ORV_DF_FUNCTIONS ? funcs : owned).at(i))
+                        << "seed " << seed << " edit " << edit << " id " << id << " index " << i;
+                }
+        }
+        orv_df_kernel_DeleteTask(&task);
+    }
+}
+
 TEST(FitTask, FailedAllocationsLeaveADeletableTask) {
     const int32_t before = orv_serv_live_blocks();
     for (int32_t nth = 1; nth <= 3; ++nth) {
@@ -231,6 +318,11 @@ TEST(FitTask, FailedAllocationsLeaveADeletableTask) {
         orv_serv_fail_allocation(1);
         EXPECT_EQ(orv_df_kernel_dEditPtr(t.task, ORV_DF_FUNCTIONS, y), -1001);
         EXPECT_EQ(t.task->funcs, nullptr);
+        EXPECT_EQ(orv_df_kernel_dEditPtr(t.task, ORV_DF_FUNCTIONS, y), 0);
+        orv_df_kernel_iEditVal(t.task, ORV_DF_FUNCTION_COUNT, 5);
+        orv_serv_fail_allocation(1);
+        EXPECT_EQ(orv_df_kernel_dEditIdxPtr(t.task, ORV_DF_FUNCTIONS, 4, y), -1001);
+        EXPECT_EQ(t.task->funcs[1], y + 5);
         orv_serv_fail_allocation(1);
         EXPECT_EQ(orv_df_kernel_iEditVal(t.task, 15, 1), -1001);
         EXPECT_EQ(t.task->cellTable, nullptr);

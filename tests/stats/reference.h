@@ -1,4 +1,4 @@
-// A statistics problem with every result array, and its results by definition in 113-bit arithmetic, two passes.
+// A statistics problem with every result array, and its results by definition in extended arithmetic, two passes.
 #pragma once
 
 #include <orv/statistics.h>
@@ -17,33 +17,40 @@ using Quad = __float128;
 
 inline double magnitude(Quad value) { return std::fabs(static_cast<double>(value)); }
 
-constexpr uint64_t all_moments = ORV_SS_MEAN | ORV_SS_RAW_MOMENT2 | ORV_SS_RAW_MOMENT3 | ORV_SS_RAW_MOMENT4 |
-                                 ORV_SS_CENTRAL_MOMENT2 | ORV_SS_CENTRAL_MOMENT3 | ORV_SS_CENTRAL_MOMENT4;
-constexpr uint64_t all_shapes = ORV_SS_KURTOSIS | ORV_SS_SKEWNESS | ORV_SS_VARIATION;
-constexpr uint64_t all_sums = ORV_SS_SUM | ORV_SS_RAW_SUM2 | ORV_SS_RAW_SUM3 | ORV_SS_RAW_SUM4 | ORV_SS_CENTRAL_SUM2 |
-                              ORV_SS_CENTRAL_SUM3 | ORV_SS_CENTRAL_SUM4;
-constexpr uint64_t all_matrices = ORV_SS_COV | ORV_SS_COR | ORV_SS_CP;
-constexpr uint64_t everything = all_moments | all_shapes | all_sums | all_matrices;
+// The estimates, vectors first: id of the field, bit of the request. Central ones are what a large mean costs BasicFast digits.
+struct EstimateRow {
+    int id;
+    uint64_t bit;
+    bool central;
+};
+constexpr EstimateRow estimate_rows[] = {{SSIdMean, ORV_SS_MEAN, false},
+                                         {SSIdRawMoment2, ORV_SS_RAW_MOMENT2, false},
+                                         {SSIdRawMoment3, ORV_SS_RAW_MOMENT3, false},
+                                         {SSIdRawMoment4, ORV_SS_RAW_MOMENT4, false},
+                                         {SSIdCentralMoment2, ORV_SS_CENTRAL_MOMENT2, true},
+                                         {SSIdCentralMoment3, ORV_SS_CENTRAL_MOMENT3, true},
+                                         {SSIdCentralMoment4, ORV_SS_CENTRAL_MOMENT4, true},
+                                         {SSIdKurtosis, ORV_SS_KURTOSIS, true},
+                                         {SSIdSkewness, ORV_SS_SKEWNESS, true},
+                                         {SSIdVariation, ORV_SS_VARIATION, true},
+                                         {SSIdSum, ORV_SS_SUM, false},
+                                         {SSIdRawSum2, ORV_SS_RAW_SUM2, false},
+                                         {SSIdRawSum3, ORV_SS_RAW_SUM3, false},
+                                         {SSIdRawSum4, ORV_SS_RAW_SUM4, false},
+                                         {SSIdCentralSum2, ORV_SS_CENTRAL_SUM2, true},
+                                         {SSIdCentralSum3, ORV_SS_CENTRAL_SUM3, true},
+                                         {SSIdCentralSum4, ORV_SS_CENTRAL_SUM4, true},
+                                         {SSIdCov, ORV_SS_COV, false},
+                                         {SSIdCor, ORV_SS_COR, false},
+                                         {SSIdCP, ORV_SS_CP, false}};
+constexpr int vector_count = 17, estimate_count = 20;
 
-// The ids of the vector results in the order of Reference::vectors.
-constexpr int vector_ids[] = {SSIdMean,
-                              SSIdRawMoment2,
-                              SSIdRawMoment3,
-                              SSIdRawMoment4,
-                              SSIdCentralMoment2,
-                              SSIdCentralMoment3,
-                              SSIdCentralMoment4,
-                              SSIdKurtosis,
-                              SSIdSkewness,
-                              SSIdVariation,
-                              SSIdSum,
-                              SSIdRawSum2,
-                              SSIdRawSum3,
-                              SSIdRawSum4,
-                              SSIdCentralSum2,
-                              SSIdCentralSum3,
-                              SSIdCentralSum4};
-constexpr int vector_count = 17;
+constexpr uint64_t bits_of(int first, int last) {
+    uint64_t bits = 0;
+    for (int row = first; row <= last; ++row) bits |= estimate_rows[row].bit;
+    return bits;
+}
+constexpr uint64_t all_moments = bits_of(0, 6), all_matrices = bits_of(17, 19), everything = bits_of(0, 19);
 
 template <class T>
 struct Entries;
@@ -81,7 +88,7 @@ struct Problem {
     int32_t p, n;
     bool by_rows, wide;
     int matrix_form;
-    std::vector<T> x, w, mean_given;
+    std::vector<T> x, w, mean_given, block;
     std::vector<int64_t> taking_part_wide;
     std::vector<int32_t> taking_part;
 
@@ -132,7 +139,7 @@ struct Problem {
         if (status != 0) return status;
         for (int row = 0; row < vector_count; ++row) {
             vectors[row].assign(p, untouched);
-            Entries<T>::edit(task, vector_ids[row], vectors[row].data());
+            Entries<T>::edit(task, estimate_rows[row].id, vectors[row].data());
         }
         if (!mean_given.empty()) vectors[0] = mean_given, Entries<T>::edit(task, SSIdMean, vectors[0].data());
         const std::pair<std::vector<T>*, int> matrices[] = {{&cov, SSIdCov}, {&cor, SSIdCor}, {&cp, SSIdCP}};
@@ -143,6 +150,18 @@ struct Problem {
         for (const int id : {SSIdCovStorage, SSIdCorStorage, SSIdCPStorage})
             __kuziSSEditTask(task, id, matrix_word.at(wide));
         return Entries<T>::edit(task, SSIdAccumWeight, weights.data());
+    }
+    // Observations [first, last) as one call.
+    int32_t run_block(uint64_t estimates, uint64_t method, int32_t first, int32_t last, int32_t threads = 1) {
+        if (!task) make();
+        n_word = last - first;
+        block.resize(size_t(last - first) * p);
+        for (int32_t i = first; i < last; ++i)
+            for (int32_t j = 0; j < p; ++j)
+                block[by_rows ? size_t(j) * (last - first) + i - first : size_t(i - first) * p + j] = at(i, j);
+        Entries<T>::edit(task, SSIdX, block.data());
+        if (!w.empty()) Entries<T>::edit(task, SSIdW, &w[first]);
+        return run(estimates, method, threads);
     }
     int32_t run(uint64_t estimates, uint64_t method, int32_t threads = 1) {
         if (!task) {
@@ -184,34 +203,35 @@ struct Reference {
     }
     Quad weight(int32_t i) const { return problem.w.empty() ? Quad(1) : Quad(problem.w[i]); }
 
+    // The mean takes all of 113 bits where it is far from the spread; sums of powers, like the products below, are closer in 64
+    // than any bound here, and much quicker.
+    using Wide = long double;
+    static void add_powers(Wide value, Wide w, Wide* sums, Wide* sizes) {
+        Wide term = w;
+        for (int k = 1; k <= 4; ++k) {
+            term *= value;
+            sums[k] += term;
+            sizes[k] += std::fabs(term);
+        }
+    }
+
     void component(int32_t j) {
-        Quad raw[5] = {}, absolute[5] = {};
+        Quad total = 0;
+        Wide raw[5] = {}, absolute[5] = {}, central[5] = {}, spread[5] = {};
         for (int32_t i = 0; i < problem.n; ++i) {
-            Quad term = weight(i);
-            for (int k = 1; k <= 4; ++k) {
-                term *= Quad(problem.at(i, j));
-                raw[k] += term;
-                absolute[k] += term < 0 ? -term : term;
-            }
+            total += weight(i) * Quad(problem.at(i, j));
+            add_powers(problem.at(i, j), static_cast<Wide>(weight(i)), raw, absolute);
         }
-        const Quad m = problem.mean_given.empty() ? raw[1] / w : Quad(problem.mean_given[j]);
+        const Quad m = problem.mean_given.empty() ? total / w : Quad(problem.mean_given[j]);
         centre.push_back(m);
-        Quad central[5] = {}, spread[5] = {};
-        for (int32_t i = 0; i < problem.n; ++i) {
-            const Quad d = Quad(problem.at(i, j)) - m;
-            Quad term = weight(i);
-            for (int k = 1; k <= 4; ++k) {
-                term *= d;
-                central[k] += term;
-                spread[k] += term < 0 ? -term : term;
-            }
-        }
+        for (int32_t i = 0; i < problem.n; ++i)
+            add_powers(static_cast<Wide>(Quad(problem.at(i, j)) - m), static_cast<Wide>(weight(i)), central, spread);
         const double weights = static_cast<double>(w);
         const auto set = [&](int row, Quad value, double scale) { vectors[row].push_back({value, scale}); };
-        const Quad c2 = central[2] * factor, c3 = central[3] / w, c4 = central[4] / w;
+        const Quad c2 = Quad(central[2]) * factor, c3 = Quad(central[3]) / w, c4 = Quad(central[4]) / w;
         const double c2d = static_cast<double>(c2), root = std::sqrt(c2d);
         set(0, m, magnitude(absolute[1]) / weights);
-        for (int k = 2; k <= 4; ++k) set(k - 1, raw[k] / w, magnitude(absolute[k]) / weights);
+        for (int k = 2; k <= 4; ++k) set(k - 1, Quad(raw[k]) / w, magnitude(absolute[k]) / weights);
         set(4, c2, c2d);
         set(5, c3, magnitude(spread[3]) / weights);
         set(6, c4, static_cast<double>(c4));
@@ -223,15 +243,14 @@ struct Reference {
     }
     void cross_products() {
         const int32_t p = problem.p;
-        std::vector<Quad> d(p);
-        cross.assign(size_t(p) * p, 0);
+        std::vector<Wide> d(p), sums(size_t(p) * p);
         for (int32_t i = 0; i < problem.n; ++i) {
-            for (int32_t j = 0; j < p; ++j) d[j] = Quad(problem.at(i, j)) - centre[j];
+            const Wide wi = static_cast<Wide>(weight(i));
+            for (int32_t j = 0; j < p; ++j) d[j] = static_cast<Wide>(Quad(problem.at(i, j)) - centre[j]);
             for (int32_t j = 0; j < p; ++j)
-                for (int32_t k = 0; k <= j; ++k) cross[size_t(j) * p + k] += weight(i) * d[j] * d[k];
+                for (int32_t k = 0; k < p; ++k) sums[size_t(j) * p + k] += wi * d[j] * d[k];
         }
-        for (int32_t j = 0; j < p; ++j)
-            for (int32_t k = 0; k < j; ++k) cross[size_t(k) * p + j] = cross[size_t(j) * p + k];
+        cross.assign(sums.begin(), sums.end());
     }
 };
 

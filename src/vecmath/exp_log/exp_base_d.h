@@ -60,8 +60,8 @@ struct ExpBase : frame::OneInput<double, 4, frame::Tail::masked> {
         const __m128d shifted = shift(x);
         const __m128i words = simd::bits_of(shifted);
         const __m128i exponent = _mm_slli_epi64(_mm_andnot_si128(K.index_mask, words), 52 - K.index_bits);
-        const simd::Offsets2 j = simd::offsets_of(_mm_and_si128(words, K.index_mask));
-        const __m128d row0 = _mm_load_pd(K.rows[j.at0]), row1 = _mm_load_pd(K.rows[j.at1]);
+        const simd::Indices<2> j(_mm_and_si128(words, K.index_mask));
+        const __m128d row0 = _mm_load_pd(K.rows[j.lane[0]]), row1 = _mm_load_pd(K.rows[j.lane[1]]);
         const __m128d high = _mm_unpacklo_pd(row0, row1), low = _mm_unpackhi_pd(row0, row1);
         const __m128d p = polynomial<__m128d>(reduced<__m128d>(x, shifted - K.shifter));
         const __m128d y = (p * high + low) + high;

@@ -61,7 +61,7 @@ struct ExpBaseS : frame::OneInput<float, 8, frame::Tail::masked> {
         }
         const __m128i words = simd::bits_of(shifted);
         __m128 t_high, t_low;
-        simd::gather_pairs(K.rows, simd::offsets_of_4(_mm_and_si128(words, K.index_mask)), t_high, t_low);
+        simd::gather_pairs(K.rows, simd::Indices<4>(_mm_and_si128(words, K.index_mask)), t_high, t_low);
         const __m128 p = r * (K.c1 + r * K.c2) + t_low;
         const __m128i exponent = _mm_slli_epi32(_mm_andnot_si128(K.index_mask, words), 23 - 7);
         return simd::floats(_mm_add_epi32(simd::bits_of(p * t_high + t_high), exponent));

@@ -80,8 +80,8 @@ struct Exp : frame::OneInput<double, 4, frame::Tail::by_element, frame::Rejected
         if constexpr (!K.only_square) r = r - k * K.ln2_low;
 
         const __m128i words = simd::bits_of(shifted);
-        const simd::Offsets2 j = simd::offsets_of(_mm_and_si128(words, K.index_mask));
-        const __m128i row = simd::gather(&K.rows[j.at0], &K.rows[j.at1]);
+        const simd::Indices<2> j(_mm_and_si128(words, K.index_mask));
+        const __m128i row = simd::gather(&K.rows[j.lane[0]], &K.rows[j.lane[1]]);
         const __m128i exponent = _mm_and_si128(_mm_slli_epi64(_mm_add_epi32(words, K.bias), 45), K.exponent_mask);
         const __m128d power = simd::doubles(_mm_or_si128(exponent, row));
         return power * polynomial(r) + power;
@@ -187,8 +187,8 @@ struct ExpHa : frame::OneInput<double, 4, frame::Tail::masked> {
         const __m128i words = simd::bits_of(shifted);
         const __m128i index = _mm_and_si128(words, K.index_mask);
         const __m128i exponent = _mm_slli_epi64(_mm_andnot_si128(K.index_mask, words), 46);
-        const simd::Offsets2 j = simd::offsets_of(index);
-        const __m128d row0 = _mm_load_pd(K.rows[j.at0]), row1 = _mm_load_pd(K.rows[j.at1]);
+        const simd::Indices<2> j(index);
+        const __m128d row0 = _mm_load_pd(K.rows[j.lane[0]]), row1 = _mm_load_pd(K.rows[j.lane[1]]);
         const __m128d high = _mm_unpacklo_pd(row0, row1), low = _mm_unpackhi_pd(row0, row1);
 
         const __m128d r = (x - k * K.ln2_high) - k * K.ln2_low;

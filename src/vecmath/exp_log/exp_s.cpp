@@ -136,7 +136,7 @@ struct ExpHa : frame::OneInput<float, 8, frame::Tail::by_element, frame::Rejecte
         const __m128 minus_k = K.shifter - shifted;
         const __m128 r = (x + minus_k * K.ln2_high) + minus_k * K.ln2_low;
         __m128 t_high, t_low;
-        simd::gather_pairs(K.rows, simd::offsets_of_4(_mm_and_si128(bits_of(shifted), K.index_mask)), t_high, t_low);
+        simd::gather_pairs(K.rows, simd::Indices<4>(_mm_and_si128(bits_of(shifted), K.index_mask)), t_high, t_low);
         const __m128 p = (r + t_low) + K.half * r * r;
         const __m128i exponent = _mm_add_epi32(_mm_srai_epi32(bits_of(shifted), 7), K.bias);
         return (p * t_high + t_high) * floats(_mm_slli_epi32(exponent, 23));

@@ -43,8 +43,8 @@ inline __m128d expm1_words(__m128d argument) {
     const __m128d x = _mm_max_pd(argument, limits.saturated);
     const __m128d k = simd::round<_MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC>(x * limits.scale);
     const __m128i words = simd::bits_of(k + K.shifter);
-    const simd::Offsets2 at = simd::offsets_of(_mm_and_si128(words, K.offset_mask));
-    const __m128i row = simd::gather(simd::behind(K.rows, at.at0), simd::behind(K.rows, at.at1));
+    const simd::Indices<2> at(_mm_and_si128(words, K.offset_mask));
+    const __m128i row = simd::gather(simd::behind(K.rows, at.lane[0]), simd::behind(K.rows, at.lane[1]));
     const __m128d s = simd::doubles(_mm_or_si128(_mm_and_si128(_mm_slli_epi64(words, 42), limits.exponent_mask), row));
     const __m128d r = x - k * K.ln2;
     const __m128d y = s * (r + r * r * (K.c2 + r * K.c3)) + (s - limits.one);

@@ -71,9 +71,9 @@ struct Expm1 : frame::OneInput<double, 4, frame::Tail::masked> {
         const __m128d x = _mm_max_pd(argument, limits.saturated);
         const __m128d k = simd::round<_MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC>(x * limits.scale);
         const __m128i words = bits_of(k + K.shifter);
-        const simd::Offsets2 at = simd::offsets_of(_mm_and_si128(words, K.offset_mask));
-        const __m128d row0 = _mm_load_pd(simd::behind(K.rows[0], at.at0));
-        const __m128d row1 = _mm_load_pd(simd::behind(K.rows[0], at.at1));
+        const simd::Indices<2> at(_mm_and_si128(words, K.offset_mask));
+        const __m128d row0 = _mm_load_pd(simd::behind(K.rows[0], at.lane[0]));
+        const __m128d row1 = _mm_load_pd(simd::behind(K.rows[0], at.lane[1]));
         // The power of two; rows times it are exact.
         const __m128d power = doubles(_mm_and_si128(_mm_slli_epi64(words, 41), limits.exponent_mask));
         const __m128d s = _mm_unpacklo_pd(row0, row1) * power;

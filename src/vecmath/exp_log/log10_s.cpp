@@ -90,8 +90,8 @@ struct Log10Ha : vecmath::LogS<Log10Ha> {
         const __m128i m = _mm_or_si128(_mm_and_si128(bits, K.fraction), K.exponent_0);
         const __m128i to_row = _mm_add_epi32(_mm_and_si128(bits, K.fraction), K.half_row);
         __m128 rcp, log_high, log_low;
-        simd::gather_triples(K.rows[0], simd::offsets_of_4(_mm_and_si128(_mm_srli_epi32(to_row, 11), K.row_offset)),
-                             rcp, log_high, log_low);
+        simd::gather_triples(K.rows[0], simd::Indices<4>(_mm_and_si128(_mm_srli_epi32(to_row, 11), K.row_offset)), rcp,
+                             log_high, log_low);
         const __m128i exponent = _mm_and_si128(_mm_add_epi32(bits, K.to_exponent), K.above_fraction);
         const __m128 k = _mm_cvtepi32_ps(_mm_add_epi32(exponent, k_shift));
 

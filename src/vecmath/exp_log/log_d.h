@@ -88,10 +88,10 @@ inline __m128d log_513(__m128d x, Rest... rest) {
     const __m128i m_bits = _mm_or_si128(_mm_and_si128(bits, K.fraction), K.exponent_0);
     // The leading bits of m rounded to 9 of the fraction select the row, at 32 bytes a row once they are shifted.
     const __m128i leading = _mm_and_si128(_mm_add_epi64(m_bits, K.half_row), K.row_bits);
-    const simd::Offsets2 at = simd::offsets_of(_mm_srli_epi64(leading, 38));
+    const simd::Indices<2> at(_mm_srli_epi64(leading, 38));
     constexpr uint32_t at_1 = bits_of_one >> 38;
-    const double* row0 = simd::behind(K.rows[0], at.at0 - at_1);
-    const double* row1 = simd::behind(K.rows[0], at.at1 - at_1);
+    const double* row0 = simd::behind(K.rows[0], at.lane[0] - at_1);
+    const double* row1 = simd::behind(K.rows[0], at.lane[1] - at_1);
     const __m128d rcp = simd::gather(row0, row1);
     const __m128d logs0 = _mm_load_pd(row0 + 2), logs1 = _mm_load_pd(row1 + 2);
     const __m128d log_high = _mm_unpacklo_pd(logs0, logs1), log_low = _mm_unpackhi_pd(logs0, logs1);
@@ -159,10 +159,10 @@ inline __m128d log_centres(__m128d x, Rest... rest) {
     const __m128i m = _mm_or_si128(_mm_and_si128(bits, K.fraction), K.exponent_0);
     // The next number of the grid, a tie upwards: a carry out of the fraction makes it 2, and its row the last.
     const __m128i centre = _mm_and_si128(_mm_add_epi64(m, K.half_step), K.grid);
-    const simd::Offsets2 at = simd::offsets_of(_mm_srli_epi64(centre, K.shape.shift()));
+    const simd::Indices<2> at(_mm_srli_epi64(centre, K.shape.shift()));
     constexpr uint32_t at_1 = bits_of_one >> K.shape.shift();
-    const double* row0 = simd::behind(K.rows[0], at.at0 - at_1);
-    const double* row1 = simd::behind(K.rows[0], at.at1 - at_1);
+    const double* row0 = simd::behind(K.rows[0], at.lane[0] - at_1);
+    const double* row1 = simd::behind(K.rows[0], at.lane[1] - at_1);
     const __m128d logs0 = _mm_load_pd(row0), logs1 = _mm_load_pd(row1);
     const __m128d log_high = _mm_unpacklo_pd(logs0, logs1), log_low = _mm_unpackhi_pd(logs0, logs1);
 

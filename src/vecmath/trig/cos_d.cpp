@@ -10,11 +10,11 @@
 namespace {
 
 using namespace orv;
-using namespace orv::trig;
+using namespace orv::vecmath;
 
 struct CosHA : SineKernel<1, 4> {
     static constexpr char name[] = "vdCos";
-    static D doubt(D x) { return simd::exceeds(simd::magnitude(x), splat(last_128)); }
+    static D doubt(D x) { return simd::exceeds(simd::magnitude(x), last_128); }
     static D lanes(D x) {
         const D a = simd::magnitude(x);
         const Main128 main(a);
@@ -22,13 +22,19 @@ struct CosHA : SineKernel<1, 4> {
     }
 };
 
+struct CosEPBlock {
+    Splat<double> last{0x1.fffffffffffffp+22};  // the last number below 2^23
+    Splat<double> half{0.5};
+};
+constexpr CosEPBlock cos_ep;
+
 struct CosEP : SineKernelEP<1> {
     static constexpr char name[] = "vdCos";
-    static D doubt(D x) { return simd::exceeds(simd::magnitude(x), splat(0x1.fffffffffffffp+22)); }
+    static D doubt(D x) { return simd::exceeds(simd::magnitude(x), cos_ep.last); }
     static D lanes(D x) {
         const D a = simd::magnitude(x);
-        const D shifted = (a * splat(pi_ep.inverse) + splat(0.5)) + splat(shifter);
-        const D k = (shifted - splat(shifter)) - splat(0.5);
+        const D shifted = (a * pi_ep.inverse + cos_ep.half) + trig.shifter;
+        const D k = (shifted - trig.shifter) - cos_ep.half;
         return simd::bit_xor(sine<sine_26>(less_steps<pi_ep>(a, k)), odd_sign(shifted));
     }
 };

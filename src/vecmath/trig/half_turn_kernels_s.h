@@ -6,28 +6,41 @@
 // "EP": three parts and a short polynomial.
 // From 8192 on the bits of 1/(2 pi) give the fraction of a turn, whose sine is taken in double.
 //
-// Valid for every finite x. Worst errors measured: Sin "LA" 2.48 ulp, of which the polynomial has 0.66, "HA" 0.602 ulp, of which
-// it has 0.1, "EP" 2^-12.5 relative; Cos "LA" 2.4 ulp, "HA" 0.501 ulp, "EP" 2^-12.5 relative.
+// Valid for every finite x. Of the worst errors the polynomial has 0.66 ulp in "LA" and 0.1 ulp in "HA".
 #pragma once
 
 #include "frame/kernel_loops.h"
 #include "vecmath/trig/not_finite.h"
 #include "vecmath/trig/reduction_s.h"
 
-namespace orv::trig {
+namespace orv::vecmath {
+
+struct HalfTurnBlock {
+    Splat<float> inverse{0x1.45f306p-2f};  // 1/pi
+    // pi in parts; "EP" ends with the third, which is longer there, and "HA" has two in double.
+    Splat<float> pi1{0x1.92p+1f}, pi2{0x1.fb4p-11f}, pi3{0x1.444p-23f}, pi4{0x1.68c234p-38f};
+    Splat<float> pi3_ep{0x1.4442d2p-23f};
+    Splat<double> pi_high{0x1.921fb5444p+1}, pi_low{0x1.68c234c4c6629p-38};
+    Splat<float> c3{-0x1.55554cp-3f}, c5{0x1.110eccp-7f}, c7{-0x1.9f6ffep-13f}, c9{0x1.5dbdfp-19f};
+};
+inline constexpr HalfTurnBlock half_turns;
+inline constexpr SinePolynomial sine_ha{
+    1.0, -0x1.55554bc836587p-3, 0x1.110ed3804ca96p-7, -0x1.9f6ffd4f71d25p-13, 0x1.5dbdbfb5666fp-19, 0.0};
 
 template <bool Cosine>
 struct HalfTurnKernel : frame::OneInput<float, 8, frame::Tail::masked> {
-    static S doubt(S x) { return simd::exceeds(simd::magnitude(x), splat(0x1.fffffep+12f)); }
+    static constexpr const HalfTurnBlock& K = half_turns;
+
+    static S doubt(S x) { return simd::exceeds(simd::magnitude(x), trig_s.last_8192); }
 
     // k or k - 1/2, and its parity as a sign.
     static S multiple(S a, S& sign) {
-        S turns = a * splat(0.318309873f);
-        if constexpr (Cosine) turns += splat(0.5f);
-        const S shifted = turns + splat(shifter_s);
-        sign = simd::floats(_mm_slli_epi32(simd::bits_of(shifted), 31));
-        S k = shifted - splat(shifter_s);
-        if constexpr (Cosine) k -= splat(0.5f);
+        S turns = a * K.inverse;
+        if constexpr (Cosine) turns = turns + trig_s.half;
+        const S shifted = turns + trig_s.shifter;
+        sign = simd::floats(simd::shift_left_32<31>(simd::bits_of(shifted)));
+        S k = shifted - trig_s.shifter;
+        if constexpr (Cosine) k = k - trig_s.half;
         return k;
     }
     static S with_signs(S y, S sign, [[maybe_unused]] S x) {
@@ -36,10 +49,11 @@ struct HalfTurnKernel : frame::OneInput<float, 8, frame::Tail::masked> {
     }
 
     static S settle(S x, S y, S& doubt) {
-        const S a = simd::magnitude(x);
-        const __m128i quarter = simd::splat_bits(Cosine ? uint64_t{1} << 62 : 0);
-        const auto sine = [=](S half) { return sine_of_fraction(_mm_add_epi64(fraction_of_turn(half), quarter)); };
-        S result = join(sine(a), sine(_mm_movehl_ps(a, a)));
+        S result = by_halves(simd::magnitude(x), [](S half) {
+            __m128i turn = fraction_of_turn(half);
+            if constexpr (Cosine) turn = simd::add(turn, trig_s.quarter);
+            return sine_of_fraction(turn);
+        });
         if constexpr (!Cosine) result = simd::bit_xor(result, simd::sign_of(x));
         result = simd::select_by_sign(doubt, result, y);
         doubt = simd::not_finite(x);
@@ -50,64 +64,61 @@ struct HalfTurnKernel : frame::OneInput<float, 8, frame::Tail::masked> {
 
 template <bool Cosine>
 struct HalfTurnLA : HalfTurnKernel<Cosine> {
+    static constexpr const HalfTurnBlock& K = half_turns;
+
     static S lanes(S x) {
         S sign;
         const S a = simd::magnitude(x);
         const S k = HalfTurnKernel<Cosine>::multiple(a, sign);
-        const S r = (((a - k * splat(3.140625f)) - k * splat(0.000967502594f)) - k * splat(1.50990672e-07f)) -
-                    k * splat(5.12668814e-12f);
+        const S r = (((a - k * K.pi1) - k * K.pi2) - k * K.pi3) - k * K.pi4;
         const S z = r * r;
-        const S q = splat(-0.166666597f) +
-                    z * (splat(0.00833306275f) + z * (splat(-0.000198096022f) + z * splat(2.60578054e-06f)));
+        const S q = K.c3 + z * (K.c5 + z * (K.c7 + z * K.c9));
         return HalfTurnKernel<Cosine>::with_signs(r + r * (z * q), sign, x);
     }
 };
 
 template <bool Cosine>
 struct HalfTurnHA : HalfTurnKernel<Cosine> {
+    static constexpr const HalfTurnBlock& K = half_turns;
+
     static S lanes(S x) {
         S sign;
         const S a = simd::magnitude(x);
         const S k = HalfTurnKernel<Cosine>::multiple(a, sign);
-        return HalfTurnKernel<Cosine>::with_signs(
-            join(of_doubles(low_half(a), low_half(k)), of_doubles(high_half(a), high_half(k))), sign, x);
+        return HalfTurnKernel<Cosine>::with_signs(simd::narrow(of_doubles(simd::widen_low(a), simd::widen_low(k)),
+                                                               of_doubles(simd::widen_high(a), simd::widen_high(k))),
+                                                  sign, x);
     }
-    static D of_doubles(D a, D k) {
-        const D r = (a - k * splat(3.1415926535846666)) - k * splat(5.1266883031890378e-12);
-        if constexpr (Cosine) return sine<sine_35>(r);
-        const D z = r * r;
-        const D q = splat(-0.16666659550427829) +
-                    z * (splat(0.0083330662460856901) +
-                         z * (splat(-0.00019809601734108966) + z * splat(2.6057750470265846e-06)));
-        return r + r * z * q;
-    }
+    static D of_doubles(D a, D k) { return sine < Cosine ? sine_35 : sine_ha > ((a - k * K.pi_high) - k * K.pi_low); }
 };
 
 template <bool Cosine>
 struct HalfTurnEP : HalfTurnKernel<Cosine> {
+    static constexpr const HalfTurnBlock& K = half_turns;
+
     static S lanes(S x) {
         S sign;
         const S a = simd::magnitude(x);
         const S k = HalfTurnKernel<Cosine>::multiple(a, sign);
-        const S r = ((a - k * splat(3.140625f)) - k * splat(0.000967502594f)) - k * splat(1.50995803e-07f);
+        const S r = ((a - k * K.pi1) - k * K.pi2) - k * K.pi3_ep;
         return HalfTurnKernel<Cosine>::with_signs(sine < Cosine ? short_sine_for_cos : short_sine > (r), sign, x);
     }
 };
 
-}  // namespace orv::trig
+}  // namespace orv::vecmath
 
-#define ORV_HALF_TURN_KERNELS(function, Cosine)           \
-    namespace {                                           \
-    struct function##LA : orv::trig::HalfTurnLA<Cosine> { \
-        static constexpr char name[] = "vs" #function;    \
-    };                                                    \
-    struct function##HA : orv::trig::HalfTurnHA<Cosine> { \
-        static constexpr char name[] = "vs" #function;    \
-    };                                                    \
-    struct function##EP : orv::trig::HalfTurnEP<Cosine> { \
-        static constexpr char name[] = "vs" #function;    \
-    };                                                    \
-    }                                                     \
-    ORV_ONE_INPUT(s##function, la, function##LA)          \
-    ORV_ONE_INPUT(s##function, ha, function##HA)          \
+#define ORV_HALF_TURN_KERNELS(function, Cosine)              \
+    namespace {                                              \
+    struct function##LA : orv::vecmath::HalfTurnLA<Cosine> { \
+        static constexpr char name[] = "vs" #function;       \
+    };                                                       \
+    struct function##HA : orv::vecmath::HalfTurnHA<Cosine> { \
+        static constexpr char name[] = "vs" #function;       \
+    };                                                       \
+    struct function##EP : orv::vecmath::HalfTurnEP<Cosine> { \
+        static constexpr char name[] = "vs" #function;       \
+    };                                                       \
+    }                                                        \
+    ORV_ONE_INPUT(s##function, la, function##LA)             \
+    ORV_ONE_INPUT(s##function, ha, function##HA)             \
     ORV_ONE_INPUT(s##function, ep, function##EP)

@@ -3,7 +3,7 @@
 
 #include "frame/error_report.h"
 
-namespace orv::trig {
+namespace orv::vecmath {
 
 // NaN for an infinity, which is outside the domain; a quiet NaN for a NaN.
 template <class T>
@@ -13,4 +13,4 @@ inline int32_t not_finite(const T* x, T* y) {
     return infinite ? frame::status_domain : frame::status_ok;
 }
 
-}  // namespace orv::trig
+}  // namespace orv::vecmath

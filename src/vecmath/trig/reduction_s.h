@@ -1,17 +1,22 @@
 // Floats through doubles, and the reduction of any finite float by the bits of 1/(2 pi).
 #pragma once
 
-#include "vecmath/trig/half_turns_d.h"
 #include "vecmath/trig/reduction_d.h"
 
-namespace orv::trig {
+namespace orv::vecmath {
 
 using S = __m128;
 
-inline constexpr float shifter_s = 12582912.0f;  // 1.5 * 2^23
+struct TrigConstantsS {
+    Splat<float> zero{0.0f}, half{0.5f}, one{1.0f};
+    Splat<float> shifter{0x1.8p+23f};         // adding it leaves an integer in the low bits
+    Splat<float> last_8192{0x1.fffffep+12f};  // the last number below 8192, the limit of the multiples of pi
+    simd::SplatBits<uint64_t> fraction{0x7FFFFF}, leading_bit{0x800000};
+    simd::SplatBits<uint64_t> eighth{uint64_t{1} << 61}, quarter{uint64_t{1} << 62}, half_turn{uint64_t{1} << 63};
+};
+inline constexpr TrigConstantsS trig_s;
 
-// A short polynomial next to the sine of angles up to a quarter turn, for angles in a unit whose radians are c1 but for the
-// polynomial's error, 2^-12.5 relative.
+// A short polynomial next to the sine of angles up to a quarter turn, 2^-12.5 relative; c1 is close to the unit's radians.
 struct ShortSine {
     Splat<float> c1, c3, c5;
 };
@@ -28,42 +33,39 @@ constexpr ShortSine in_unit(const ShortSine& p, double radians) {
     return {static_cast<float>(p.c1 * u), static_cast<float>(p.c3 * (u * z)), static_cast<float>(p.c5 * (u * z * z))};
 }
 
-// The lanes of a register of floats as two registers of doubles, and back.
-inline D low_half(S x) { return _mm_cvtps_pd(x); }
-inline D high_half(S x) { return _mm_cvtps_pd(_mm_movehl_ps(x, x)); }
-inline S join(D low, D high) { return _mm_movelh_ps(_mm_cvtpd_ps(low), _mm_cvtpd_ps(high)); }
-
 // The fraction of a turn that the low two floats of a come to, a >= 0, as 64 bits after the point. A float is M 2^(e - 150)
 // with M of 24 bits, and row e has the bits of 1/(2 pi) that M meets below the point: three 32-bit words make 96 bits, of
 // whose product with M the highest 64 are kept. No float comes closer to a multiple of a quarter turn than 2^-33 of it.
 inline __m128i fraction_of_turn(S a) {
     const __m128i bits = _mm_cvtepu32_epi64(simd::bits_of(a));
-    const Indices e(simd::shift_right<23>(bits));
-    const __m128i m = _mm_or_si128(_mm_and_si128(bits, simd::splat_bits(0x7FFFFF)), simd::splat_bits(0x800000));
-    const auto row = [](unsigned i) {
-        return _mm_loadu_si128(reinterpret_cast<const __m128i*>(inv_two_pi_96[i & 255]));
-    };
-    const __m128i row0 = row(e.lane0), row1 = row(e.lane1);
-    const __m128i leading = _mm_unpacklo_epi64(row0, row1), third = _mm_unpackhi_epi64(row0, row1);
-    return _mm_add_epi64(_mm_add_epi64(simd::shift_left<32>(_mm_mul_epu32(m, leading)),
-                                       _mm_mul_epu32(m, simd::shift_right<32>(leading))),
-                         simd::shift_right<32>(_mm_mul_epu32(m, third)));
+    const simd::Indices<2> e(simd::shift_right<23>(bits));
+    const __m128i m = simd::bit_or(simd::bit_and(bits, trig_s.fraction), trig_s.leading_bit);
+    const __m128i row0 = simd::load(inv_two_pi_96[e.lane[0] & 255]), row1 = simd::load(inv_two_pi_96[e.lane[1] & 255]);
+    const __m128i leading = simd::low_halves(row0, row1), third = simd::high_halves(row0, row1);
+    return simd::add(simd::add(simd::shift_left<32>(simd::multiply_words(m, leading)),
+                               simd::multiply_words(m, simd::shift_right<32>(leading))),
+                     simd::shift_right<32>(simd::multiply_words(m, third)));
+}
+
+// f of the lower two floats and of the upper two, as floats.
+template <class F>
+inline S by_halves(S x, F f) {
+    return simd::narrow(f(x), f(simd::high_halves(x, x)));
 }
 
 // The sine of a fraction of a turn of 64 bits.
 inline D sine_of_fraction(__m128i turn) {
     // The nearest half turn is counted in the highest bit.
-    const __m128i half =
-        _mm_and_si128(_mm_add_epi64(turn, simd::splat_bits(uint64_t{1} << 62)), simd::bits_of(splat(-0.0)));
-    const D r = signed_to_doubles(_mm_sub_epi64(turn, half)) * splat(6.2831853071795862 * 0x1p-64);
+    const __m128i half = simd::bit_and(simd::add(turn, trig_s.quarter), trig_s.half_turn);
+    const D r = signed_to_doubles(simd::subtract(turn, half)) * large.radians;
     return simd::bit_xor(sine<sine_35>(r), simd::doubles(half));
 }
 
 // Sine and cosine of it.
 inline void sine_cosine_of_fraction(__m128i turn, D& sine, D& cosine) {
-    const __m128i k = simd::shift_right<62>(_mm_add_epi64(turn, simd::splat_bits(uint64_t{1} << 61)));
-    const D r = signed_to_doubles(_mm_sub_epi64(turn, simd::shift_left<62>(k))) * splat(6.2831853071795862 * 0x1p-64);
-    quarter_turns_33(r, simd::doubles(k), sine, cosine);
+    const __m128i k = simd::shift_right<62>(simd::add(turn, trig_s.eighth));
+    const D r = signed_to_doubles(simd::subtract(turn, simd::shift_left<62>(k))) * large.radians;
+    quarter_turns<eighth_33>(r, simd::doubles(k), sine, cosine);
 }
 
-}  // namespace orv::trig
+}  // namespace orv::vecmath

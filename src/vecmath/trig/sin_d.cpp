@@ -12,38 +12,38 @@
 namespace {
 
 using namespace orv;
-using namespace orv::trig;
+using namespace orv::vecmath;
+
+struct SinLABlock {
+    Splat<double> last{0x1.fffffffffffffp+23};  // the last number below 2^24
+    Splat<double> c3{-0x1.55555555554a8p-3}, c5{0x1.111111110a573p-7}, c7{-0x1.a01a019a659ddp-13},
+        c9{0x1.71de3806add1ap-19}, c11{-0x1.ae6355aaa4a53p-26}, c13{0x1.60e6bee01d83ep-33}, c15{-0x1.9f1517e9f65fp-41};
+    // The cosine to three digits. remez(1 - cos(x), [|2,4|], [0; pi/2]);
+    Splat<double> cos2{0.4967}, cos4{0.03705};
+};
+constexpr SinLABlock sin_la;
+constexpr StepParts pi_la{0x1.45f306dc9c883p-2, 0x1.921fb4p+1, 0x1.4442dp-23, 0x1.846988p-47, 0x1.8cc51701b839ap-71};
 
 struct SinLA : SineKernel<0, 8> {
+    static constexpr const SinLABlock& K = sin_la;
     static constexpr char name[] = "vdSin";
-    static D doubt(D x) { return simd::exceeds(simd::magnitude(x), splat(0x1.fffffffffffffp+23)); }
+    static D doubt(D x) { return simd::exceeds(simd::magnitude(x), K.last); }
     static D lanes(D x) {
         const D a = simd::magnitude(x);
-        const D shifted = a * splat(0.31830988618379069) + splat(shifter);
-        const D k = shifted - splat(shifter);
-        const D sign = simd::bit_xor(simd::sign_of(x), odd_sign(shifted));
-        const D r0 = a - k * splat(3.1415925025939941);
-        const D t1 = k * splat(1.5099578831723193e-07);
-        const D r1 = r0 - t1;
-        const D t2 = k * splat(1.078060505991553e-14);
-        const D r = r1 - t2;
-        const D low = (((r0 - r1) - t1) + ((r1 - r) - t2)) - k * splat(6.5640070857470009e-22);
+        const Nearest<pi_la> nearest(a);
+        const D sign = simd::bit_xor(simd::sign_of(x), odd_sign(nearest.shifted));
+        const auto [r, low] = less_steps_exactly<pi_la>(a, nearest.k);
         const D z = r * r;
-        const D q = splat(-0.16666666666666186) +
-                    z * (splat(0.0083333333332855416) +
-                         z * (splat(-0.00019841269825056256) +
-                              z * (splat(2.7557316600552628e-06) +
-                                   z * (splat(-2.5051880273862881e-08) +
-                                        z * (splat(1.6048095404959637e-10) + z * splat(-7.3733445331106646e-13))))));
+        const D q = K.c3 + z * (K.c5 + z * (K.c7 + z * (K.c9 + z * (K.c11 + z * (K.c13 + z * K.c15)))));
         // The low part counts cos r, which three digits of are enough.
-        const D cosine = splat(1.0) - z * (splat(0.4967) - z * splat(0.03705));
+        const D cosine = trig.one - z * (K.cos2 - z * K.cos4);
         return simd::bit_xor(r + (r * (z * q) + low * cosine), sign);
     }
 };
 
 struct SinHA : SineKernel<0, 4> {
     static constexpr char name[] = "vdSin";
-    static D doubt(D x) { return simd::exceeds(simd::magnitude(x), splat(last_128)); }
+    static D doubt(D x) { return simd::exceeds(simd::magnitude(x), last_128); }
     static D lanes(D x) {
         const D a = simd::magnitude(x);
         const Main128 main(a);
@@ -53,7 +53,7 @@ struct SinHA : SineKernel<0, 4> {
 
 struct SinEP : SineKernelEP<0> {
     static constexpr char name[] = "vdSin";
-    static D doubt(D x) { return simd::exceeds(simd::magnitude(x), splat(0x1.fffffffffffffp+23)); }
+    static D doubt(D x) { return simd::exceeds(simd::magnitude(x), sin_la.last); }
     static D lanes(D x) {
         const D a = simd::magnitude(x);
         const Nearest<pi_ep> nearest(a);

@@ -7,14 +7,13 @@
 //
 // Valid for every finite x. Worst errors measured: "LA" and "HA" 0.540 ulp, "EP" 2^-27.9 relative.
 #include "frame/two_output_loops.h"
-#include "vecmath/trig/half_turns_d.h"
 #include "vecmath/trig/not_finite.h"
 #include "vecmath/trig/reduction_d.h"
 
 namespace {
 
 using namespace orv;
-using namespace orv::trig;
+using namespace orv::vecmath;
 
 struct SinCos {
     using Element = double;
@@ -35,7 +34,7 @@ struct SinCos {
 };
 
 struct SinCosHA : SinCos {
-    static D doubt(D x) { return simd::exceeds(simd::magnitude(x), splat(last_128)); }
+    static D doubt(D x) { return simd::exceeds(simd::magnitude(x), last_128); }
     static void lanes(D x, D& y, D& z) {
         const D a = simd::magnitude(x);
         const Main128 main(a);
@@ -44,12 +43,14 @@ struct SinCosHA : SinCos {
     }
 };
 
+constexpr Splat<double> last_ep{0x1.fffffffffffffp+22};  // the last number below 2^23
+
 struct SinCosEP : SinCos {
-    static D doubt(D x) { return simd::exceeds(simd::magnitude(x), splat(0x1.fffffffffffffp+22)); }
+    static D doubt(D x) { return simd::exceeds(simd::magnitude(x), last_ep); }
     static void lanes(D x, D& y, D& z) {
         const D a = simd::magnitude(x);
         const Nearest<half_pi_ep> nearest(a);
-        quarter_turns_26(less_steps<half_pi_ep>(a, nearest.k), nearest.shifted, y, z);
+        quarter_turns<eighth_26>(less_steps<half_pi_ep>(a, nearest.k), nearest.shifted, y, z);
         y = simd::bit_xor(y, simd::sign_of(x));
     }
 };

@@ -13,7 +13,7 @@
 namespace {
 
 using namespace orv;
-using namespace orv::trig;
+using namespace orv::vecmath;
 
 struct SinCos {
     using Element = float;
@@ -25,9 +25,9 @@ struct SinCos {
         const S a = simd::magnitude(x);
         D sine[2], cosine[2];
         sine_cosine_of_fraction(fraction_of_turn(a), sine[0], cosine[0]);
-        sine_cosine_of_fraction(fraction_of_turn(_mm_movehl_ps(a, a)), sine[1], cosine[1]);
-        y = simd::select_by_sign(doubt, simd::bit_xor(join(sine[0], sine[1]), simd::sign_of(x)), y);
-        z = simd::select_by_sign(doubt, join(cosine[0], cosine[1]), z);
+        sine_cosine_of_fraction(fraction_of_turn(simd::high_halves(a, a)), sine[1], cosine[1]);
+        y = simd::select_by_sign(doubt, simd::bit_xor(simd::narrow(sine[0], sine[1]), simd::sign_of(x)), y);
+        z = simd::select_by_sign(doubt, simd::narrow(cosine[0], cosine[1]), z);
         doubt = simd::not_finite(x);
     }
     static int32_t scalar(const float* x, float* y, float* z) {
@@ -37,57 +37,59 @@ struct SinCos {
     }
 };
 
+struct SinCosLABlock {
+    Splat<float> inverse{0x1.45f306p-1f};  // 2/pi
+    // pi/2 in parts, of which the first two have 8 and 11 bits.
+    Splat<float> part1{0x1.92p+0f}, part2{0x1.fb4p-12f}, part3{0x1.444p-24f}, part4{0x1.68c234p-39f};
+    // Of the least greatest relative errors on |r| <= pi/4, ours; Sollya, to the digits of a float:
+    // remez(1 - x/sin(x), [|3,5,7|], [1b-20; pi/4], 1/sin(x));
+    Splat<float> s3{-0x1.555546p-3f}, s5{0x1.11073ap-7f}, s7{-0x1.994388p-13f};
+    // remez(1 - (1 - x^2/2)/cos(x), [|4,6,8|], [1b-20; pi/4], 1/cos(x));
+    Splat<float> c4{0x1.55554ap-5f}, c6{-0x1.6c0c32p-10f}, c8{0x1.99eb4cp-16f};
+};
+constexpr SinCosLABlock sincos_la;
+
 struct SinCosLA : SinCos {
+    static constexpr const SinCosLABlock& K = sincos_la;
+
     static constexpr int block = 8;
-    static S doubt(S x) { return simd::exceeds(simd::magnitude(x), splat(0x1.fffffep+12f)); }
+    static S doubt(S x) { return simd::exceeds(simd::magnitude(x), trig_s.last_8192); }
     static void lanes(S x, S& y, S& z) {
         const S a = simd::magnitude(x);
-        const S shifted = a * splat(0.636619747f) + splat(shifter_s);
-        const S k = shifted - splat(shifter_s);
-        const S r0 = (a - k * splat(1.5703125f)) - k * splat(0.000483751297f);
-        const S t = k * splat(7.54953362e-08f);
+        const S shifted = a * K.inverse + trig_s.shifter;
+        const S k = shifted - trig_s.shifter;
+        const S r0 = (a - k * K.part1) - k * K.part2;
+        const S t = k * K.part3;
         const S r = r0 - t;
-        const S low = ((r0 - r) - t) - k * splat(2.56334407e-12f);
+        const S low = ((r0 - r) - t) - k * K.part4;
         const S w = r * r;
-        const S sine =
-            r +
-            (r * w *
-                 (splat(-0.16666654602440295f) + w * (splat(0.0083321602989539f) + w * splat(-0.0001951521879448f))) +
-             low);
-        const S half = w * splat(0.5f);
-        const S lead = splat(1.0f) - half;
-        const S cosine =
-            lead +
-            (((splat(1.0f) - lead) - half) +
-             (w * w * (splat(0.0416666456705364f) + w * (splat(-0.0013887315633147f) + w * splat(2.44330843567e-05f))) -
-              r * low));
-        const __m128i bits = simd::bits_of(shifted);
-        const __m128i sign = simd::bits_of(splat(-0.0f));
-        const S odd = simd::floats(_mm_slli_epi32(bits, 31));
-        const S sine_sign = simd::floats(_mm_and_si128(_mm_slli_epi32(bits, 30), sign));
-        const S cosine_sign =
-            simd::floats(_mm_and_si128(_mm_slli_epi32(_mm_add_epi32(bits, _mm_set1_epi32(1)), 30), sign));
-        y = simd::bit_xor(_mm_blendv_ps(sine, cosine, odd), simd::bit_xor(sine_sign, simd::sign_of(x)));
-        z = simd::bit_xor(_mm_blendv_ps(cosine, sine, odd), cosine_sign);
+        const S sine = r + (r * w * (K.s3 + w * (K.s5 + w * K.s7)) + low);
+        const S half = w * trig_s.half;
+        const S lead = trig_s.one - half;
+        const S cosine = lead + (((trig_s.one - lead) - half) + (w * w * (K.c4 + w * (K.c6 + w * K.c8)) - r * low));
+        const __m128i bits = simd::bits_of(shifted), next = simd::add_32(bits, simd::splat_32(1));
+        const S odd = simd::floats(simd::shift_left_32<31>(bits));
+        const S sine_sign = simd::sign_of(simd::floats(simd::shift_left_32<30>(bits)));
+        const S cosine_sign = simd::sign_of(simd::floats(simd::shift_left_32<30>(next)));
+        y = simd::bit_xor(simd::select_by_sign(odd, cosine, sine), simd::bit_xor(sine_sign, simd::sign_of(x)));
+        z = simd::bit_xor(simd::select_by_sign(odd, sine, cosine), cosine_sign);
     }
 };
 
 struct SinCosHA : SinCos {
-    static S doubt(S x) { return simd::exceeds(simd::magnitude(x), splat(0x1.fffffep+12f)); }
+    static S doubt(S x) { return simd::exceeds(simd::magnitude(x), trig_s.last_8192); }
     static void lanes(S x, S& y, S& z) {
         const S a = simd::magnitude(x);
         D sine[2], cosine[2];
-        both(low_half(a), sine[0], cosine[0]);
-        both(high_half(a), sine[1], cosine[1]);
-        y = simd::bit_xor(join(sine[0], sine[1]), simd::sign_of(x));
-        z = join(cosine[0], cosine[1]);
+        both(simd::widen_low(a), sine[0], cosine[0]);
+        both(simd::widen_high(a), sine[1], cosine[1]);
+        y = simd::bit_xor(simd::narrow(sine[0], sine[1]), simd::sign_of(x));
+        z = simd::narrow(cosine[0], cosine[1]);
     }
     static void both(D a, D& sine, D& cosine) {
-        constexpr double whole = 6755399441055744.0;  // 1.5 * 2^52
-        const D shifted = a * splat(0.63661977236758138) + splat(whole);
-        const D k = shifted - splat(whole);
-        quarter_turns_33((a - k * splat(1.5707963267923333)) - k * splat(2.5633441515839558e-12), shifted, sine,
-                         cosine);
+        const Nearest<half_pi> nearest(a);
+        quarter_turns<eighth_33>((a - nearest.k * half_pi.high) - nearest.k * half_pi.middle, nearest.shifted, sine,
+                                 cosine);
     }
 };
 

@@ -2,11 +2,10 @@
 #pragma once
 
 #include "frame/kernel_loops.h"
-#include "vecmath/trig/half_turns_d.h"
 #include "vecmath/trig/not_finite.h"
 #include "vecmath/trig/reduction_d.h"
 
-namespace orv::trig {
+namespace orv::vecmath {
 
 // Large arguments in vector form.
 template <unsigned Quarters, int Block>
@@ -24,7 +23,7 @@ template <unsigned Quarters>
 struct SineKernelEP : frame::OneInput<double, 8, frame::Tail::masked> {
     static D settle(D x, D y, D& doubt) {
         Fraction turn = fraction_of_turn(x);
-        turn.high = _mm_add_epi64(turn.high, simd::splat_bits(uint64_t{Quarters} << 62));
+        turn.high = simd::add(turn.high, simd::splat_bits(uint64_t{Quarters} << 62));
         const auto [r, k] = nearest_direction<1>(turn);
         D half_turns = simd::bit_xor(sine<sine_26>(r), odd_sign(simd::doubles(k)));
         if constexpr (Quarters == 0) half_turns = simd::bit_xor(half_turns, simd::sign_of(x));
@@ -35,4 +34,4 @@ struct SineKernelEP : frame::OneInput<double, 8, frame::Tail::masked> {
     static int32_t scalar(const double* x, double* y) { return not_finite(x, y); }
 };
 
-}  // namespace orv::trig
+}  // namespace orv::vecmath

@@ -9,48 +9,62 @@
 // quarter turn on, which is another row.
 #pragma once
 
-#include "simd/lanes.h"
+#include "simd/constants.h"
 #include "vecmath/trig/tables/trig_tables.h"
 
-namespace orv::trig {
+namespace orv::vecmath {
 
 using D = __m128d;
 
 using simd::splat;
+using simd::Splat;
 
 // A value as an unevaluated sum.
 struct Pair {
     D high, low;
 };
 
-// ---- The nearest multiple of a step, the step in three parts --------------------------------------------------------
+struct TrigConstants {
+    Splat<double> zero{0.0}, one{1.0};
+    Splat<double> shifter{0x1.8p+52};  // adding it leaves an integer in the low bits
+    // The upper half of a significand: products of two such numbers are exact.
+    simd::SplatBits<uint64_t> upper_26{0xFFFFFFFFF8000000}, upper_24{0xFFFFFFFFE0000000};
+};
+inline constexpr TrigConstants trig;
 
-inline constexpr double shifter = 6755399441055744.0;  // 1.5 * 2^52: adding it leaves an integer in the low bits
+inline D upper_26(D x) { return simd::bit_and(x, simd::doubles(trig.upper_26)); }
+
+// ---- The nearest multiple of a step, the step in parts --------------------------------------------------------------
 
 // The first two parts have so few bits that their products with every multiple of the main paths are exact.
 struct StepParts {
-    double inverse;  // of the step
-    double high, middle, low;
+    Splat<double> inverse;  // of the step
+    Splat<double> high, middle, low;
+    Splat<double> last{0.0};  // where three parts are not enough
 };
 
 template <const StepParts& P>
 struct Nearest {
     D shifted;  // the multiple in the low bits
     D k;        // the multiple
-    explicit Nearest(D a) : shifted(a * splat(P.inverse) + splat(shifter)), k(shifted - splat(shifter)) {}
+    explicit Nearest(D a) : shifted(a * P.inverse + trig.shifter), k(shifted - trig.shifter) {}
 };
 
 // a less k steps; and the same with what rounding took from it.
 template <const StepParts& P>
 inline D less_steps(D a, D k) {
-    return ((a - k * splat(P.high)) - k * splat(P.middle)) - k * splat(P.low);
+    return ((a - k * P.high) - k * P.middle) - k * P.low;
 }
 template <const StepParts& P>
 inline Pair less_steps_exactly(D a, D k) {
-    const D r0 = a - k * splat(P.high);
-    const D t = k * splat(P.middle);
-    const D r = r0 - t;
-    return {r, ((r0 - r) - t) - k * splat(P.low)};
+    const D r0 = a - k * P.high;
+    const D t1 = k * P.middle;
+    const D r1 = r0 - t1;
+    const D lost = (r0 - r1) - t1;
+    if constexpr (P.last == 0.0) return {r1, lost - k * P.low};
+    const D t2 = k * P.low;
+    const D r2 = r1 - t2;
+    return {r2, (lost + ((r1 - r2) - t2)) - k * P.last};
 }
 
 // A row of four doubles for each of two lanes, by columns.
@@ -66,27 +80,30 @@ struct Columns {
     }
 };
 
-// The low 16 bits of both 64-bit lanes.
-struct Indices {
-    unsigned lane0, lane1;
-    explicit Indices(__m128i bits)
-        : lane0(static_cast<unsigned>(_mm_cvtsi128_si32(bits))),
-          lane1(static_cast<unsigned>(_mm_extract_epi16(bits, 4))) {}
+// Polynomials next to the sine and the cosine over a step of a table; the sine's last term may be absent.
+struct StepPolynomials {
+    Splat<double> s3, s5, s7;
+    Splat<double> c2, c4, c6;
 };
 
 // ---- 128 rows: |r| up to pi/128, Taylor polynomials ------------------------------------------------------------------
+
+inline constexpr StepPolynomials taylor_128{-0x1.5555555555555p-3,  0x1.1111111111111p-7,
+                                            -0x1.a01a01a01a01ap-13, -0x1p-1,
+                                            0x1.5555555555555p-5,   -0x1.6c16c16c16c17p-10};
 
 struct Step128 {
     D r, low, z, sine, cosine;  // sin r / r - 1 and cos r - 1 over the reduced argument
 
     explicit Step128(const Pair& angle) : r(angle.high), low(angle.low), z(r * r) {
-        sine = z * (splat(-1.0 / 6) + z * (splat(1.0 / 120) + z * splat(-1.0 / 5040)));
-        cosine = z * (splat(-0.5) + z * (splat(1.0 / 24) + z * splat(-1.0 / 720)));
+        constexpr const StepPolynomials& P = taylor_128;
+        sine = z * (P.s3 + z * (P.s5 + z * P.s7));
+        cosine = z * (P.c2 + z * (P.c4 + z * P.c6));
     }
 
     // The sine of r + low and the angle of row j of a lane, `quarters` quarter turns on.
-    D sin(const Indices& j, unsigned quarters) const {
-        const Columns row(sin_128[(j.lane0 + 32 * quarters) & 127], sin_128[(j.lane1 + 32 * quarters) & 127]);
+    D sin(simd::Indices<2> j, unsigned quarters) const {
+        const Columns row(sin_128[(j.lane[0] + 32 * quarters) & 127], sin_128[(j.lane[1] + 32 * quarters) & 127]);
         const D rest = row.c[0], s = row.c[1], s_low = row.c[2], lead = row.c[3];
         const D c = lead + rest;
         const D e = (c - s * r) * low + s_low;
@@ -102,7 +119,7 @@ struct Step128 {
     }
 };
 
-// ---- 512 rows: |r| up to pi/512 and a little more --------------------------------------------------------------------
+// ---- 512 rows: |r| up to pi/512, exceeded by less than 2^-28 of it where k comes from a rounded product --------------
 
 // An angle of index * 2 pi/512 + r + low; the index is in the low bits of the 64-bit lanes.
 struct Reduced {
@@ -130,45 +147,55 @@ inline Pair sum_512(unsigned j0, unsigned j1, D r, D p, D q) {
     return {high2, (low1 + low2) + bracket};
 }
 
+inline constexpr StepPolynomials steps_512{-0x1.5555555554448p-3, 0x1.1110fabb3551cp-7,  0.0, -0x1p-1,
+                                           0x1.5555555554ccfp-5,  -0x1.6c16ab163b2d7p-10};
+
 template <Sums Kind = Sums::compensated>
 struct Step512 {
     D r, p, q;
-    Indices j;
+    simd::Indices<2> j;
 
     explicit Step512(const Reduced& x) : r(x.r), j(x.index) {
+        constexpr const StepPolynomials& P = steps_512;
         const D z = r * r;
-        p = (r * z) * (splat(-0.1666666666665455) + z * splat(0.0083333229326095146)) + x.low;
-        q = z * (splat(-0.5) + z * (splat(0.041666666666651524) + z * splat(-0.0013888875887985619))) - r * x.low;
+        p = (r * z) * (P.s3 + z * P.s5) + x.low;
+        q = z * (P.c2 + z * (P.c4 + z * P.c6)) - r * x.low;
     }
 
     D sin(unsigned quarters) const {
-        const Pair y = sum_512<true, Kind>(j.lane0 + 128 * quarters, j.lane1 + 128 * quarters, r, p, q);
+        const Pair y = sum_512<true, Kind>(j.lane[0] + 128 * quarters, j.lane[1] + 128 * quarters, r, p, q);
         return y.high + y.low;
     }
 };
 
-// n/d rounded once but for a trifle: a quotient q of 26 bits has an exact product with the leading 26 bits of d, and what
-// n exceeds that product by, over d, completes it. The low parts may be of any size up to a small part of the high ones.
+// n/d: a quotient q of 26 bits has an exact product with the leading 26 bits of d, and what n exceeds that product by, over
+// d, completes it. That is below 2^-24 of q, and its rounding errors as much below the last rounding's. The low parts may be of any size up to a
+// small part of the high ones.
 inline Pair quotient(Pair n, Pair d) {
-    const D leading_bits = simd::doubles(simd::splat_bits(0xFFFFFFFFF8000000));
-    const D inverse = splat(1.0) / (d.high + d.low);
-    const D q = simd::bit_and(n.high * inverse, leading_bits);
-    const D d_lead = simd::bit_and(d.high, leading_bits);
+    const D inverse = D(trig.one) / (d.high + d.low);
+    const D q = upper_26(n.high * inverse);
+    const D d_lead = upper_26(d.high);
     const D d_rest = (d.high - d_lead) + d.low;
     return {q, ((n.high - q * d_lead) + (n.low - q * d_rest)) * inverse};
 }
+
+struct Tangent512Block {
+    // Of the tangent over a step, from r^3 on.
+    Splat<double> t3{0x1.5555555555559p-2}, t5{0x1.1111110fe825dp-3}, t7{0x1.ba1eec0271523p-5};
+};
+inline constexpr Tangent512Block tangent_512;
 
 // The tangent of an angle: with T = tan(r + low), (s + c T)/(c - s T), and c - s T is s + c T a quarter turn on.
 struct Tangent512 {
     Pair numerator, denominator;
 
     explicit Tangent512(const Reduced& x) {
-        const Indices j(x.index);
+        constexpr const Tangent512Block& P = tangent_512;
+        const simd::Indices<2> j(x.index);
         const D z = x.r * x.r;
-        const D t = (x.r * z) *
-                    (splat(0.33333333333333354) + z * (splat(0.13333333329957756) + z * splat(0.053969822841774005)));
-        numerator = sum_512<false>(j.lane0, j.lane1, x.r, t + x.low, z);
-        denominator = sum_512<false>(j.lane0 + 128, j.lane1 + 128, x.r, t + x.low, z);
+        const D t = (x.r * z) * (P.t3 + z * (P.t5 + z * P.t7));
+        numerator = sum_512<false>(j.lane[0], j.lane[1], x.r, t + x.low, z);
+        denominator = sum_512<false>(j.lane[0] + 128, j.lane[1] + 128, x.r, t + x.low, z);
     }
     D value() const {
         const Pair y = quotient(numerator, denominator);
@@ -176,4 +203,4 @@ struct Tangent512 {
     }
 };
 
-}  // namespace orv::trig
+}  // namespace orv::vecmath

@@ -9,14 +9,13 @@
 // Valid for every finite x; no double is close enough to a pole to overflow. Worst errors measured: "LA" 0.99 ulp, "HA"
 // 0.542 ulp, "EP" 2^-33.2 relative.
 #include "frame/kernel_loops.h"
-#include "vecmath/trig/half_turns_d.h"
 #include "vecmath/trig/not_finite.h"
 #include "vecmath/trig/reduction_d.h"
 
 namespace {
 
 using namespace orv;
-using namespace orv::trig;
+using namespace orv::vecmath;
 
 struct Tan : frame::OneInput<double, 4, frame::Tail::masked> {
     static constexpr char name[] = "vdTan";
@@ -28,21 +27,22 @@ struct Tan : frame::OneInput<double, 4, frame::Tail::masked> {
     static int32_t scalar(const double* x, double* y) { return not_finite(x, y); }
 };
 
-constexpr StepParts half_pi{0.63661977236758138, 1.5707963267923333, 2.5633441515839558e-12, 1.0562999066987428e-23};
-constexpr StepParts pi_over_256{81.487330863050417, 0.012271846302610356, 4.7477347705499734e-13,
-                                1.5798955068718364e-23};
+struct TanBlock {
+    Splat<double> last{0x1.f3fffffffffffp+16};     // the last number below 128000
+    Splat<double> last_ha{0x1.000000e4db24bp+16};  // and below 65536.00349206588, of "HA"
+    // D is next to 1 - 15/32 r^2; its coefficient of r^2 less that of the leading part.
+    Splat<double> lead{0x1.ep-2}, d1_rest{0x1.d37b2e3d0448p-8};
+    Splat<double> slope{0x1.4cccccccccccdp-1};
+};
+constexpr TanBlock K;
+constexpr StepParts pi_over_256{0x1.45f306dc9c883p+6, 0x1.921fb544p-7, 0x1.0b4611a6p-41, 0x1.3198a2e037073p-76};
 
 // N and D without their leading 1, over z.
-inline D numerator_rest(D z) {
-    return (splat(-0.12828347003747023) + z * splat(0.0028059181997214249)) + (z * z) * splat(-7.4836345641659391e-06);
-}
-constexpr double denominator_1 = -0.46161680337080113;
-inline D denominator_rest(D z, double constant_term) {
-    return (splat(constant_term) + z * splat(0.023344852656587221)) + (z * z) * splat(-0.00020844803827304198);
-}
+inline D numerator_rest(D z) { return (tan_52.n1 + z * tan_52.n2) + (z * z) * tan_52.n3; }
+inline D denominator_rest(D z, D constant_term) { return (constant_term + z * tan_52.d2) + (z * z) * tan_52.d3; }
 
 struct TanLA : Tan {
-    static D doubt(D x) { return simd::exceeds(simd::magnitude(x), splat(0x1.f3fffffffffffp+16)); }
+    static D doubt(D x) { return simd::exceeds(simd::magnitude(x), K.last); }
     static D lanes(D x) {
         const D a = simd::magnitude(x);
         const Nearest<half_pi> nearest(a);
@@ -51,14 +51,13 @@ struct TanLA : Tan {
         const D z = r * r;
         const D n = (r * z) * numerator_rest(z);
         // The low part counts D(r) / cos^2 r, which two digits of are enough.
-        Pair num{r + n, ((r - (r + n)) + n) + low * (splat(1.0) + z * splat(0.65))};
-        // D is next to 1 - 15/32 r^2, which is exact for the leading 24 bits of r.
-        constexpr double lead = 0.46875;
-        const D r_lead = simd::bit_and(r, simd::doubles(simd::splat_bits(0xFFFFFFFFE0000000)));
-        const D leading = (r_lead * r_lead) * splat(lead);
+        Pair num{r + n, ((r - (r + n)) + n) + low * (trig.one + z * K.slope)};
+        // 1 - 15/32 r^2 is exact for the leading 24 bits of r.
+        const D r_lead = simd::bit_and(r, simd::doubles(trig.upper_24));
+        const D leading = (r_lead * r_lead) * K.lead;
         const D rest_of_square = (r - r_lead) * (r + r_lead);
-        Pair den{splat(1.0) - leading, z * denominator_rest(z, denominator_1 + lead) - rest_of_square * splat(lead)};
-        den.low += (splat(1.0) - den.high) - leading;
+        Pair den{trig.one - leading, z * denominator_rest(z, K.d1_rest) - rest_of_square * K.lead};
+        den.low += (trig.one - den.high) - leading;
         exchange(odd, num.high, den.high);
         exchange(odd, num.low, den.low);
         const Pair y = quotient(num, den);
@@ -67,24 +66,21 @@ struct TanLA : Tan {
 };
 
 struct TanEP : Tan {
-    static D doubt(D x) { return simd::exceeds(simd::magnitude(x), splat(0x1.f3fffffffffffp+16)); }
+    static D doubt(D x) { return simd::exceeds(simd::magnitude(x), K.last); }
     static D lanes(D x) {
         const D a = simd::magnitude(x);
         const Nearest<half_pi_ep> nearest(a);
         const D odd = odd_sign(nearest.shifted);
         const D r = less_steps<half_pi_ep>(a, nearest.k);
         const D z = r * r;
-        D num = r + (r * z) * numerator_rest(z), den = splat(1.0) + z * denominator_rest(z, denominator_1);
+        D num = r + (r * z) * numerator_rest(z), den = trig.one + z * denominator_rest(z, tan_52.d1);
         exchange(odd, num, den);
         return simd::bit_xor(num / den, simd::bit_xor(simd::sign_of(x), odd));
     }
 };
 
-// The last number below 65536.00349206588.
-constexpr double last_256 = 0x1.000000e4db24bp+16;
-
 struct TanHA : Tan {
-    static D doubt(D x) { return simd::exceeds(simd::magnitude(x), splat(last_256)); }
+    static D doubt(D x) { return simd::exceeds(simd::magnitude(x), K.last_ha); }
     static D lanes(D x) {
         const D a = simd::magnitude(x);
         const Nearest<pi_over_256> nearest(a);

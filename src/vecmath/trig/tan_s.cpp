@@ -12,25 +12,32 @@
 namespace {
 
 using namespace orv;
-using namespace orv::trig;
+using namespace orv::vecmath;
+
+struct TanBlock {
+    Splat<float> inverse{0x1.45f306p-1f};  // 2/pi
+    Splat<float> last{0x1.01fffep+13f};    // the last number below 8256
+};
+constexpr TanBlock K;
 
 template <const TangentQuotient& P>
 struct Tan : frame::OneInput<float, 4, frame::Tail::masked> {
     static constexpr char name[] = "vsTan";
-    static S doubt(S x) { return simd::exceeds(simd::magnitude(x), splat(0x1.01fffep+13f)); }
+    static S doubt(S x) { return simd::exceeds(simd::magnitude(x), K.last); }
 
     static S lanes(S x) {
         const S a = simd::magnitude(x);
-        const S shifted = a * splat(0.636619747f) + splat(shifter_s);
-        const S k = shifted - splat(shifter_s);
-        const __m128i sign = _mm_slli_epi32(simd::bits_of(shifted), 31);
-        const S y = join(tangent(low_half(a), low_half(k), simd::doubles(_mm_unpacklo_epi32(sign, sign))),
-                         tangent(high_half(a), high_half(k), simd::doubles(_mm_unpackhi_epi32(sign, sign))));
+        const S shifted = a * K.inverse + trig_s.shifter;
+        const S k = shifted - trig_s.shifter;
+        const __m128i sign = simd::shift_left_32<31>(simd::bits_of(shifted));
+        const S y = simd::narrow(
+            tangent(simd::widen_low(a), simd::widen_low(k), simd::doubles(simd::interleave_low_32(sign, sign))),
+            tangent(simd::widen_high(a), simd::widen_high(k), simd::doubles(simd::interleave_high_32(sign, sign))));
         return simd::bit_xor(y, simd::bit_xor(simd::floats(sign), simd::sign_of(x)));
     }
     static D tangent(D a, D k, D odd) {
-        const D r = (a - k * splat(1.5707963267923333)) - k * splat(2.5633441515839558e-12);
-        return trig::tangent<P>(r, odd);
+        const D r = (a - k * half_pi.high) - k * half_pi.middle;
+        return vecmath::tangent<P>(r, odd);
     }
 
     static S settle(S x, S y, S& doubt) {
@@ -40,7 +47,7 @@ struct Tan : frame::OneInput<float, 4, frame::Tail::masked> {
             sine_cosine_of_fraction(fraction_of_turn(half), sine, cosine);
             return sine / cosine;
         };
-        const S result = simd::bit_xor(join(tangent_of(a), tangent_of(_mm_movehl_ps(a, a))), simd::sign_of(x));
+        const S result = simd::bit_xor(by_halves(a, tangent_of), simd::sign_of(x));
         const S mask = doubt;
         doubt = simd::not_finite(x);
         return simd::select_by_sign(mask, result, y);

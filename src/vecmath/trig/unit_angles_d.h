@@ -2,7 +2,7 @@
 //
 // |x| = k step + f with step 1/512 of a turn is exact in these units, and so is every reduction here; only then is f taken
 // to radians, in two parts, for the table of 512 rows ("LA" and "HA"). "EP" takes whole half turns (of the tangent: quarter
-// turns) away and uses short polynomials.
+// turns) away and uses short polynomials of the unit itself (of the tangent: their quotient).
 //
 // From Unit::limit on the argument is folded to an equal angle below it first; below 2^-950, where parts of products would
 // underflow, the result is x times radians per unit, formed in a higher range. Both, and the poles of the tangent, are rare
@@ -16,20 +16,18 @@
 #pragma once
 
 #include "frame/kernel_loops.h"
-#include "vecmath/trig/half_turns_d.h"
 #include "vecmath/trig/not_finite.h"
 #include "vecmath/trig/reduction_d.h"
 
 #include <bit>
 #include <limits>
 
-namespace orv::trig {
+namespace orv::vecmath {
 
 struct HalfTurns {
     static constexpr double half_turn = 1.0, inverse = 1.0;
-    static constexpr double radians = 3.1415926535897931;
-    static constexpr double radians_high = 3.1415926516056061,
-                            radians_low = 1.9841871593610808e-09;  // 27 bits and the rest
+    static constexpr double radians = 0x1.921fb54442d18p+1;
+    static constexpr Splat<double> radians_high{0x1.921fb54p+1}, radians_low{0x1.10b4611a62633p-29};  // 27 bits, rest
     static constexpr double limit = 0x1p43;  // below it the multiple of 1/256 has fewer than 52 bits
 
     // An equal angle in [-1, 1].
@@ -37,11 +35,10 @@ struct HalfTurns {
 };
 
 struct Degrees {
-    static constexpr double half_turn = 180.0, inverse = 0.0055555555555555558;
-    static constexpr double radians = 0.017453292519943295;
-    static constexpr double radians_high = 0.01745329238474369,
-                            radians_low = 1.3519960527851425e-10;  // 24 bits and the rest
-    static constexpr double limit = 0x1p46;                        // below it a multiple of 360/512 is exact
+    static constexpr double half_turn = 180.0, inverse = 0x1.6c16c16c16c17p-8;
+    static constexpr double radians = 0x1.1df46a2529d39p-6;
+    static constexpr Splat<double> radians_high{0x1.1df46ap-6}, radians_low{0x1.294e9c8ae0ec6p-33};  // 24 bits, rest
+    static constexpr double limit = 0x1p46;  // below it a multiple of 360/512 is exact
 
     // An equal angle below 2^39. From 2^55 on a is a multiple of 8, and as 2^12 = 1 modulo 45, 8 m 2^12 = 8 m modulo 360: 12
     // may be taken from the exponent as long as that stays so. For the same reason what the rest, below 2^67, has in
@@ -51,7 +48,7 @@ struct Degrees {
         const __m128i above = _mm_subs_epu16(simd::shift_right<52>(bits), simd::splat_bits(1023 + 55));
         const __m128i dozens = _mm_mulhi_epu16(above, simd::splat_bits(5462));  // above/12, above being less than 970
         const D b =
-            simd::doubles(_mm_sub_epi64(bits, simd::shift_left<52>(_mm_mullo_epi16(dozens, simd::splat_bits(12)))));
+            simd::doubles(simd::subtract(bits, simd::shift_left<52>(_mm_mullo_epi16(dozens, simd::splat_bits(12)))));
         const D high = (b + splat(1.5 * 0x1p91)) - splat(1.5 * 0x1p91);
         return high * splat(0x1p-36) + (b - high);
     }
@@ -91,9 +88,9 @@ inline Nearby<V> nearby(V a) {
 // f in radians as a pair, for f of 53 bits.
 template <class Unit>
 inline Pair in_radians(D f) {
-    const D lead = simd::bit_and(f, simd::doubles(simd::splat_bits(0xFFFFFFFFF8000000)));
-    const D product = lead * splat(Unit::radians_high);
-    const D rest = (f - lead) * splat(Unit::radians_high) + f * splat(Unit::radians_low);
+    const D lead = upper_26(f);
+    const D product = lead * Unit::radians_high;
+    const D rest = (f - lead) * Unit::radians_high + f * Unit::radians_low;
     const D r = product + rest;
     return {r, (product - r) + rest};
 }
@@ -139,7 +136,7 @@ inline D tangent_of_unit(D a) {
     const D odd = odd_sign(shifted);
     // The zero at an odd half turn is negative.
     const D half_turns = simd::doubles(simd::shift_left<62>(simd::bits_of(shifted)));
-    const D minus = simd::bit_and(simd::bit_and(simd::equal(multiple, a), splat(-0.0)), half_turns);
+    const D minus = simd::sign_of(simd::bit_and(simd::equal(multiple, a), half_turns));
     return simd::bit_xor(simd::bit_xor(tangent<P>(f, odd), minus), odd);
 }
 
@@ -149,7 +146,7 @@ inline D by_half_turns(D a) {
         return tangent_of_unit<Unit, tan_52_of<Unit>>(a);
     } else {
         const auto [shifted, multiple, f] = nearby<Unit, 1, F == Function::cos>(a);
-        return simd::bit_xor(sine<sine_26_of<Unit>>(f), odd_sign(shifted)) + splat(0.0);
+        return simd::bit_xor(sine<sine_26_of<Unit>>(f), odd_sign(shifted)) + trig.zero;
     }
 }
 
@@ -207,7 +204,7 @@ struct UnitAngle : frame::OneInput<double, 4, frame::Tail::masked> {
         if constexpr (F == Function::tan) {
             const D pole = at_odd_quarter<Unit>(a);
             doubt = simd::bit_or(doubt, pole);
-            a = simd::select_by_sign(pole, splat(0.0), a);
+            a = simd::select_by_sign(pole, trig.zero, a);
         }
         D result = of_magnitude(a);
         if constexpr (F != Function::cos) {
@@ -223,24 +220,24 @@ struct UnitAngle : frame::OneInput<double, 4, frame::Tail::masked> {
     }
 };
 
-}  // namespace orv::trig
+}  // namespace orv::vecmath
 
 // The three kernels of a function of angles in a unit.
-#define ORV_UNIT_ANGLE(function, Unit, which)                                                                     \
-    namespace {                                                                                                   \
-    struct function##LA                                                                                           \
-        : orv::trig::UnitAngle<orv::trig::Unit, orv::trig::Function::which, true, orv::trig::Sums::plain> {       \
-        static constexpr char name[] = "vd" #function;                                                            \
-    };                                                                                                            \
-    struct function##HA                                                                                           \
-        : orv::trig::UnitAngle<orv::trig::Unit, orv::trig::Function::which, true, orv::trig::Sums::compensated> { \
-        static constexpr char name[] = "vd" #function;                                                            \
-    };                                                                                                            \
-    struct function##EP                                                                                           \
-        : orv::trig::UnitAngle<orv::trig::Unit, orv::trig::Function::which, false, orv::trig::Sums::plain> {      \
-        static constexpr char name[] = "vd" #function;                                                            \
-    };                                                                                                            \
-    }                                                                                                             \
-    ORV_ONE_INPUT(d##function, la, function##LA)                                                                  \
-    ORV_ONE_INPUT(d##function, ha, function##HA)                                                                  \
+#define ORV_UNIT_ANGLE(function, Unit, which)                                                               \
+    namespace {                                                                                             \
+    struct function##LA : orv::vecmath::UnitAngle<orv::vecmath::Unit, orv::vecmath::Function::which, true,  \
+                                                  orv::vecmath::Sums::plain> {                              \
+        static constexpr char name[] = "vd" #function;                                                      \
+    };                                                                                                      \
+    struct function##HA : orv::vecmath::UnitAngle<orv::vecmath::Unit, orv::vecmath::Function::which, true,  \
+                                                  orv::vecmath::Sums::compensated> {                        \
+        static constexpr char name[] = "vd" #function;                                                      \
+    };                                                                                                      \
+    struct function##EP : orv::vecmath::UnitAngle<orv::vecmath::Unit, orv::vecmath::Function::which, false, \
+                                                  orv::vecmath::Sums::plain> {                              \
+        static constexpr char name[] = "vd" #function;                                                      \
+    };                                                                                                      \
+    }                                                                                                       \
+    ORV_ONE_INPUT(d##function, la, function##LA)                                                            \
+    ORV_ONE_INPUT(d##function, ha, function##HA)                                                            \
     ORV_ONE_INPUT(d##function, ep, function##EP)

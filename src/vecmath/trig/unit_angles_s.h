@@ -14,12 +14,12 @@
 #include "vecmath/trig/reduction_s.h"
 #include "vecmath/trig/unit_angles_d.h"
 
-namespace orv::trig {
+namespace orv::vecmath {
 
 enum class Method { in_float, in_double, in_double_longer };
 
 // Below 2^17 the sum that rounds to k has room in a float, and k steps are exact.
-inline constexpr float last_in_float = 0x1.fffffep16f;
+inline constexpr Splat<float> last_in_float{0x1.fffffep+16f};
 
 template <class Unit>
 inline constexpr ShortSine short_sine_of = in_unit(short_sine, Unit::radians);
@@ -30,16 +30,16 @@ template <class Unit, Function F, Method How>
 struct UnitAngleS : frame::OneInput<float, 8, frame::Tail::masked> {
     static constexpr bool halfway = F == Function::cos;
 
-    static S doubt(S x) { return simd::exceeds(simd::magnitude(x), splat(last_in_float)); }
+    static S doubt(S x) { return simd::exceeds(simd::magnitude(x), last_in_float); }
     static S lanes(S x) {
         const auto [shifted, multiple, f] = nearby<Unit, 1, halfway>(simd::magnitude(x));
         S y;
         if constexpr (How == Method::in_float)
             y = sine<short_sine_of<Unit>>(f);
         else
-            y = join(in_double(low_half(f)), in_double(high_half(f)));
+            y = simd::narrow(in_double(simd::widen_low(f)), in_double(simd::widen_high(f)));
         // A zero is positive here.
-        y = simd::bit_xor(y, simd::floats(_mm_slli_epi32(simd::bits_of(shifted), 31))) + splat(0.0f);
+        y = simd::bit_xor(y, simd::floats(simd::shift_left_32<31>(simd::bits_of(shifted)))) + trig_s.zero;
         return with_sign_of(x, y);
     }
     static D in_double(D f) {
@@ -58,7 +58,7 @@ struct UnitAngleS : frame::OneInput<float, 8, frame::Tail::masked> {
             const auto [shifted, multiple, f] = nearby<Unit, 1, halfway>(folded<Unit>(half));
             return simd::bit_xor(in_double(f), odd_sign(shifted));
         };
-        const S result = join(of_doubles(low_half(a)), of_doubles(high_half(a))) + splat(0.0f);
+        const S result = simd::narrow(of_doubles(simd::widen_low(a)), of_doubles(simd::widen_high(a))) + trig_s.zero;
         return simd::select_by_sign(mask, with_sign_of(x, result), y);
     }
     static int32_t scalar(const float* x, float* y) { return not_finite(x, y); }
@@ -82,17 +82,18 @@ struct UnitAngleS<Unit, Function::tan, How> : frame::OneInput<float, 4, frame::T
     };
     static S doubt(S x) {
         const Quarters q(x);
-        const S pole = simd::bit_and(q.axis, simd::floats(_mm_slli_epi32(q.k, 31)));
-        return simd::bit_or(simd::exceeds(simd::magnitude(x), splat(last_in_float)), pole);
+        const S pole = simd::bit_and(q.axis, simd::floats(simd::shift_left_32<31>(q.k)));
+        return simd::bit_or(simd::exceeds(simd::magnitude(x), last_in_float), pole);
     }
     static S lanes(S x) {
         const Quarters q(x);
-        const __m128i odd = _mm_slli_epi32(q.k, 31);
-        const S y = join(tangent<tan_33_of<Unit>>(low_half(q.f), simd::doubles(_mm_unpacklo_epi32(odd, odd))),
-                         tangent<tan_33_of<Unit>>(high_half(q.f), simd::doubles(_mm_unpackhi_epi32(odd, odd))));
+        const __m128i odd = simd::shift_left_32<31>(q.k);
+        const S y = simd::narrow(
+            tangent<tan_33_of<Unit>>(simd::widen_low(q.f), simd::doubles(simd::interleave_low_32(odd, odd))),
+            tangent<tan_33_of<Unit>>(simd::widen_high(q.f), simd::doubles(simd::interleave_high_32(odd, odd))));
         // The zero at an odd half turn is negative.
-        const S half_turns = simd::floats(_mm_slli_epi32(q.k, 30));
-        const S minus = simd::bit_and(simd::bit_and(q.axis, splat(-0.0f)), half_turns);
+        const S half_turns = simd::floats(simd::shift_left_32<30>(q.k));
+        const S minus = simd::sign_of(simd::bit_and(q.axis, half_turns));
         return simd::bit_xor(simd::bit_xor(y, minus), simd::bit_xor(simd::floats(odd), simd::sign_of(x)));
     }
 
@@ -100,14 +101,13 @@ struct UnitAngleS<Unit, Function::tan, How> : frame::OneInput<float, 4, frame::T
         const S mask = doubt;
         const S infinite_or_nan = simd::not_finite(x);
         const S a = simd::bit_and_not(infinite_or_nan, simd::magnitude(x));
-        D low = folded<Unit>(low_half(a)), high = folded<Unit>(high_half(a));
+        D low = folded<Unit>(simd::widen_low(a)), high = folded<Unit>(simd::widen_high(a));
         const D low_pole = at_odd_quarter<Unit>(low), high_pole = at_odd_quarter<Unit>(high);
-        low = simd::select_by_sign(low_pole, splat(0.0), low);
-        high = simd::select_by_sign(high_pole, splat(0.0), high);
+        low = simd::select_by_sign(low_pole, trig.zero, low);
+        high = simd::select_by_sign(high_pole, trig.zero, high);
         const S result =
-            join(tangent_of_unit<Unit, tan_33_of<Unit>>(low), tangent_of_unit<Unit, tan_33_of<Unit>>(high));
-        const S pole = _mm_shuffle_ps(simd::floats(simd::bits_of(low_pole)), simd::floats(simd::bits_of(high_pole)),
-                                      _MM_SHUFFLE(3, 1, 3, 1));
+            simd::narrow(tangent_of_unit<Unit, tan_33_of<Unit>>(low), tangent_of_unit<Unit, tan_33_of<Unit>>(high));
+        const S pole = simd::floats(simd::odd_words(simd::bits_of(low_pole), simd::bits_of(high_pole)));
         doubt = simd::bit_or(infinite_or_nan, pole);
         return simd::select_by_sign(mask, simd::bit_xor(result, simd::sign_of(x)), y);
     }
@@ -118,24 +118,24 @@ struct UnitAngleS<Unit, Function::tan, How> : frame::OneInput<float, 4, frame::T
     }
 };
 
-}  // namespace orv::trig
+}  // namespace orv::vecmath
 
 // The three kernels of a function of angles in a unit.
-#define ORV_UNIT_ANGLE_S(function, Unit, which)                                                                     \
-    namespace {                                                                                                     \
-    struct function##LA                                                                                             \
-        : orv::trig::UnitAngleS<orv::trig::Unit, orv::trig::Function::which, orv::trig::Method::in_double> {        \
-        static constexpr char name[] = "vs" #function;                                                              \
-    };                                                                                                              \
-    struct function##HA                                                                                             \
-        : orv::trig::UnitAngleS<orv::trig::Unit, orv::trig::Function::which, orv::trig::Method::in_double_longer> { \
-        static constexpr char name[] = "vs" #function;                                                              \
-    };                                                                                                              \
-    struct function##EP                                                                                             \
-        : orv::trig::UnitAngleS<orv::trig::Unit, orv::trig::Function::which, orv::trig::Method::in_float> {         \
-        static constexpr char name[] = "vs" #function;                                                              \
-    };                                                                                                              \
-    }                                                                                                               \
-    ORV_ONE_INPUT(s##function, la, function##LA)                                                                    \
-    ORV_ONE_INPUT(s##function, ha, function##HA)                                                                    \
+#define ORV_UNIT_ANGLE_S(function, Unit, which)                                                       \
+    namespace {                                                                                       \
+    struct function##LA : orv::vecmath::UnitAngleS<orv::vecmath::Unit, orv::vecmath::Function::which, \
+                                                   orv::vecmath::Method::in_double> {                 \
+        static constexpr char name[] = "vs" #function;                                                \
+    };                                                                                                \
+    struct function##HA : orv::vecmath::UnitAngleS<orv::vecmath::Unit, orv::vecmath::Function::which, \
+                                                   orv::vecmath::Method::in_double_longer> {          \
+        static constexpr char name[] = "vs" #function;                                                \
+    };                                                                                                \
+    struct function##EP : orv::vecmath::UnitAngleS<orv::vecmath::Unit, orv::vecmath::Function::which, \
+                                                   orv::vecmath::Method::in_float> {                  \
+        static constexpr char name[] = "vs" #function;                                                \
+    };                                                                                                \
+    }                                                                                                 \
+    ORV_ONE_INPUT(s##function, la, function##LA)                                                      \
+    ORV_ONE_INPUT(s##function, ha, function##HA)                                                      \
     ORV_ONE_INPUT(s##function, ep, function##EP)

@@ -3,7 +3,7 @@
 
 #include <stdint.h>
 
-namespace orv::trig {
+namespace orv::vecmath {
 
 // One row for each value of the exponent field: the bits of 1/(2 pi) that matter for numbers of that exponent.
 inline constexpr uint64_t inv_two_pi_192[2047][3] = {
@@ -25,4 +25,4 @@ alignas(32) inline constexpr double sin_128[128][4] = {
 #include "vecmath/tables/sin_128.inc"
 };
 
-}  // namespace orv::trig
+}  // namespace orv::vecmath
