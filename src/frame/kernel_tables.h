@@ -34,6 +34,16 @@
 #define ORV_SLOTS_LA_EP(kernel) kernel##_la, kernel##_ha, kernel##_la
 #define ORV_SLOTS_EACH(kernel) kernel##_la, kernel##_ha, kernel##_ep
 
+// What follows a row's name in the names of its "LA" and "EP" entries, by type.
+#define ORV_LA_SUFFIX_s _21
+#define ORV_LA_SUFFIX_c _21
+#define ORV_LA_SUFFIX_d _50
+#define ORV_LA_SUFFIX_z _50
+#define ORV_EP_SUFFIX_s _11
+#define ORV_EP_SUFFIX_c _11
+#define ORV_EP_SUFFIX_d _26
+#define ORV_EP_SUFFIX_z _26
+
 // clang-format off
 #define ORV_MATH_ROWS(ROW) \
     ROW(HERE,  s, Ceil,       ONE,        ALL,   COST(1.06, 1.06, 1.06))          \

@@ -73,34 +73,4 @@ TEST(SpecialValues, AreAsTheTableHasThem) {
     }
 }
 
-// Near the last argument with a finite exponential the error of a kernel decides which results are infinite; each of these
-// is reported.
-TEST(SpecialValues, InfiniteExponentialsAreReported) {
-    const SilentErrors silent;
-    const auto check_near = [](const Kernel& kernel, auto last) {
-        auto x = last;
-        for (int i = 0; i < 64; ++i) x = std::nextafter(x, decltype(x)(0));
-        for (int i = 0; i < 128; ++i, x = std::nextafter(x, decltype(x)(INF))) {
-            auto y = x;
-            _arqClearErrStatus();
-            evaluate(kernel, &x, &y, 1);
-            EXPECT_EQ(_arqGetErrStatus(), std::isinf(y) ? ORV_STATUS_OVERFLOW : 0)
-                << testing::PrintToString(kernel) << " of " << std::hexfloat << x;
-        }
-    };
-    const struct {
-        const char* name;
-        float single;
-        double twice;
-    } last_finite[] = {{"Exp", 0x1.62e42ep+6f, 0x1.62e42fefa39efp+9},
-                       {"Expm1", 0x1.62e42ep+6f, 0x1.62e42fefa39efp+9},
-                       {"Exp2", 0x1.fffffep+6f, 0x1.fffffffffffffp+9},
-                       {"Exp10", 0x1.344134p+5f, 0x1.34413509f79fep+8}};
-    for (const Kernel& kernel : kernels())
-        for (const auto& last : last_finite) {
-            if (std::strcmp(kernel.name, last.name)) continue;
-            kernel.single() ? check_near(kernel, last.single) : check_near(kernel, last.twice);
-        }
-}
-
 }  // namespace

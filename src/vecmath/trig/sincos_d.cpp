@@ -6,7 +6,7 @@
 // for odd k; from 2^23 on as the other accuracies.
 //
 // Valid for every finite x. Worst errors measured: "LA" and "HA" 0.540 ulp, "EP" 2^-27.9 relative.
-#include "frame/two_output_loops.h"
+#include "frame/kernel_loops.h"
 #include "vecmath/trig/not_finite.h"
 #include "vecmath/trig/reduction_d.h"
 
@@ -15,11 +15,7 @@ namespace {
 using namespace orv;
 using namespace orv::vecmath;
 
-struct SinCos {
-    using Element = double;
-    using Frame = frame::GeneralFrame;
-    static constexpr int block = 4;
-    static constexpr char name[] = "vdSinCos";
+struct SinCos : frame::Elementwise<double, 4, frame::Tail::masked, frame::Rejected::settled> {
     static void settle(D x, D& y, D& z, D& doubt) {
         const Step512<> step(reduce_large(x));
         y = simd::select_by_sign(doubt, step.sin(0), y);

@@ -6,7 +6,7 @@
 // From 8192 on the bits of 1/(2 pi) give the fraction of a turn, and both are taken in double.
 //
 // Valid for every finite x. Worst errors measured: "LA" and "EP" 0.92 ulp, "HA" 0.502 ulp.
-#include "frame/two_output_loops.h"
+#include "frame/kernel_loops.h"
 #include "vecmath/trig/not_finite.h"
 #include "vecmath/trig/reduction_s.h"
 
@@ -15,12 +15,7 @@ namespace {
 using namespace orv;
 using namespace orv::vecmath;
 
-struct SinCos {
-    using Element = float;
-    using Frame = frame::GeneralFrame;
-    static constexpr int block = 4;
-    static constexpr char name[] = "vsSinCos";
-
+struct SinCos : frame::Elementwise<float, 4, frame::Tail::masked, frame::Rejected::settled> {
     static void settle(S x, S& y, S& z, S& doubt) {
         const S a = simd::magnitude(x);
         D sine[2], cosine[2];

@@ -178,7 +178,7 @@ inline D outside(D a) {
 }
 
 template <class Unit, Function F, bool ByTable, Sums Kind>
-struct UnitAngle : frame::OneInput<double, 4, frame::Tail::masked> {
+struct UnitAngle : frame::OneInput<double, 4, frame::Tail::masked, frame::Rejected::settled> {
     static D of_magnitude(D a) {
         if constexpr (ByTable)
             return by_table<Unit, F, Kind>(a);
@@ -226,17 +226,11 @@ struct UnitAngle : frame::OneInput<double, 4, frame::Tail::masked> {
 #define ORV_UNIT_ANGLE(function, Unit, which)                                                               \
     namespace {                                                                                             \
     struct function##LA : orv::vecmath::UnitAngle<orv::vecmath::Unit, orv::vecmath::Function::which, true,  \
-                                                  orv::vecmath::Sums::plain> {                              \
-        static constexpr char name[] = "vd" #function;                                                      \
-    };                                                                                                      \
+                                                  orv::vecmath::Sums::plain> {};                            \
     struct function##HA : orv::vecmath::UnitAngle<orv::vecmath::Unit, orv::vecmath::Function::which, true,  \
-                                                  orv::vecmath::Sums::compensated> {                        \
-        static constexpr char name[] = "vd" #function;                                                      \
-    };                                                                                                      \
+                                                  orv::vecmath::Sums::compensated> {};                      \
     struct function##EP : orv::vecmath::UnitAngle<orv::vecmath::Unit, orv::vecmath::Function::which, false, \
-                                                  orv::vecmath::Sums::plain> {                              \
-        static constexpr char name[] = "vd" #function;                                                      \
-    };                                                                                                      \
+                                                  orv::vecmath::Sums::plain> {};                            \
     }                                                                                                       \
     ORV_ONE_INPUT(d##function, la, function##LA)                                                            \
     ORV_ONE_INPUT(d##function, ha, function##HA)                                                            \
