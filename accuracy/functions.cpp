@@ -6,6 +6,7 @@ const std::vector<Family>& families() {
     static const std::vector<Family> all = {
         {"Rounding and arithmetic", basic_functions()},
         {"Exponentials and logarithms", exp_log_functions()},
+        {"Powers", power_functions()},
         {"Sines, cosines, tangents", trig_functions()},
     };
     return all;
