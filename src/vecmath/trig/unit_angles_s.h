@@ -1,8 +1,8 @@
 // Sine, cosine and tangent of angles in half turns and in degrees, for floats.
 //
-// |x| = k step + f with step a half turn (of the tangent: a quarter turn) is exact in float, for the cosine with k - 1/2 in
-// double, and the rest is the sine of
-// +-f or the tangent of f, or its -1/tangent for odd k, in polynomials and quotients of polynomials of the unit itself.
+// |x| = k step + f with step a half turn (of the tangent: a quarter turn) is exact in float; of the cosine, whose k is halfway
+// between integers, in double. The rest is the sine of +-f or the tangent of f, or its -1/tangent for odd k, by polynomials
+// and quotients of polynomials of the unit itself.
 //
 // "LA" and "HA": those in double, where a polynomial of "HA" has one term more; large arguments are folded in double.
 // "EP": in float with a short polynomial; the tangent as "LA".
