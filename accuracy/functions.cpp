@@ -2,22 +2,10 @@
 
 namespace orv::accuracy {
 
-const std::vector<Function>& functions() {
-    static const std::vector<Function> all = [] {
-        std::vector<Function> list;
-        for (const auto family : {
-                 basic_functions,
-                 roots_functions,
-                 exp_log_functions,
-                 power_functions,
-                 trig_functions,
-             })
-            for (Function& function : family()) list.push_back(std::move(function));
-        return list;
-    }();
 const std::vector<Family>& families() {
     static const std::vector<Family> all = {
         {"Rounding and arithmetic", basic_functions()},
+        {"Roots, quotients, remainders", roots_functions()},
         {"Exponentials and logarithms", exp_log_functions()},
         {"Powers", power_functions()},
         {"Sines, cosines, tangents", trig_functions()},
