@@ -124,7 +124,7 @@
     ROW(LATER, d, Acosh,      ONE,        LA_EP, MEASURED(dAcosh))                \
     ROW(LATER, d, Asin,       ONE,        EACH,  MEASURED(dAsin))                 \
     ROW(LATER, d, Asinh,      ONE,        LA_EP, MEASURED(dAsinh))                \
-    ROW(LATER, d, Atan,       ONE,        LA_HA, MEASURED(dAtan))                 \
+    ROW(HERE,  d, Atan,       ONE,        LA_HA, MEASURED(dAtan))                 \
     ROW(LATER, d, Atanh,      ONE,        EACH,  MEASURED(dAtanh))                \
     ROW(LATER, d, Cosh,       ONE,        EACH,  MEASURED(dCosh))                 \
     ROW(LATER, d, Sinh,       ONE,        LA_EP, MEASURED(dSinh))                 \
@@ -148,7 +148,7 @@
     ROW(HERE,  d, Tanpi,      ONE,        EACH,  MEASURED(dTanpi))                \
     ROW(LATER, d, Acospi,     ONE,        EACH,  MEASURED(dAcospi))               \
     ROW(LATER, d, Asinpi,     ONE,        EACH,  MEASURED(dAsinpi))               \
-    ROW(LATER, d, Atanpi,     ONE,        EACH,  MEASURED(dAtanpi))               \
+    ROW(HERE,  d, Atanpi,     ONE,        EACH,  MEASURED(dAtanpi))               \
     ROW(HERE,  d, Exp2,       ONE,        ALL,   MEASURED(dExp2))                 \
     ROW(HERE,  d, Exp10,      ONE,        ALL,   MEASURED(dExp10))                \
     ROW(HERE,  d, Log2,       ONE,        EACH,  MEASURED(dLog2))                 \

@@ -67,4 +67,7 @@
 #define ORV_COST_sPowx 25, 25, 13
 #define ORV_COST_dPowx 36, 36, 26
 
+#define ORV_COST_dAtan 20, 20, 16
+#define ORV_COST_dAtanpi 24, 24, 16
+
 #endif
