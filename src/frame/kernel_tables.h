@@ -216,12 +216,12 @@
     ROW(LATER, s, Fmod,       TWO,        ALL,   MEASURED(sFmod))                 \
     ROW(LATER, d, Div,        TWO,        ALL,   MEASURED(dDiv))                  \
     ROW(HERE,  d, Pow,        TWO,        LA_HA, COST(53.66, 53.66, 29.628))      \
-    ROW(LATER, d, Atan2,      TWO,        EACH,  MEASURED(dAtan2))                \
+    ROW(HERE,  d, Atan2,      TWO,        EACH,  MEASURED(dAtan2))                \
     ROW(LATER, d, Hypot,      TWO,        EACH,  MEASURED(dHypot))                \
     ROW(HERE,  d, Add,        TWO,        ALL,   MEASURED(dAdd))                  \
     ROW(HERE,  d, Sub,        TWO,        ALL,   MEASURED(dSub))                  \
     ROW(HERE,  d, Mul,        TWO,        ALL,   MEASURED(dMul))                  \
-    ROW(LATER, d, Atan2pi,    TWO,        EACH,  MEASURED(dAtan2pi))              \
+    ROW(HERE,  d, Atan2pi,    TWO,        EACH,  MEASURED(dAtan2pi))              \
     ROW(LATER, d, CopySign,   TWO,        ALL,   MEASURED(dCopySign))             \
     ROW(LATER, d, NextAfter,  TWO,        ALL,   MEASURED(dNextAfter))            \
     ROW(LATER, d, Fdim,       TWO,        ALL,   MEASURED(dFdim))                 \

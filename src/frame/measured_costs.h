@@ -69,5 +69,7 @@
 
 #define ORV_COST_dAtan 20, 20, 16
 #define ORV_COST_dAtanpi 24, 24, 16
+#define ORV_COST_dAtan2 36, 36, 20
+#define ORV_COST_dAtan2pi 40, 40, 20
 
 #endif

@@ -45,5 +45,7 @@
     CARD(Pow3o2, "the cube of the square root of a", "A negative a is a NaN, reported as domain; -0 gives +0. Beyond 2^682.67 (s: 2^85.33) infinity, reported as overflow; below 2^-681.33 (s: 2^-84) a subnormal or zero, reported as underflow.", "", "The root corrected by its residue") \
     CARD(Atan, "the arc tangent of a, in radians", "Infinities give pi/2 with their sign, zeros come back.", "", "P. T. P. Tang, Table-lookup algorithms for elementary functions, ARITH 10 (1991)") \
     CARD(Atanpi, "the arc tangent of a in multiples of pi", "Infinities give 1/2 with their sign, zeros come back; subnormal results are rounded once and not reported.", "", "IEC 60559 atanPi") \
+    CARD(Atan2, "the angle of the point (b, a), in radians, from -pi to pi", "Zeros and infinities as C99 has them; a quotient below the normal range is rounded once and not reported.", "", "P. T. P. Tang, Table-lookup algorithms for elementary functions, ARITH 10 (1991)") \
+    CARD(Atan2pi, "the angle of the point (b, a) in multiples of pi, from -1 to 1", "Zeros and infinities as C99 has them for the angle in radians, exact fractions here; subnormal results are rounded once and not reported.", "", "IEC 60559 atan2Pi") \
     CARD(Conj, "the complex conjugate of a", "The sign bit of the imaginary part is turned whatever it is the sign of; no flag is raised.", "", "C99 7.3.9.4")
 // clang-format on

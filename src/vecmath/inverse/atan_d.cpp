@@ -45,12 +45,16 @@ struct Atan : frame::OneInput<double, 4, frame::Tail::masked> {
         const vecmath::AtanRow row = vecmath::atan_row<K>(x);
         const __m128d t = (x - row.c) / (K.one + row.c * x);
         const __m128d rest = vecmath::atan_rest<K, Short>(t);
-        __m128d y;
-        if constexpr (Short)
-            y = row.high + (K.in_pi ? (t + rest) * K.inv_pi : t + rest);
-        else
-            y = vecmath::atan_sum<K>(row.high, row.low, t, rest);
-        return simd::bit_or(y, sign);
+        __m128d tail;
+        if constexpr (Short) {
+            tail = K.in_pi ? t * K.inv_pi + rest : t + rest;
+        } else if constexpr (K.in_pi) {
+            const vecmath::OverPi p = vecmath::over_pi<K>(t);
+            tail = p.high + ((p.low + row.low) + rest);
+        } else {
+            tail = t + (row.low + rest);
+        }
+        return simd::bit_or(row.high + tail, sign);
     }
 
     static int32_t scalar(const double* at, double* y) {

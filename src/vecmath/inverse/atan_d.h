@@ -19,11 +19,12 @@ inline constexpr uint32_t atan_last_row = 353;
 struct AtanBlock {
     bool in_pi;
     alignas(16) double rows[atan_last_row + 1][4];  // c, atan c high and low
+    double unit = in_pi ? 0x1.45f306dc9c883p-2 : 1.0;  // of radians
     // fpminimax((atan(sqrt(x))/sqrt(x)-1)/x, 3, [|D...|], [2^-40;2^-10]): 2^-60 of atan t
-    simd::Splat<double> c0{-0x1.555555555554ap-2}, c1{0x1.99999998e0dcep-3}, c2{-0x1.24923aa7a2fddp-3},
-        c3{0x1.c662a35938792p-4};
+    simd::Splat<double> c0{-0x1.555555555554ap-2 * unit}, c1{0x1.99999998e0dcep-3 * unit},
+        c2{-0x1.24923aa7a2fddp-3 * unit}, c3{0x1.c662a35938792p-4 * unit};
     // The same of degree 1: 2^-35
-    simd::Splat<double> short_c0{-0x1.5555543102636p-2}, short_c1{0x1.995081debfb2ep-3};
+    simd::Splat<double> short_c0{-0x1.5555543102636p-2 * unit}, short_c1{0x1.995081debfb2ep-3 * unit};
     simd::Splat<double> one{1.0}, inv_pi{0x1.45f306dc9c883p-2}, inv_pi_high{0x1.45f306p-2},
         inv_pi_low{0x1.b9391054a7f0ap-27};
     simd::SplatBits<uint64_t> magnitude{0x7FFFFFFFFFFFFFFF}, sign{0x8000000000000000}, upper{0xFFFFFFFFF8000000};
@@ -51,7 +52,7 @@ inline AtanRow atan_row(__m128d x) {
     return {_mm_unpacklo_pd(first0, first1), _mm_unpackhi_pd(first0, first1), simd::gather(row0 + 2, row1 + 2)};
 }
 
-// atan t - t for |t| < 2^-5; of t whose square would underflow nothing.
+// (atan t - t) in the block's unit for |t| < 2^-5; of t whose square would underflow nothing.
 template <const AtanBlock& K, bool Short>
 inline __m128d atan_rest(__m128d t) {
     const __m128i large = _mm_cmpgt_epi32(_mm_and_si128(simd::bits_of(t), K.magnitude), K.squares_from);
@@ -63,18 +64,14 @@ inline __m128d atan_rest(__m128d t) {
         return (w * z) * ((K.c0 + z * K.c1) + (z * z) * (K.c2 + z * K.c3));
 }
 
-// high + low + (t + rest) in the block's unit, high being 0 or the larger.
+// t times 1/pi: an exact leading part and the rest.
+struct OverPi {
+    __m128d high, low;
+};
 template <const AtanBlock& K>
-inline __m128d atan_sum(__m128d high, __m128d low, __m128d t, __m128d rest) {
-    if constexpr (K.in_pi) {
-        const __m128d t_high = simd::bit_and(t, simd::doubles(K.upper));
-        const __m128d leading = t_high * K.inv_pi_high;
-        const __m128d minor = (t - t_high) * K.inv_pi_high + t * K.inv_pi_low;
-        const __m128d sum = high + leading, lost = (high - sum) + leading;
-        return sum + (lost + ((minor + low) + rest * K.inv_pi));
-    } else {
-        return high + (t + (low + rest));
-    }
+inline OverPi over_pi(__m128d t) {
+    const __m128d t_high = simd::bit_and(t, simd::doubles(K.upper));
+    return {t_high * K.inv_pi_high, (t - t_high) * K.inv_pi_high + t * K.inv_pi_low};
 }
 
 }  // namespace orv::vecmath
