@@ -120,9 +120,9 @@
     ROW(HERE,  d, Cos,        ONE,        LA_HA, MEASURED(dCos))                  \
     ROW(HERE,  d, Sin,        ONE,        EACH,  COST(20.147, 21.88, 14.681))     \
     ROW(HERE,  d, Tan,        ONE,        EACH,  COST(23.031, 60.573, 20.467))    \
-    ROW(LATER, d, Acos,       ONE,        EACH,  MEASURED(dAcos))                 \
+    ROW(HERE,  d, Acos,       ONE,        EACH,  MEASURED(dAcos))                 \
     ROW(LATER, d, Acosh,      ONE,        LA_EP, MEASURED(dAcosh))                \
-    ROW(LATER, d, Asin,       ONE,        EACH,  MEASURED(dAsin))                 \
+    ROW(HERE,  d, Asin,       ONE,        EACH,  MEASURED(dAsin))                 \
     ROW(LATER, d, Asinh,      ONE,        LA_EP, MEASURED(dAsinh))                \
     ROW(HERE,  d, Atan,       ONE,        LA_HA, MEASURED(dAtan))                 \
     ROW(LATER, d, Atanh,      ONE,        EACH,  MEASURED(dAtanh))                \
@@ -146,8 +146,8 @@
     ROW(HERE,  d, Sinpi,      ONE,        EACH,  MEASURED(dSinpi))                \
     ROW(HERE,  d, Cospi,      ONE,        EACH,  MEASURED(dCospi))                \
     ROW(HERE,  d, Tanpi,      ONE,        EACH,  MEASURED(dTanpi))                \
-    ROW(LATER, d, Acospi,     ONE,        EACH,  MEASURED(dAcospi))               \
-    ROW(LATER, d, Asinpi,     ONE,        EACH,  MEASURED(dAsinpi))               \
+    ROW(HERE,  d, Acospi,     ONE,        EACH,  MEASURED(dAcospi))               \
+    ROW(HERE,  d, Asinpi,     ONE,        EACH,  MEASURED(dAsinpi))               \
     ROW(HERE,  d, Atanpi,     ONE,        EACH,  MEASURED(dAtanpi))               \
     ROW(HERE,  d, Exp2,       ONE,        ALL,   MEASURED(dExp2))                 \
     ROW(HERE,  d, Exp10,      ONE,        ALL,   MEASURED(dExp10))                \

@@ -71,5 +71,9 @@
 #define ORV_COST_dAtanpi 24, 24, 16
 #define ORV_COST_dAtan2 36, 36, 20
 #define ORV_COST_dAtan2pi 40, 40, 20
+#define ORV_COST_dAsin 20, 26, 16
+#define ORV_COST_dAcos 20, 26, 16
+#define ORV_COST_dAsinpi 24, 30, 16
+#define ORV_COST_dAcospi 24, 30, 16
 
 #endif

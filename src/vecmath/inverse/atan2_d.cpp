@@ -22,15 +22,17 @@ namespace {
 using namespace orv;
 using vecmath::AtanBlock;
 
-constexpr AtanBlock radians{.in_pi = false, .rows = {
+constexpr AtanBlock radians{.in_pi = false,
+                            .rows = {
 #include "vecmath/tables/atan_rows.inc"
-                                            }};
-constexpr AtanBlock half_turns{.in_pi = true, .rows = {
+                            }};
+constexpr AtanBlock half_turns{.in_pi = true,
+                               .rows = {
 #include "vecmath/tables/atanpi_rows.inc"
-                                              }};
+                               }};
 
 struct TurnBlock {
-    simd::Splat<double> half_high, half_low;     // half a turn
+    simd::Splat<double> half_high, half_low;  // half a turn
     simd::SplatBits<uint32_t> first{(1023 - 150) << 20}, last{((1023 + 150) << 20) - 1};
 };
 constexpr TurnBlock turn_radians{0x1.921fb54442d18p+1, 0x1.1a62633145c07p-53}, turn_half_turns{1.0, 0.0};
@@ -77,7 +79,8 @@ struct Atan2 : frame::Elementwise<double, 4, frame::Tail::masked> {
 
     // high + tail, or half a turn less that where the sign `minus` is set.
     static __m128d from_half_turn(__m128d high, __m128d tail, __m128d minus) {
-        const __m128d behind = simd::doubles(_mm_shuffle_epi32(_mm_srai_epi32(simd::bits_of(minus), 31), _MM_SHUFFLE(3, 3, 1, 1)));
+        const __m128d behind =
+            simd::doubles(_mm_shuffle_epi32(_mm_srai_epi32(simd::bits_of(minus), 31), _MM_SHUFFLE(3, 3, 1, 1)));
         const __m128d half = simd::bit_and(behind, Turn.half_high);
         high = simd::bit_xor(high, minus);
         tail = simd::bit_xor(tail, minus);

@@ -10,12 +10,14 @@ namespace {
 using namespace orv;
 using vecmath::AtanBlock;
 
-constexpr AtanBlock radians{.in_pi = false, .rows = {
+constexpr AtanBlock radians{.in_pi = false,
+                            .rows = {
 #include "vecmath/tables/atan_rows.inc"
-                                            }};
-constexpr AtanBlock half_turns{.in_pi = true, .rows = {
+                            }};
+constexpr AtanBlock half_turns{.in_pi = true,
+                               .rows = {
 #include "vecmath/tables/atanpi_rows.inc"
-                                              }};
+                               }};
 
 // x / pi for x next to the subnormals, rounded once.
 double tiny_over_pi(double x) {

@@ -18,7 +18,7 @@ inline constexpr uint32_t atan_last_row = 353;
 
 struct AtanBlock {
     bool in_pi;
-    alignas(16) double rows[atan_last_row + 1][4];  // c, atan c high and low
+    alignas(16) double rows[atan_last_row + 1][4];     // c, atan c high and low
     double unit = in_pi ? 0x1.45f306dc9c883p-2 : 1.0;  // of radians
     // fpminimax((atan(sqrt(x))/sqrt(x)-1)/x, 3, [|D...|], [2^-40;2^-10]): 2^-60 of atan t
     simd::Splat<double> c0{-0x1.555555555554ap-2 * unit}, c1{0x1.99999998e0dcep-3 * unit},
