@@ -8,6 +8,8 @@ const std::vector<Function>& functions() {
         for (const auto family : {
                  basic_functions,
                  exp_log_functions,
+                 inverse_functions,
+                 hyperbolic_functions,
                  power_functions,
                  trig_functions,
              })

@@ -22,9 +22,9 @@ struct AsinBlock {
         c7{0x1.7b08debc9643ap-7}, c8{0x1.3b16d064ceae8p-7}, c9{0x1.327ac353762e9p-7}, c10{0x1.7ed58e452e65ap-9},
         c11{0x1.453e913b2e5a3p-6}, c12{-0x1.42074f4c14ab5p-6}, c13{0x1.e955ca996855bp-6};
     simd::Splat<double> c0_high{0x1.55p-3}, c0_low{0x1.5555555555535p-13};
-    // The same of degree 4: 2^-26.0, and 3 below 0.38
-    simd::Splat<double> short_c0{0x1.55555e042bd6ap-3}, short_c1{0x1.332636f30b87fp-4}, short_c2{0x1.70ce3bfed4f1cp-5},
-        short_c3{0x1.b1158e9a1c0efp-6}, short_c4{0x1.39fc48eae92a8p-5};
+    // The same of degree 5: 2^-30
+    simd::Splat<double> short_c0{0x1.555554d58f2d3p-3}, short_c1{0x1.3334481d0d2b1p-4}, short_c2{0x1.6d55e6da3b11cp-5},
+        short_c3{0x1.fe10baea6da2ep-6}, short_c4{0x1.169f76660cdc4p-6}, short_c5{0x1.15e1a44edc62cp-5};
     simd::Splat<double> half{0.5}, one{1.0};
     simd::Splat<double> inv_pi{0x1.45f306dc9c883p-2}, inv_pi_high{0x1.45f306p-2}, inv_pi_low{0x1.b9391054a7f0ap-27};
     simd::SplatBits<uint64_t> magnitude{0x7FFFFFFFFFFFFFFF}, upper{0xFFFFFFFFF8000000}, leading_20{0xFFFFFFFE00000000};
@@ -42,7 +42,9 @@ enum class AsinForm { exact, plain, rough };  // "HA", "LA", "EP"
 template <AsinForm Form>
 inline __m128d asin_polynomial(const AsinBlock& K, __m128d z) {
     if constexpr (Form == AsinForm::rough) {
-        return K.short_c0 + z * ((K.short_c1 + z * K.short_c2) + (z * z) * (K.short_c3 + z * K.short_c4));
+        const __m128d z2 = z * z;
+        return (K.short_c0 + z * K.short_c1) +
+               z2 * ((K.short_c2 + z * K.short_c3) + z2 * (K.short_c4 + z * K.short_c5));
     } else {
         const __m128d z2 = z * z, z4 = z2 * z2;
         const __m128d p2 = (K.c1 + z * K.c2) + z2 * (K.c3 + z * K.c4);
@@ -82,6 +84,68 @@ inline AsinParts asin_parts(const AsinBlock& K, __m128d x) {
     }
     const __m128d twice_high = simd::bit_and(folded, w), twice_low = simd::bit_and(folded, low);
     return {w + twice_high, low + twice_low, folded};
+}
+
+inline constexpr AsinBlock asin_block;
+
+// ---- In radians or multiples of pi -----------------------------------------------------------------------------------
+
+struct AngleUnit {
+    bool pi;
+    simd::Splat<double> quarter_high, quarter_low;  // a quarter turn
+};
+inline constexpr AngleUnit radians{false, 0x1.921fb54442d18p+0, 0x1.1a62633145c07p-54}, half_turns{true, 0.5, 0.0};
+
+// From radians to the unit, in parts.
+template <const AngleUnit& U, AsinForm Form>
+inline void scale_angle(__m128d& high, __m128d& low) {
+    if constexpr (!U.pi) return;
+    if constexpr (Form == AsinForm::rough) {
+        high = high * asin_block.inv_pi;
+        low = low * asin_block.inv_pi;
+    } else {
+        const __m128d leading = simd::bit_and(high, simd::doubles(asin_block.upper));
+        low = (low * asin_block.inv_pi + high * asin_block.inv_pi_low) + (high - leading) * asin_block.inv_pi_high;
+        high = leading * asin_block.inv_pi_high;
+    }
+}
+
+// base + high + low, base being 0 or the larger.
+template <AsinForm Form>
+inline __m128d joined_angle(__m128d base_high, __m128d base_low, __m128d high, __m128d low) {
+    const __m128d sum = base_high + high;
+    if constexpr (Form == AsinForm::rough) return sum + low;
+    return sum + (((base_high - sum) + high) + (low + base_low));
+}
+
+template <const AngleUnit& U, AsinForm Form>
+inline __m128d asin_lanes(__m128d x) {
+    const AsinParts parts = asin_parts<Form>(asin_block, simd::magnitude(x));
+    __m128d high = parts.high, low = parts.low;
+    scale_angle<U, Form>(high, low);
+    const __m128d minus = simd::sign_of(parts.folded);
+    const __m128d y =
+        joined_angle<Form>(simd::bit_and(parts.folded, U.quarter_high), simd::bit_and(parts.folded, U.quarter_low),
+                           simd::bit_xor(high, minus), simd::bit_xor(low, minus));
+    return simd::bit_xor(y, simd::sign_of(x));
+}
+
+template <const AngleUnit& U, AsinForm Form>
+inline __m128d acos_lanes(__m128d x) {
+    const __m128d sign = simd::sign_of(x);
+    const AsinParts parts = asin_parts<Form>(asin_block, simd::magnitude(x));
+    __m128d high = parts.high, low = parts.low;
+    scale_angle<U, Form>(high, low);
+    // pi/2 - asin x up to 1/2; above r itself, or pi less r for a negative x.
+    const __m128d minus = simd::bit_xor(sign, simd::bit_and_not(parts.folded, simd::splat(-0.0)));
+    const __m128d negative =
+        simd::doubles(_mm_shuffle_epi32(_mm_srai_epi32(simd::bits_of(sign), 31), _MM_SHUFFLE(3, 3, 1, 1)));
+    const __m128d once = simd::bit_or(simd::bit_and_not(parts.folded, simd::doubles(_mm_set1_epi32(-1))), negative);
+    const __m128d twice = simd::bit_and(parts.folded, negative);
+    const __m128d base_high = simd::bit_and(once, U.quarter_high), base_low = simd::bit_and(once, U.quarter_low);
+    return joined_angle<Form>(base_high + simd::bit_and(twice, U.quarter_high),
+                              base_low + simd::bit_and(twice, U.quarter_low), simd::bit_xor(high, minus),
+                              simd::bit_xor(low, minus));
 }
 
 }  // namespace orv::vecmath

@@ -8,20 +8,13 @@
 namespace {
 
 using namespace orv;
+using vecmath::atan_half_turns;
+using vecmath::atan_radians;
 using vecmath::AtanBlock;
-
-constexpr AtanBlock radians{.in_pi = false,
-                            .rows = {
-#include "vecmath/tables/atan_rows.inc"
-                            }};
-constexpr AtanBlock half_turns{.in_pi = true,
-                               .rows = {
-#include "vecmath/tables/atanpi_rows.inc"
-                               }};
 
 // x / pi for x next to the subnormals, rounded once.
 double tiny_over_pi(double x) {
-    constexpr const AtanBlock& K = half_turns;
+    constexpr const AtanBlock& K = atan_half_turns;
     int exponent;
     const double m = 4 * std::frexp(x, &exponent);
     const double high = std::bit_cast<double>(std::bit_cast<uint64_t>(m) & K.upper.lanes[0]);
@@ -41,23 +34,7 @@ struct Atan : frame::OneInput<double, 4, frame::Tail::masked> {
         return doubt;
     }
 
-    static __m128d lanes(__m128d x) {
-        const __m128d sign = simd::sign_of(x);
-        x = simd::magnitude(x);
-        const vecmath::AtanRow row = vecmath::atan_row<K>(x);
-        const __m128d t = (x - row.c) / (K.one + row.c * x);
-        const __m128d rest = vecmath::atan_rest<K, Short>(t);
-        __m128d tail;
-        if constexpr (Short) {
-            tail = K.in_pi ? t * K.inv_pi + rest : t + rest;
-        } else if constexpr (K.in_pi) {
-            const vecmath::OverPi p = vecmath::over_pi<K>(t);
-            tail = p.high + ((p.low + row.low) + rest);
-        } else {
-            tail = t + (row.low + rest);
-        }
-        return simd::bit_or(row.high + tail, sign);
-    }
+    static __m128d lanes(__m128d x) { return vecmath::atan_lanes<K, Short>(x); }
 
     static int32_t scalar(const double* at, double* y) {
         const double x = *at;
@@ -72,10 +49,10 @@ struct Atan : frame::OneInput<double, 4, frame::Tail::masked> {
     }
 };
 
-using AtanHa = Atan<radians, false>;
-using AtanEp = Atan<radians, true>;
-using AtanpiHa = Atan<half_turns, false>;
-using AtanpiEp = Atan<half_turns, true>;
+using AtanHa = Atan<atan_radians, false>;
+using AtanEp = Atan<atan_radians, true>;
+using AtanpiHa = Atan<atan_half_turns, false>;
+using AtanpiEp = Atan<atan_half_turns, true>;
 
 }  // namespace
 

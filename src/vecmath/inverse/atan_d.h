@@ -74,4 +74,32 @@ inline OverPi over_pi(__m128d t) {
     return {t_high * K.inv_pi_high, (t - t_high) * K.inv_pi_high + t * K.inv_pi_low};
 }
 
+inline constexpr AtanBlock atan_radians{.in_pi = false,
+                                        .rows = {
+#include "vecmath/tables/atan_rows.inc"
+                                        }};
+inline constexpr AtanBlock atan_half_turns{.in_pi = true,
+                                           .rows = {
+#include "vecmath/tables/atanpi_rows.inc"
+                                           }};
+
+template <const AtanBlock& K, bool Short>
+inline __m128d atan_lanes(__m128d x) {
+    const __m128d sign = simd::sign_of(x);
+    x = simd::magnitude(x);
+    const AtanRow row = atan_row<K>(x);
+    const __m128d t = (x - row.c) / (K.one + row.c * x);
+    const __m128d rest = atan_rest<K, Short>(t);
+    __m128d tail;
+    if constexpr (Short) {
+        tail = K.in_pi ? t * K.inv_pi + rest : t + rest;
+    } else if constexpr (K.in_pi) {
+        const OverPi p = over_pi<K>(t);
+        tail = p.high + ((p.low + row.low) + rest);
+    } else {
+        tail = t + (row.low + rest);
+    }
+    return simd::bit_or(row.high + tail, sign);
+}
+
 }  // namespace orv::vecmath
