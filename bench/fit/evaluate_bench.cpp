@@ -2,7 +2,7 @@
 #include "fit/data.h"
 #include "support/cycles.h"
 
-#if ORV_BENCH_GSL
+#ifdef ORV_BENCH_GSL
 #include <gsl/gsl_spline.h>
 #endif
 
@@ -59,7 +59,7 @@ BENCHMARK_CAPTURE(integrate, sorted, false, true);
 BENCHMARK_CAPTURE(integrate, uniform_random, true, false);
 BENCHMARK_CAPTURE(integrate, random, false, false);
 
-#if ORV_BENCH_GSL
+#ifdef ORV_BENCH_GSL
 void evaluate_gsl(benchmark::State& state, bool uniform, bool sorted) {
     const Series data = series(break_count, uniform);
     const std::vector<double> x = sites(data, site_count, sorted);
