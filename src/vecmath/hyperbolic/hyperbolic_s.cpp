@@ -36,7 +36,7 @@ inline __m128d odd(__m128d x, __m128d c0, __m128d c1, __m128d c2, __m128d c3) {
 inline __m128d asinh_lanes(__m128d v) {
     const __m128d x = simd::magnitude(v), small = simd::less(x, K.eighth);
     const __m128d y = vecmath::ln_ep<logarithm>(x + _mm_sqrt_pd(x * x + K.one));
-    return simd::bit_or(simd::select(small, odd(x, K.s0, K.s1, K.s2, K.s3), y), simd::sign_of(v));
+    return simd::bit_or(simd::select(small, odd(simd::bit_and(small, x), K.s0, K.s1, K.s2, K.s3), y), simd::sign_of(v));
 }
 inline __m128d acosh_lanes(__m128d x) { return vecmath::ln_ep<logarithm>(x + _mm_sqrt_pd(x * x - K.one)); }
 inline __m128d atanh_lanes(__m128d v) {

@@ -120,7 +120,7 @@ struct Asinh : frame::OneInput<double, 4, frame::Tail::masked> {
         const Pair p = square(w);
         const Pair total = sum(_mm_max_pd(p.high, K.one), _mm_min_pd(p.high, K.one));
         const __m128d y = ln_with_root(w, {total.high, total.low + p.low});
-        return simd::bit_or(simd::select(small, small_asinh(x), y), sign);
+        return simd::bit_or(simd::select(small, small_asinh(simd::bit_and(small, x)), y), sign);
     }
     static int32_t scalar(const double* at, double* y) {
         const double x = *at;

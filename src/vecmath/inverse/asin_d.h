@@ -25,7 +25,7 @@ struct AsinBlock {
     // The same of degree 5: 2^-30
     simd::Splat<double> short_c0{0x1.555554d58f2d3p-3}, short_c1{0x1.3334481d0d2b1p-4}, short_c2{0x1.6d55e6da3b11cp-5},
         short_c3{0x1.fe10baea6da2ep-6}, short_c4{0x1.169f76660cdc4p-6}, short_c5{0x1.15e1a44edc62cp-5};
-    simd::Splat<double> half{0.5}, one{1.0};
+    simd::Splat<double> half{0.5}, one{1.0}, least_root{0x1p-30};
     simd::Splat<double> inv_pi{0x1.45f306dc9c883p-2}, inv_pi_high{0x1.45f306p-2}, inv_pi_low{0x1.b9391054a7f0ap-27};
     simd::SplatBits<uint64_t> magnitude{0x7FFFFFFFFFFFFFFF}, upper{0xFFFFFFFFF8000000}, leading_20{0xFFFFFFFE00000000};
     // High words: all below 1, the least whose square is formed, the least whose products are exact.
@@ -72,7 +72,8 @@ inline AsinParts asin_parts(const AsinBlock& K, __m128d x) {
     } else {
         const __m128d w_high = simd::bit_and(w, simd::doubles(K.upper)), w_low = w - w_high;
         const __m128d left = ((z_folded - w_high * w_high) - (w_high + w_high) * w_low) - w_low * w_low;
-        const __m128 rough_root = _mm_cvtpd_ps(w);
+        // Not 0 in the lanes that do not use it.
+        const __m128 narrow = _mm_cvtpd_ps(_mm_max_pd(w, K.least_root)), rough_root = _mm_movelh_ps(narrow, narrow);
         const __m128d root_low = left * _mm_cvtps_pd(_mm_div_ps(_mm_set1_ps(0.5f), rough_root));
 
         const __m128d w_20 = simd::bit_and(w, simd::doubles(K.leading_20));

@@ -25,7 +25,7 @@ struct AtanBlock {
         c2{-0x1.24923aa7a2fddp-3 * unit}, c3{0x1.c662a35938792p-4 * unit};
     // The same of degree 1: 2^-35
     simd::Splat<double> short_c0{-0x1.5555543102636p-2 * unit}, short_c1{0x1.995081debfb2ep-3 * unit};
-    simd::Splat<double> one{1.0}, inv_pi{0x1.45f306dc9c883p-2}, inv_pi_high{0x1.45f306p-2},
+    simd::Splat<double> one{1.0}, most{0x1p+200}, inv_pi{0x1.45f306dc9c883p-2}, inv_pi_high{0x1.45f306p-2},
         inv_pi_low{0x1.b9391054a7f0ap-27};
     simd::SplatBits<uint64_t> magnitude{0x7FFFFFFFFFFFFFFF}, sign{0x8000000000000000}, upper{0xFFFFFFFFF8000000};
     // Of high words, right by 15: the exponent and five bits; what stands before row 1, and the last row. In the lower half of
@@ -86,7 +86,8 @@ inline constexpr AtanBlock atan_half_turns{.in_pi = true,
 template <const AtanBlock& K, bool Short>
 inline __m128d atan_lanes(__m128d x) {
     const __m128d sign = simd::sign_of(x);
-    x = simd::magnitude(x);
+    // From 2^200 on nothing changes, and its product with c stays finite.
+    x = _mm_min_pd(simd::magnitude(x), K.most);
     const AtanRow row = atan_row<K>(x);
     const __m128d t = (x - row.c) / (K.one + row.c * x);
     const __m128d rest = atan_rest<K, Short>(t);
