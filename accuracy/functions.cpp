@@ -8,6 +8,7 @@ const std::vector<Function>& functions() {
         for (const auto family : {
                  basic_functions,
                  exp_log_functions,
+                 power_functions,
                  trig_functions,
              })
             for (Function& function : family()) list.push_back(std::move(function));

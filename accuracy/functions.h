@@ -82,6 +82,7 @@ const Function* find_function(std::string_view name, char type);
 // One table a family.
 std::vector<Function> basic_functions();
 std::vector<Function> exp_log_functions();
+std::vector<Function> power_functions();
 std::vector<Function> trig_functions();
 
 // Holds the x87 unit at 64 significant bits, which a Windows process does not start with.

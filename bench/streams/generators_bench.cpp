@@ -4,12 +4,15 @@
 
 #include <orv/random.h>
 
+#include <immintrin.h>
 #include <random>
 #include <vector>
 
 namespace {
 
 constexpr int32_t long_run = 10000;
+constexpr int32_t working_run = 1000;
+constexpr int32_t memory_run = 1000000;
 
 struct OpenStream {
     explicit OpenStream(int32_t id) {
@@ -57,6 +60,50 @@ void words(benchmark::State& state, int32_t id) {
 ORV_GENERATOR(MCG31M1);
 ORV_GENERATOR(MCG59);
 ORV_GENERATOR(MRG32K3A);
+
+#define ORV_BLOCK_GENERATOR(name)                                                                      \
+    BENCHMARK_CAPTURE(doubles, name, Brng##name)->Arg(1)->Arg(100)->Arg(working_run)->Arg(memory_run); \
+    BENCHMARK_CAPTURE(floats, name, Brng##name)->Arg(1)->Arg(100)->Arg(working_run)->Arg(memory_run);  \
+    BENCHMARK_CAPTURE(words, name, Brng##name)->Arg(1)->Arg(100)->Arg(working_run)->Arg(memory_run)
+
+ORV_BLOCK_GENERATOR(PHILOX4X32X10);
+ORV_BLOCK_GENERATOR(ARS5);
+ORV_BLOCK_GENERATOR(TRNG);
+
+// The loop that TRNG is measured against: one word after the other, asked again until it is ready.
+__attribute__((target("rdrnd"))) void bare_rdrand(benchmark::State& state) {
+    if (!__kuzCPUisRDRAND()) return state.SkipWithError("this processor has no RDRAND");
+    std::vector<uint32_t> r(working_run);
+    orv::bench::measure(
+        state, working_run, 1, [&]() __attribute__((target("rdrnd"))) {
+            for (uint32_t& x : r)
+                while (!_rdrand32_step(&x)) {
+                }
+        });
+}
+BENCHMARK(bare_rdrand);
+
+// PHILOX4X32X10 as a textbook would write it, a block after the other.
+void plain_philox(benchmark::State& state) {
+    std::vector<uint32_t> r(working_run);
+    uint32_t counter = 0;
+    orv::bench::measure(state, working_run, 1, [&] {
+        for (size_t i = 0; i < r.size(); i += 4) {
+            uint32_t c[4] = {counter++, 0, 0, 0}, k0 = 777, k1 = 0;
+            for (int round = 0; round < 10; ++round) {
+                const uint64_t p0 = uint64_t{0xD2511F53} * c[0], p1 = uint64_t{0xCD9E8D57} * c[2];
+                c[0] = static_cast<uint32_t>(p1 >> 32) ^ c[1] ^ k0;
+                c[1] = static_cast<uint32_t>(p1);
+                c[2] = static_cast<uint32_t>(p0 >> 32) ^ c[3] ^ k1;
+                c[3] = static_cast<uint32_t>(p0);
+                k0 += 0x9E3779B9;
+                k1 += 0xBB67AE85;
+            }
+            for (size_t k = 0; k < 4; ++k) r[i + k] = c[k];
+        }
+    });
+}
+BENCHMARK(plain_philox);
 
 template <class Engine>
 void standard(benchmark::State& state) {

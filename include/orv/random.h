@@ -44,6 +44,24 @@ ORV_BRNG_ENTRIES(MCG59)
  * Operations Research 47, 1999. */
 ORV_BRNG_ENTRIES(MRG32K3A)
 
+/* PHILOX4X32X10: blocks of four words, each ten rounds of multiplications applied to a 128-bit counter under a 64-bit key.
+ * Seed: key (2 words), counter (4 words, lowest first); missing words are 0. Words of 32 bits, period 2^130.
+ * Floating numbers count the word as signed: s x + m with s = (b - a) 2^-32 and m = (a + b) / 2, for floats in single
+ * precision throughout. Has skip-ahead, also by counts of several words, of which the lowest three count.
+ * J. K. Salmon, M. A. Moraes, R. O. Dror, D. E. Shaw, "Parallel random numbers: as easy as 1, 2, 3", SC11, 2011. */
+ORV_BRNG_ENTRIES(PHILOX4X32X10)
+
+/* ARS5: likewise blocks of four words, from five rounds of AES with round keys that a Weyl sequence gives.
+ * Seed: key (4 words), counter (4 words); otherwise as PHILOX4X32X10, in the same paper. Kernels and skip-ahead return
+ * ArsStatusNotSupported on a processor without the AES instructions. */
+ORV_BRNG_ENTRIES(ARS5)
+
+/* TRNG: the processor's hardware source, RDRAND, without a sequence to repeat, to skip in or to save.
+ * Seed: seed[1] is the number of further attempts when the source has no number ready, 10 if missing or 0; seed[0] is not
+ * used. Words of 32 bits. A double is made of 64 bits, a float of 32. Kernels return TrngStatusNotSupported on a processor
+ * without the instruction, and TrngStatusRetriesExhausted with the numbers before written. */
+ORV_BRNG_ENTRIES(TRNG)
+
 /* The kernels of an abstract stream for numbers of another type than its ring's: they return AbstractStatusWrongKernel
  * and write nothing. */
 int32_t __kuzdBRngiAbstract(Stream* stream, int32_t n, double* r, double a, double b);

@@ -233,8 +233,9 @@ int32_t __kuzDeleteStream(Stream** stream);
 int32_t __kuzCopyStream(Stream** stream, const Stream* source);
 
 /* Copies the first seedCount * wordBytes bytes of the generator state (at most the whole state) and all chunks between
- * two streams of one generator. The multiplier of MCG31M1 and MCG59 stays the destination's; the abstract generators
- * copy no state. */
+ * two streams of one generator. The multiplier of MCG31M1 and MCG59 stays the destination's, as do the words of a block
+ * that PHILOX4X32X10 and ARS5 have in their buffer (and ARS5 their number), so those two are to be copied between blocks
+ * of four words; the abstract generators copy no state. */
 int32_t __kuzCopyStreamState(Stream* destination, const Stream* source);
 
 /* ---- Images ----------------------------------------------------------------------------------------------------- */
@@ -272,6 +273,14 @@ int32_t __kuzLoadStreamM(Stream** stream, const void* memory);
 
 /* The bytes of the stream's image. */
 int32_t __kuzGetStreamSize(const Stream* stream);
+
+/* ---- Processor -------------------------------------------------------------------------------------------------- */
+
+/* 1 if the processor has the RDRAND instruction (which TRNG needs), the AES round instructions (which ARS5 needs), their
+ * vector form; else 0. */
+int32_t __kuzCPUisRDRAND(void);
+int32_t __kuzCPUisAES(void);
+int32_t __kuzCPUisVAES(void);
 
 /* ---- Chunks ----------------------------------------------------------------------------------------------------- */
 

@@ -67,4 +67,39 @@ LinearOutput<Real> linear_output(Real a, Real b, double unit) {
     return {(static_cast<double>(b) - static_cast<double>(a)) * unit, static_cast<double>(a)};
 }
 
+// Numbers x s + m of words counted as signed, throughout in the precision of the number.
+template <class Real>
+struct SignedOutput;
+
+template <>
+struct SignedOutput<double> {
+    using Element = double;
+    double scale, middle;
+
+    void one(Element* r, uint32_t x) const { *r = static_cast<double>(static_cast<int32_t>(x)) * scale + middle; }
+    void four(Element* r, __m128i x) const {
+        simd::store(r, map(simd::to_doubles(x)));
+        simd::store(r + 2, map(simd::to_doubles(simd::high_halves(x, x))));
+    }
+    __m128d map(__m128d x) const { return x * simd::splat(scale) + simd::splat(middle); }
+};
+
+template <>
+struct SignedOutput<float> {
+    using Element = float;
+    float scale, middle;
+
+    void one(Element* r, uint32_t x) const { *r = static_cast<float>(static_cast<int32_t>(x)) * scale + middle; }
+    void four(Element* r, __m128i x) const {
+        simd::store(r, simd::to_floats(x) * simd::splat(scale) + simd::splat(middle));
+    }
+};
+
+template <class Real>
+SignedOutput<Real> signed_output(Real a, Real b) {
+    constexpr double unit = 0x1p-32;
+    const double low = a, high = b;
+    return {static_cast<Real>((high - low) * unit), static_cast<Real>((low + high) * 0.5)};
+}
+
 }  // namespace orv::brng

@@ -1,7 +1,6 @@
 // The contracts that the C library and the processor fulfil alike on every system.
 #include "platform/stdio_file.h"
 
-#include <cpuid.h>
 #include <x86intrin.h>
 
 namespace orv::platform {
@@ -16,12 +15,6 @@ bool file_write(File* file, const void* bytes, size_t count) {
 bool file_read(File* file, void* bytes, size_t count) { return fread(bytes, 1, count, stream_of(file)) == count; }
 
 bool file_close(File* file) { return fclose(stream_of(file)) == 0; }
-
-ProcessorFeatures processor_features() {
-    unsigned eax, ebx, ecx, edx;
-    if (!__get_cpuid(1, &eax, &ebx, &ecx, &edx)) return {false, false};
-    return {(ecx >> 30 & 1) != 0, (edx >> 26 & 1) != 0 && (ecx >> 25 & 1) != 0};
-}
 
 uint64_t time_stamp_counter() { return __rdtsc(); }
 

@@ -56,6 +56,8 @@ struct ProcessorFeatures {
     bool aes;
 };
 ProcessorFeatures processor_features();
+// A word of the processor's random number generator, which a processor with `rdrand` has; false if none is ready.
+bool hardware_word(uint32_t* word);
 uint64_t time_stamp_counter();
 
 }  // namespace orv::platform

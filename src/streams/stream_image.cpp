@@ -134,8 +134,8 @@ int32_t load_chunk(Source& source, uint8_t version, Stream* stream) {
 }
 
 int32_t processor_can(int32_t id) {
-    if (id == BrngTRNG && !platform::processor_features().rdrand) return TrngStatusNotSupported;
-    if (id == BrngARS5 && !platform::processor_features().aes) return ArsStatusNotSupported;
+    if (id == BrngTRNG && !__kuzCPUisRDRAND()) return TrngStatusNotSupported;
+    if (id == BrngARS5 && !__kuzCPUisAES()) return ArsStatusNotSupported;
     return StatusOk;
 }
 

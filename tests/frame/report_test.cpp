@@ -17,8 +17,8 @@ using namespace orv;
 using Probe = test::ProbeKernel<double>;
 
 void dense(const std::vector<double>& a, std::vector<double>& y) {
-    frame::map<Probe>(static_cast<int32_t>(a.size()), frame::Dense<const double>{a.data()},
-                      frame::Dense<double>{y.data()});
+    frame::map<Probe>("vProbe", static_cast<int32_t>(a.size()), frame::to(frame::Dense{y.data()}),
+                      frame::Dense{a.data()});
 }
 
 // Each test runs on a thread of its own, with the standard mode and a status of 0.
@@ -88,7 +88,7 @@ TEST(Report, StridesLeadToTheElement) {
         _arqSetErrorCallBack(note);
         std::vector<double> a(60, 2.0), y(60, 5.0);
         a[3 * 11] = 0.0;
-        frame::map<Probe>(20, frame::Strided<const double>{a.data(), 3}, frame::Strided<double>{y.data() + 38, -2});
+        frame::map<Probe>("vProbe", 20, frame::to(frame::Strided{y.data() + 38, -2}), frame::Strided{a.data(), 3});
         ASSERT_EQ(reports.size(), 1u);
         EXPECT_EQ(reports[0].index, 11);
         EXPECT_EQ(reports[0].arg1, 0.0);
@@ -280,7 +280,7 @@ TEST(Report, CountsFromTheWholeVector) {
         std::vector<double> a(100, 2.0), y(100);
         a[90] = 0.0;
         EXPECT_EQ(_arqSetInterfInputVectorPointer(a.data()), a.data());
-        frame::map<Probe>(20, frame::Dense<const double>{a.data() + 80}, frame::Dense<double>{y.data() + 80});
+        frame::map<Probe>("vProbe", 20, frame::to(frame::Dense{y.data() + 80}), frame::Dense{a.data() + 80});
         const std::vector<orv_complex_d> z(10);
         std::vector<orv_complex_d> w(10);
         _arqSetInterfInputVectorPointer(z.data());

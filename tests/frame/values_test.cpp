@@ -228,6 +228,37 @@ TEST(Conj, TurnsTheImaginarySignOfAnything) {
     EXPECT_EQ(std::signbit(y[2].im), !std::signbit(x[2].im));
 }
 
+// Next to where results overflow, each accuracy on its own side: what is infinite is reported, and nothing else is.
+template <class T>
+void check_overflow(const orv::test::Row& row, T last_finite) {
+    T x = last_finite;
+    for (int i = 0; i < 40; ++i) x = std::nextafter(x, T{0});
+    for (int i = 0; i < 80; ++i, x = std::nextafter(x, infinity<T>))
+        for (int accuracy = 0; accuracy < 3; ++accuracy) {
+            T y = 0;
+            _arqClearErrStatus();
+            orv::test::entry<orv::test::OneInput<T>>(row.dense, accuracy)(1, &x, &y);
+            EXPECT_EQ(_arqGetErrStatus(), std::isinf(y) ? ORV_STATUS_OVERFLOW : 0)
+                << row.name() << " " << orv::test::accuracy_names[accuracy] << " of " << x;
+        }
+}
+
+TEST(Exponentials, ReportEveryInfiniteResult) {
+    const struct {
+        const char* function;
+        double s, d;
+    } cases[] = {{"Exp", 0x1.62e42ep+6, 0x1.62e42fefa39efp+9},
+                 {"Expm1", 0x1.62e42ep+6, 0x1.62e42fefa39efp+9},
+                 {"Exp2", 128, 1024},
+                 {"Exp10", 0x1.344134p+5, 0x1.34413509f79fep+8}};
+    for (const auto& c : cases)
+        for (const orv::test::Row& row : orv::test::math_rows()) {
+            if (row.function() != c.function) continue;
+            if (row.type == 's') check_overflow(row, static_cast<float>(c.s));
+            if (row.type == 'd') check_overflow(row, c.d);
+        }
+}
+
 // The definition of Round for every float, worked out on the magnitude.
 TEST(ExhaustiveRound, IsHalvesAwayFromZeroForEveryFloat) {
     constexpr int block = 1 << 16;

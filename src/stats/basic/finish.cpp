@@ -1,17 +1,16 @@
 // From accumulated sums to the estimates.
 #include "stats/basic/finish.h"
 
-#include <emmintrin.h>
+#include "simd/lanes.h"
 
 namespace orv::stats {
 namespace {
 
 // 1 / sqrt of the diagonal, two at a time.
 void reciprocal_roots(const double* c, ptrdiff_t p, double* roots) {
-    const __m128d one = _mm_set1_pd(1);
     for (ptrdiff_t j = 0; j < p; ++j) roots[j] = c[j * (p + 1)];
     ptrdiff_t j = 0;
-    for (; j + 2 <= p; j += 2) _mm_storeu_pd(roots + j, _mm_div_pd(one, _mm_sqrt_pd(_mm_loadu_pd(roots + j))));
+    for (; j + 2 <= p; j += 2) simd::store(roots + j, simd::splat(1.0) / simd::square_root(simd::load(roots + j)));
     if (j < p) roots[j] = 1 / __builtin_sqrt(roots[j]);
 }
 

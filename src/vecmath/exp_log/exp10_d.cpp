@@ -13,7 +13,6 @@ namespace {
 using namespace orv;
 
 constexpr vecmath::ExpBaseBlock<128> exp10_block{
-    .name = "vdExp10",
     .exact_reduction = false,
     .last_finite = 0x1.34413509f79fep+8,
     .first_zero = -0x1.439b746e36b53p+8,

@@ -8,7 +8,6 @@
 namespace {
 
 constexpr orv::vecmath::ExpBaseSBlock exp10_block{
-    .name = "vsExp10",
     .exact_reduction = false,
     .last_finite = 0x1.344134p+5f,
     .first_zero = -0x1.693c6cp+5f,

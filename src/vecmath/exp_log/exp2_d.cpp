@@ -11,7 +11,6 @@ namespace {
 using namespace orv;
 
 constexpr vecmath::ExpBaseBlock<64> exp2_block{
-    .name = "vdExp2",
     .exact_reduction = true,
     .last_finite = 0x1.fffffffffffffp+9,
     .first_zero = -1075,

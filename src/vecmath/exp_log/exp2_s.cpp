@@ -7,7 +7,6 @@
 namespace {
 
 constexpr orv::vecmath::ExpBaseSBlock exp2_block{
-    .name = "vsExp2",
     .exact_reduction = true,
     .last_finite = 0x1.fffffep+6f,
     .first_zero = -150.0f,

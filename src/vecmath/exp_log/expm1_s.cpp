@@ -9,12 +9,10 @@ namespace {
 
 using namespace orv;
 
-constexpr vecmath::Expm1Words expm1_block{.name = "vsExpm1"};
+constexpr vecmath::Expm1Words expm1_block{};
 constexpr simd::SplatBits<uint32_t> last_finite{std::bit_cast<uint32_t>(0x1.62e42ep+6f)};
 
 struct Expm1 : frame::OneInput<float, 8, frame::Tail::masked> {
-    static constexpr const char* name = expm1_block.name;
-
     static __m128 doubt(__m128 x) { return vecmath::above_or_nan(x, last_finite); }
     static __m128 lanes(__m128 x) {
         return vecmath::in_double(x, [](__m128d d) { return vecmath::expm1_words<expm1_block>(d); });

@@ -14,7 +14,6 @@ using namespace orv;
 constexpr double log10_of_2_52 = 0x1.f4e9f6303263ep+3;
 
 constexpr vecmath::Log513Block log10_ha{
-    .name = "vdLog10",
     .log2_high = 0x1.34413509f78p-2,
     .log2_low = 0x1.fef311f12b358p-46,
     .leading = 0x1.bcp-2,
@@ -31,7 +30,6 @@ constexpr vecmath::Log513Block log10_ha{
 };
 
 constexpr vecmath::LogCentresBlock<vecmath::centres_257> log10_la{
-    .name = "vdLog10",
     .log2_high = 0x1.34413509f8p-2,
     .log2_low = -0x1.80433b83b532ap-44,
     .c1 = 0x1.bcb7b1526e50ep-2,

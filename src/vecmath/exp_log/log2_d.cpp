@@ -16,7 +16,6 @@ namespace {
 using namespace orv;
 
 constexpr vecmath::Log513Block log2_ha{
-    .name = "vdLog2",
     .log2_high = 1.0,
     .log2_low = 0.0,
     .leading = 0x1.72p+0,
@@ -34,7 +33,6 @@ constexpr vecmath::Log513Block log2_ha{
 
 constexpr double la_factor = 1.5;
 constexpr vecmath::LogCentresBlock<vecmath::centres_513_exact> log2_la{
-    .name = "vdLog2",
     .log2_high = 1.0,
     .log2_low = 0.0,
     .c1 = (0x1.71547652b82fep+0 - la_factor) / la_factor,

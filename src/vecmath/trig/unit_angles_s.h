@@ -27,7 +27,7 @@ inline constexpr ShortSine short_sine_of = in_unit(short_sine, Unit::radians);
 // ---- Sine and cosine -------------------------------------------------------------------------------------------------
 
 template <class Unit, Function F, Method How>
-struct UnitAngleS : frame::OneInput<float, 8, frame::Tail::masked> {
+struct UnitAngleS : frame::OneInput<float, 8, frame::Tail::masked, frame::Rejected::settled> {
     static constexpr bool halfway = F == Function::cos;
 
     static S doubt(S x) { return simd::exceeds(simd::magnitude(x), last_in_float); }
@@ -67,7 +67,7 @@ struct UnitAngleS : frame::OneInput<float, 8, frame::Tail::masked> {
 // ---- Tangent ---------------------------------------------------------------------------------------------------------
 
 template <class Unit, Method How>
-struct UnitAngleS<Unit, Function::tan, How> : frame::OneInput<float, 4, frame::Tail::masked> {
+struct UnitAngleS<Unit, Function::tan, How> : frame::OneInput<float, 4, frame::Tail::masked, frame::Rejected::settled> {
     // The multiple of a quarter turn next to |x|, and the lanes where that is x itself.
     struct Quarters {
         S f, axis;
@@ -124,17 +124,11 @@ struct UnitAngleS<Unit, Function::tan, How> : frame::OneInput<float, 4, frame::T
 #define ORV_UNIT_ANGLE_S(function, Unit, which)                                                       \
     namespace {                                                                                       \
     struct function##LA : orv::vecmath::UnitAngleS<orv::vecmath::Unit, orv::vecmath::Function::which, \
-                                                   orv::vecmath::Method::in_double> {                 \
-        static constexpr char name[] = "vs" #function;                                                \
-    };                                                                                                \
+                                                   orv::vecmath::Method::in_double> {};               \
     struct function##HA : orv::vecmath::UnitAngleS<orv::vecmath::Unit, orv::vecmath::Function::which, \
-                                                   orv::vecmath::Method::in_double_longer> {          \
-        static constexpr char name[] = "vs" #function;                                                \
-    };                                                                                                \
+                                                   orv::vecmath::Method::in_double_longer> {};        \
     struct function##EP : orv::vecmath::UnitAngleS<orv::vecmath::Unit, orv::vecmath::Function::which, \
-                                                   orv::vecmath::Method::in_float> {                  \
-        static constexpr char name[] = "vs" #function;                                                \
-    };                                                                                                \
+                                                   orv::vecmath::Method::in_float> {};                \
     }                                                                                                 \
     ORV_ONE_INPUT(s##function, la, function##LA)                                                      \
     ORV_ONE_INPUT(s##function, ha, function##HA)                                                      \
