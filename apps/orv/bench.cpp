@@ -39,7 +39,7 @@ double seconds_since(std::chrono::steady_clock::time_point start) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-// Nanoseconds per element: of the calls of a twentieth of a second, the median of twenty pieces.
+// Nanoseconds per element: the median of pieces that are too short for other programs to come between, most of them.
 template <class T>
 double nanoseconds(const Function& function, orv_arq_kernel kernel, int32_t n) {
     const accuracy::Function* known = accuracy::find_function(function.name, function.type);
@@ -53,14 +53,14 @@ double nanoseconds(const Function& function, orv_arq_kernel kernel, int32_t n) {
         for (int64_t i = 0; i < calls; ++i) call(function, kernel, n, a.data(), b.data(), y.data(), z.data());
         return seconds_since(start);
     };
-    constexpr double piece = 0.0025;
+    constexpr double piece = 1e-4;
     int64_t calls = 1;
     for (double taken = run(calls); taken < piece; taken = run(calls))
         calls = taken < piece / 8 ? 8 * calls : 2 * calls;
-    std::vector<double> pieces(20);
+    std::vector<double> pieces(401);
     for (double& taken : pieces) taken = run(calls);
-    std::nth_element(pieces.begin(), pieces.begin() + 10, pieces.end());
-    return 1e9 * pieces[10] / (static_cast<double>(calls) * n);
+    std::nth_element(pieces.begin(), pieces.begin() + 200, pieces.end());
+    return 1e9 * pieces[200] / (static_cast<double>(calls) * n);
 }
 
 void run(const Request& request) {

@@ -119,7 +119,7 @@ TEST_F(Command, Refuses) {
         {"math Conj", "1\n", "no function of type d, Conj; "},
         {"math Abs --column hight", "height,width\n1,2\n",
          "<stdin>:1: no column hight; did you mean height? There are height, width\n"},
-        {"math Abs --decimal ,", "1.5\n", "<stdin>:1: column 1: '1.5' is not a number\n"},
+        {"math Abs --decimal ,", "1\n1.5\n", "<stdin>:2: column 1: '1.5' is not a number\n"},
         {"math Abs --sep ab", "", "--sep: 'ab' is not one letter, nor tab nor space\n"},
         {"math Abs --na drop", "", "--na: 'drop' is neither skip nor refuse\n"},
         {"math Abs --header --no-header", "", ""},
