@@ -24,7 +24,7 @@ struct DrawRequest {
     std::string save, load;
     std::string output, plot;
     bool histogram = false;
-    size_t bins = 20;
+    int32_t bins = 20;
 };
 
 // Adds the options that set a request.
@@ -67,7 +67,7 @@ void draw_all(Receiver& receiver, double from, double to, Fill fill) {
     constexpr int64_t block = 1 << 14;
     const int64_t n = receiver.request.n;
     if (receiver.request.histogram || receiver.plot)
-        receiver.histogram = make_histogram(from, to, receiver.request.bins);
+        receiver.histogram = make_histogram(from, to, static_cast<size_t>(receiver.request.bins));
     std::vector<Number> numbers(static_cast<size_t>(std::min(block, n)));
     Progress progress = start_progress(n);
     for (int64_t done = 0; done < n;) {
