@@ -36,7 +36,7 @@ inline void move_cross(double* c, ptrdiff_t p, int32_t first, int32_t last, cons
 }
 
 template <int order, bool weighted, bool by_columns, class T>
-void one_pass_with_cross(const Part<T>& part) {
+[[gnu::always_inline]] inline void one_pass_with_cross(const Part<T>& part) {
     const Steps steps = steps_of(part, by_columns);
     const int32_t block = one_pass_block(part.p, part.last - part.first);
     double* packed = static_cast<double*>(part.scratch);
@@ -88,7 +88,7 @@ inline void accumulate(double* sums, float* block, int32_t p, int32_t first, int
 }
 
 template <bool weighted, bool by_columns, class T>
-void cross_by_rank_updates(const Part<T>& part, const double* centre) {
+[[gnu::always_inline]] inline void cross_by_rank_updates(const Part<T>& part, const double* centre) {
     const Steps steps = steps_of(part, by_columns);
     const int32_t p = part.p, from = part.component_first, width = part.component_last - from;
     const int32_t block = rank_block(p, part.last - part.first, weighted);

@@ -41,7 +41,7 @@ void add_sums(double* const (&rows)[4], int32_t j, const PowerSums& sums) {
 // Any value near the data will do to begin with: the mean of the first few observations, each as far as it weighs. What
 // weighs nothing may lie anywhere.
 template <bool weighted, class T>
-void first_shift(const Part<T>& part, Steps steps) {
+[[gnu::always_inline]] inline void first_shift(const Part<T>& part, Steps steps) {
     constexpr int32_t few = 32;
     int32_t first = part.first;
     if constexpr (weighted)
@@ -64,7 +64,7 @@ void first_shift(const Part<T>& part, Steps steps) {
 }
 
 template <bool weighted, class T>
-void add_weights(const Part<T>& part, int32_t first, int32_t count) {
+[[gnu::always_inline]] inline void add_weights(const Part<T>& part, int32_t first, int32_t count) {
     const WeightSums sums = weighted ? weight_sums(part.w + first, count)
                                      : WeightSums{static_cast<double>(count), static_cast<double>(count)};
     part.weights[0] += sums.w;
@@ -73,7 +73,7 @@ void add_weights(const Part<T>& part, int32_t first, int32_t count) {
 
 // One block of contiguous columns, or, with by_columns, packed tile by tile first.
 template <uint64_t method, int order, bool weighted, bool by_columns, class T>
-void block_moments(const Part<T>& part, int32_t first, int32_t count) {
+[[gnu::always_inline]] inline void block_moments(const Part<T>& part, int32_t first, int32_t count) {
     constexpr bool shifted = method != BasicFast;
     const Steps steps = steps_of(part, by_columns);
     const T* w = weighted ? part.w + first : nullptr;
@@ -111,7 +111,7 @@ void block_moments(const Part<T>& part, int32_t first, int32_t count) {
 }
 
 template <uint64_t method, int order, bool weighted, bool by_columns, class T>
-void moments(const Part<T>& part) {
+[[gnu::always_inline]] inline void moments(const Part<T>& part) {
     constexpr int32_t step = by_columns ? tile_observations : moment_block;
     if constexpr (method == BasicOnePass) first_shift<weighted>(part, steps_of(part, by_columns));
     for (int32_t i = part.first; i < part.last; i += step) {
