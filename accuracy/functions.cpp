@@ -7,6 +7,7 @@ const std::vector<Family>& families() {
         {"Rounding and arithmetic", basic_functions()},
         {"Exponentials and logarithms", exp_log_functions()},
         {"Powers", power_functions()},
+        {"Error functions, gamma functions, exponential integral", special_functions()},
         {"Sines, cosines, tangents", trig_functions()},
     };
     return all;

@@ -87,6 +87,7 @@ const Function* find_function(std::string_view name, char type);
 std::vector<Function> basic_functions();
 std::vector<Function> exp_log_functions();
 std::vector<Function> power_functions();
+std::vector<Function> special_functions();
 std::vector<Function> trig_functions();
 
 // Holds the x87 unit at 64 significant bits, which a Windows process does not start with.

@@ -43,5 +43,8 @@
     CARD(Powx, "a to the power b, b being one number for all elements", "As Pow.", "", "As Pow") \
     CARD(Pow2o3, "the square of the cube root of a", "Zeros give +0, infinities infinity; a may be negative.", "", "A table of accurate values, after S. Gal, ACM TOMS 17 (1991)") \
     CARD(Pow3o2, "the cube of the square root of a", "A negative a is a NaN, reported as domain; -0 gives +0. Beyond 2^682.67 (s: 2^85.33) infinity, reported as overflow; below 2^-681.33 (s: 2^-84) a subnormal or zero, reported as underflow.", "", "The root corrected by its residue") \
+    CARD(ErfInv, "the inverse of the error function: the x with erf(x) = a", "-1 and 1 give an infinity of their sign, reported as singularity; values beyond them a NaN, reported as domain; zeros come back.", "Keeps its relative accuracy next to zero.", "Expansions about the middles of short intervals") \
+    CARD(ErfcInv, "the inverse of the complementary error function: the x with erfc(x) = a", "0 gives infinity and 2 minus infinity, reported as singularity; values below 0 or above 2 a NaN, reported as domain.", "Keeps its relative accuracy next to a = 1.", "As ErfInv") \
+    CARD(CdfNormInv, "the inverse of the cumulative normal distribution: the quantile of a", "0 gives minus infinity and 1 infinity, reported as singularity; values below 0 or above 1 a NaN, reported as domain.", "Keeps its relative accuracy next to a = 1/2.", "As ErfInv") \
     CARD(Conj, "the complex conjugate of a", "The sign bit of the imaginary part is turned whatever it is the sign of; no flag is raised.", "", "C99 7.3.9.4")
 // clang-format on
