@@ -22,7 +22,7 @@ constexpr int32_t spent = Recurrence::words;
 
 // In the order of the members. Found by tools/searches/mt2203_search.
 constexpr twister::Coefficients members[] = {
-#include "data/mt2203.inc"
+#include "../../data/mt2203.inc"
 };
 static_assert(std::size(members) == 6024);
 

@@ -25,7 +25,7 @@ struct MemberRow {
 };
 // Found by tools/searches/wh_search.
 constexpr MemberRow members[] = {
-#include "data/wh.inc"
+#include "../../data/wh.inc"
 };
 static_assert(std::size(members) == 273);
 
@@ -92,6 +92,22 @@ void start_chains(const Pair& pair, Chain* chains) {
     chains[1] = {_mm_unpackhi_pd(pair.x, x1), _mm_unpackhi_pd(x2, x3), high(a4), high(pair.m), high(pair.reciprocal)};
 }
 
+// Two steps of the four congruences, a register each.
+struct TwoSteps {
+    __m128d x[congruences];
+};
+
+// Moves two of the steps by four and returns what they were.
+[[gnu::always_inline]] inline TwoSteps advance(__m128d Chain::*steps, Chain* chains) {
+    const auto one = [&](int k) {
+        Chain& c = chains[k];
+        const __m128d x = c.*steps;
+        c.*steps = product(x, c.a4, c.m, c.reciprocal);
+        return x;
+    };
+    return {{one(0), one(1), one(2), one(3)}};
+}
+
 // ---- Outputs: of one step in two pairs, and of two steps, one register for each congruence ------------------------------
 
 struct Words {
@@ -100,7 +116,8 @@ struct Words {
     void one(Element* r, const Pair& low, const Pair& high) const {
         simd::store(*r, simd::low_halves(simd::truncate(low.x), simd::truncate(high.x)));
     }
-    void two(Element* r, const __m128d (&x)[congruences], const Chain*) const {
+    void two(Element* r, const TwoSteps& steps, const Chain*) const {
+        const __m128d(&x)[congruences] = steps.x;
         const __m128i x01 = simd::interleave_low_32(simd::truncate(x[0]), simd::truncate(x[1]));
         const __m128i x23 = simd::interleave_low_32(simd::truncate(x[2]), simd::truncate(x[3]));
         simd::store(r[0], simd::low_halves(x01, x23));
@@ -118,9 +135,9 @@ struct Fractions {
         const __m128d u01 = low.x * low.reciprocal, u23 = high.x * high.reciprocal;
         put_one(r, map(u01 + _mm_unpackhi_pd(u01, u01) + u23 + _mm_unpackhi_pd(u23, u23)));
     }
-    void two(Element* r, const __m128d (&x)[congruences], const Chain* chains) const {
-        __m128d u = x[0] * chains[0].reciprocal;
-        for (int k = 1; k < congruences; ++k) u = u + x[k] * chains[k].reciprocal;
+    void two(Element* r, const TwoSteps& steps, const Chain* chains) const {
+        const auto term = [&](int k) { return steps.x[k] * chains[k].reciprocal; };
+        const __m128d u = term(0) + term(1) + term(2) + term(3);
         simd::store_doubles(r, map(u));
     }
     __m128d map(__m128d u) const {
@@ -158,19 +175,8 @@ template <class Output>
         start_chains(low, chains);
         start_chains(high, chains + 2);
         for (; n >= 4; n -= 4, r += 4) {
-            __m128d x01[congruences], x23[congruences];
-            for (int k = 0; k < congruences; ++k) {
-                Chain& c = chains[k];
-                x01[k] = c.steps01;
-                c.steps01 = product(x01[k], c.a4, c.m, c.reciprocal);
-            }
-            output.two(r, x01, chains);
-            for (int k = 0; k < congruences; ++k) {
-                Chain& c = chains[k];
-                x23[k] = c.steps23;
-                c.steps23 = product(x23[k], c.a4, c.m, c.reciprocal);
-            }
-            output.two(r + 2, x23, chains);
+            output.two(r, advance(&Chain::steps01, chains), chains);
+            output.two(r + 2, advance(&Chain::steps23, chains), chains);
         }
         low.x = _mm_unpacklo_pd(chains[0].steps01, chains[1].steps01);
         high.x = _mm_unpacklo_pd(chains[2].steps01, chains[3].steps01);

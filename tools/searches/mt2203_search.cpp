@@ -1,15 +1,15 @@
 // Finds the members of the MT2203 family: twist constants whose recurrence has an irreducible characteristic
 // polynomial (2203 is a Mersenne exponent, so that it is primitive), each with tempering masks.
 //
-//     mt2203_search FILE COUNT [THREADS]
+//     mt2203_search FILE COUNT [THREADS [GRADE]]
 //
-// writes lines "ordinal twist mask_b mask_c" and "group N: ..." to FILE until COUNT members stand in finished blocks, and goes on
+// writes lines "twist mask_b mask_c grade" and "block N: ..." to FILE until COUNT members stand in finished blocks, and goes on
 // from where FILE ends when it is started again. Of the constants the top bit is set (it is the polynomial's last
-// term) and four more are fixed. Those with a factor of degree up to 26 fall to a sieve: the residue by such a
+// term) and eight more are fixed. Those with a factor of degree up to 24 fall to a sieve: the residue by such a
 // factor is affine in the constant, so that the constants to strike form an affine space.
 //
-// About one constant in twenty has masks, which costs less to see than the irreducibility. Constants that differ in
-// their low bits alone are often good together: they are looked at as a block, and a block is left if its first ones fail.
+// Masks that reach the least dimensions of the first members at every number of bits exist for about one constant in
+// fifteen. With a GRADE above 0 they may fall short by a few, the less the better.
 #include <bit>
 #include <cstdio>
 #include <cstdlib>
@@ -25,23 +25,33 @@
 
 namespace {
 
-using mt2203::Member;
+constexpr int free_bits = 23;
+constexpr int sieve_degree = 24;
+constexpr size_t block_size = 128;
 
-constexpr int free_bits = 27;
-constexpr int sieve_degree = 26;
-constexpr int block_bits = 7;
-constexpr size_t group = 256;  // blocks that are done between two looks at the others
-
-// The bits of an ordinal go to all places of the constant but 31, 28, 24, 20 and 12.
-constexpr uint32_t fixed_bits = 0x90001000;
+// The bits of an ordinal go to all places of the constant but 31 and each fourth from 28 down.
+constexpr uint32_t fixed_bits = 0x90101010;
 
 constexpr std::array<int, free_bits> place_of_bit = [] {
     std::array<int, free_bits> place{};
     int k = 0;
     for (int bit = 0; bit < 31; ++bit)
-        if (bit != 12 && bit != 20 && bit != 24 && bit != 28) place[k++] = bit;
+        if (bit % 4 != 0) place[k++] = bit;
     return place;
 }();
+
+// How far a member may stay below the least dimensions of the first ones, by grades: nothing; then 5 of 705 at three bits, 2
+// of 548 at four bits and at eleven, 1 at the others from five to sixteen; then twice and three times that, and 1 elsewhere.
+constexpr int grades = 4;
+constexpr mt2203::Profile slack(int grade) {
+    mt2203::Profile of{};
+    for (int v = 5; v <= 16; ++v) of[v] = grade;
+    for (int v = 17; v <= 32; ++v) of[v] = grade / 2;
+    of[2] = grade > 1 ? grade - 1 : 0;
+    of[3] = 5 * grade;
+    of[4] = of[11] = 2 * grade;
+    return of;
+}
 
 uint32_t constant_of(uint32_t ordinal) {
     uint32_t constant = fixed_bits;
@@ -153,38 +163,19 @@ std::vector<uint32_t> sieve() {
     return left;
 }
 
-// The sieve's ordinals, from FILE.sieve if an earlier run left them there.
-std::vector<uint32_t> sieved(const std::string& path) {
-    std::vector<uint32_t> ordinals;
-    if (std::FILE* file = std::fopen(path.c_str(), "rb")) {
-        std::fseek(file, 0, SEEK_END);
-        ordinals.resize(static_cast<size_t>(std::ftell(file)) / sizeof(uint32_t));
-        std::rewind(file);
-        const size_t count = std::fread(ordinals.data(), sizeof(uint32_t), ordinals.size(), file);
-        std::fclose(file);
-        if (count == ordinals.size() && count > 0) return ordinals;
-    }
-    ordinals = sieve();
-    if (std::FILE* file = std::fopen(path.c_str(), "wb")) {
-        std::fwrite(ordinals.data(), sizeof(uint32_t), ordinals.size(), file);
-        std::fclose(file);
-    }
-    return ordinals;
-}
-
 struct Progress {
     std::vector<bool> done;
     size_t members = 0;
 };
 
-Progress read_progress(const char* path, size_t groups) {
-    Progress progress{std::vector<bool>(groups), 0};
+Progress read_progress(const char* path, size_t blocks) {
+    Progress progress{std::vector<bool>(blocks), 0};
     if (FILE* file = std::fopen(path, "r")) {
         char line[100];
         size_t pending = 0;
         while (std::fgets(line, sizeof line, file) != nullptr) {
             size_t number;
-            if (std::sscanf(line, "group %zu", &number) == 1) {
+            if (std::sscanf(line, "block %zu", &number) == 1) {
                 progress.done.at(number) = true;
                 progress.members += pending;
                 pending = 0;
@@ -200,65 +191,52 @@ Progress read_progress(const char* path, size_t groups) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc < 3) return std::fprintf(stderr, "usage: mt2203_search FILE COUNT [THREADS]\n"), 2;
+    if (argc < 3) return std::fprintf(stderr, "usage: mt2203_search FILE COUNT [THREADS [GRADE]]\n"), 2;
     const size_t wanted = std::strtoul(argv[2], nullptr, 10);
     const unsigned threads = argc > 3 ? static_cast<unsigned>(std::atoi(argv[3])) : 1;
-    const std::vector<uint32_t> ordinals = sieved(std::string(argv[1]) + ".sieve");
-    const size_t blocks = size_t{1} << (free_bits - block_bits);
-    std::vector<size_t> begin_of_block(blocks + 1, ordinals.size());
-    for (size_t k = ordinals.size(); k-- > 0;) begin_of_block[ordinals[k] >> block_bits] = k;
-    for (size_t b = blocks; b-- > 0;) begin_of_block[b] = std::min(begin_of_block[b], begin_of_block[b + 1]);
+    const int worst = argc > 4 ? std::atoi(argv[4]) : 0;
+    const std::vector<uint32_t> ordinals = sieve();
+    const size_t blocks = ordinals.size() / block_size;
     std::fprintf(stderr, "%zu constants left by the sieve\n", ordinals.size());
-    Progress progress = read_progress(argv[1], blocks / group);
+    Progress progress = read_progress(argv[1], blocks);
+    FILE* out = std::fopen(argv[1], "a");
+    if (out == nullptr) return std::perror(argv[1]), 1;
     std::mutex mutex;
     size_t stride = blocks * 5 / 13;  // so that the members found lie all over the space
     while (std::gcd(stride, blocks) != 1) ++stride;
-    const auto block_at = [&](size_t turn) { return turn * stride % blocks; };
     size_t turn = 0;
-    FILE* out = std::fopen(argv[1], "a");
-    if (out == nullptr) return std::perror(argv[1]), 1;
 
     const mt2203::AffinePolynomial polynomial;
     const auto work = [&] {
         auto irreducible = std::make_unique<mt2203::Irreducibility>();
-        auto short_masks = std::make_unique<mt2203::ShortSearch>();
         auto masks = std::make_unique<mt2203::MaskSearch>();
         while (true) {
-            size_t first;
+            size_t block;
             {
                 const std::scoped_lock lock(mutex);
-                while (turn < blocks && progress.done[turn / group]) turn += group;
-                if (turn >= blocks || progress.members >= wanted) return;
-                first = turn;
-                turn += group;
+                while (turn < blocks && progress.done[turn * stride % blocks]) ++turn;
+                if (turn == blocks || progress.members >= wanted) return;
+                block = turn++ * stride % blocks;
             }
             std::string lines;
-            size_t found = 0;
-            size_t tried = 0;
-            size_t promising = 0;
-            for (size_t k = first; k < first + group; ++k) {
-                const size_t block = block_at(k);
-                size_t good = 0;
-                for (size_t i = begin_of_block[block]; i < begin_of_block[block + 1]; ++i) {
-                    if (good == 0 && i >= begin_of_block[block] + 2) break;
-                    const uint32_t twist = constant_of(ordinals[i]);
-                    ++tried;
-                    if (!(*short_masks)(twist)) continue;
-                    ++good;
-                    if (!(*irreducible)(polynomial(twist), sieve_degree)) continue;
-                    std::optional<Member> member = short_masks->member();
-                    if (!masks->reaches(*member)) member = (*masks)(twist);
-                    if (!member) continue;
-                    char line[100];
-                    std::snprintf(line, sizeof line, "%u %08X %08X %08X\n", ordinals[i], twist, member->mask_b, member->mask_c);
-                    lines += line;
-                    ++found;
-                }
-                promising += good;
+            size_t found = 0, irreducible_ones = 0;
+            for (size_t k = block * block_size; k < (block + 1) * block_size; ++k) {
+                const uint32_t twist = constant_of(ordinals[k]);
+                if (!(*irreducible)(polynomial(twist), sieve_degree)) continue;
+                ++irreducible_ones;
+                std::optional<mt2203::Member> member;
+                int grade = 0;
+                for (; grade <= worst; ++grade)
+                    if ((member = (*masks)(twist, slack(grade), grade > 0 && grade == worst))) break;
+                if (!member) continue;
+                char line[100];
+                std::snprintf(line, sizeof line, "%08X %08X %08X %d\n", twist, member->mask_b, member->mask_c, grade);
+                lines += line;
+                ++found;
             }
             const std::scoped_lock lock(mutex);
             progress.members += found;
-            std::fprintf(out, "%sgroup %zu: %zu tried, %zu promising\n", lines.c_str(), first / group, tried, promising);
+            std::fprintf(out, "%sblock %zu: %zu irreducible\n", lines.c_str(), block, irreducible_ones);
             std::fflush(out);
         }
     };
