@@ -1,5 +1,6 @@
 // Reporting, through the library's own reporters and loops, built into this program with a kernel of the test's own.
 #include "frame/report_kernel.h"
+#include "support/control_state.h"
 
 #include <gtest/gtest.h>
 
@@ -14,6 +15,8 @@
 namespace {
 
 using namespace orv;
+using test::x87_control;
+using test::x87_flags;
 using Probe = test::ProbeKernel<double>;
 
 void dense(const std::vector<double>& a, std::vector<double>& y) {
@@ -42,17 +45,6 @@ void reset_notes() {
     reports.clear();
     callback_result = 0;
     replaces = false;
-}
-
-uint16_t x87_flags() {
-    uint16_t word;
-    __asm__ volatile("fnstsw %0" : "=m"(word));
-    return word & 0x3F;
-}
-uint16_t x87_control() {
-    uint16_t word;
-    __asm__ volatile("fnstcw %0" : "=m"(word));
-    return word;
 }
 
 TEST(Report, ComesInTheOrderOfTheElements) {
@@ -348,7 +340,7 @@ TEST(Report, WidensAndNarrowsEveryKind) {
 TEST(Exception, LeavesFlagAndMasksAndKeepsThePrecision) {
     on_new_thread([] {
         constexpr uint16_t single_precision = 0x007F;
-        __asm__ volatile("fnclex\n\tfldcw %0" : : "m"(single_precision));
+        test::set_x87_control(single_precision);
         _arqSetMode(ORV_MODE_ERRMODE_EXCEPT);
         const double a[1] = {1};
         double y[1] = {1};

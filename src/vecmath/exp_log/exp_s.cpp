@@ -9,9 +9,7 @@
 //
 // The vector path serves |x| up to 0x42AEAC4F (87.3365), where the result is normal.
 //
-// Worst errors measured: "LA" 2.9 ulp, "HA" 0.56 ulp, "EP" 2^-12.4 relative;
-// subnormal results 1.75 ("LA", "EP") and 0.51 ("HA") ulp of their own. In "LA" and "EP" it is the polynomials' own error that
-// shows: 2^-22.6 and 2^-12.4, and 2^-22.7 on the scalar path.
+// In "LA" and "EP" it is the polynomials' own error that shows: 2^-22.6 and 2^-12.4, and 2^-22.7 on the scalar path.
 #include "vecmath/exp_log/exp_base_s.h"
 
 namespace {

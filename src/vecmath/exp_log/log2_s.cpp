@@ -4,8 +4,7 @@
 // to it where |r| is 1/3, and its sum with k with the rounding error. "EP" has sLog10's polynomial by log2 10.
 // "HA": dLog2's "EP" method, right to 2^-32, rounded to single.
 //
-// Powers of two are exact. Worst errors measured: "LA" 1.6 ulp, of which the polynomial's own error is up to 0.8; "HA"
-// 0.51 ulp; "EP" 2^-14.0 relative.
+// Powers of two are exact. Of the error of "LA" up to 0.8 ulp is the polynomial's own.
 #include "vecmath/exp_log/log2.h"
 #include "vecmath/exp_log/log_s.h"
 #include "vecmath/exp_log/wide.h"
