@@ -122,9 +122,7 @@ struct SignedFloats {
     float s, m;
 
     void one(Element* r, uint32_t x) const { *r = static_cast<float>(static_cast<int32_t>(x)) * s + m; }
-    void four(Element* r, __m128i x) const {
-        simd::store(r, simd::to_floats(x) * simd::splat(s) + simd::splat(m));
-    }
+    void four(Element* r, __m128i x) const { simd::store(r, simd::to_floats(x) * simd::splat(s) + simd::splat(m)); }
 };
 
 SignedDoubles double_output(double a, double b) { return {(b - a) * 0x1p-32, (a + b) * 0.5}; }

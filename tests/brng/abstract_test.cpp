@@ -54,9 +54,12 @@ struct Ring {
     Ring(const Ring&) = delete;
     Ring& operator=(const Ring&) = delete;
     int32_t draw(int32_t n, Element* r) {
-        if constexpr (std::is_same_v<Element, uint32_t>) return __kuziBRngiAbstract(stream, n, r);
-        else if constexpr (std::is_same_v<Element, double>) return __kuzdBRngdAbstract(stream, n, r, 0, 1);
-        else return __kuzsBRngsAbstract(stream, n, r, 0, 1);
+        if constexpr (std::is_same_v<Element, uint32_t>)
+            return __kuziBRngiAbstract(stream, n, r);
+        else if constexpr (std::is_same_v<Element, double>)
+            return __kuzdBRngdAbstract(stream, n, r, 0, 1);
+        else
+            return __kuzsBRngsAbstract(stream, n, r, 0, 1);
     }
     const int32_t* position() const { return reinterpret_cast<const int32_t*>(stream + 1); }  // size, head, free
 };

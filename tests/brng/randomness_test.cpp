@@ -18,8 +18,7 @@ Words top_words(int32_t id, uint32_t seed, int32_t n) {
     std::vector<double> u(static_cast<size_t>(n));
     EXPECT_EQ(_kuzdRngUniform(0, stream, n, u.data(), 0, 1), StatusOk);
     Words words(u.size());
-    for (size_t i = 0; i < u.size(); ++i)
-        words[i] = static_cast<uint32_t>(std::min(u[i] * 4294967296.0, 4294967295.0));
+    for (size_t i = 0; i < u.size(); ++i) words[i] = static_cast<uint32_t>(std::min(u[i] * 4294967296.0, 4294967295.0));
     return words;
 }
 
@@ -62,8 +61,8 @@ TEST(LinearStructure, ComplexityIsTheDegreeOrHalfTheLength) {
         {BrngMT19937, 40500, 19937},
     };
     for (const auto& c : linear) EXPECT_EQ(linear_complexity(top_words(c.id, 5, c.bits)), c.expected) << c.id;
-    for (const int32_t id : {BrngMCG31M1 + 0, BrngMCG59 + 0, BrngMRG32K3A + 0, BrngWH + 0, BrngWH + 272,
-                             BrngPHILOX4X32X10 + 0})
+    for (const int32_t id :
+         {BrngMCG31M1 + 0, BrngMCG59 + 0, BrngMRG32K3A + 0, BrngWH + 0, BrngWH + 272, BrngPHILOX4X32X10 + 0})
         EXPECT_NEAR(static_cast<double>(linear_complexity(top_words(id, 5, 6000))), 3000, 20) << id;
 }
 
@@ -88,13 +87,14 @@ size_t rank(const Words& words, size_t size) {
 
 // A random matrix lacks more than 6 of its full rank with a probability below 10^-14.
 TEST(LinearStructure, RanksOfMatrices) {
-    for (const int32_t id : {BrngMT2203 + 1, BrngMT19937 + 0, BrngSFMT19937 + 0, BrngMRG32K3A + 0, BrngWH + 1, BrngMCG59 + 0})
+    for (const int32_t id :
+         {BrngMT2203 + 1, BrngMT19937 + 0, BrngSFMT19937 + 0, BrngMRG32K3A + 0, BrngWH + 1, BrngMCG59 + 0})
         EXPECT_GE(rank(top_words(id, 9, 400 * 400), 400), 394u) << id;
     EXPECT_EQ(rank(top_words(BrngR250, 9, 400 * 400), 400), 250u);
 }
 
-const int32_t all[] = {BrngMCG31M1 + 0, BrngMCG59 + 0,     BrngMRG32K3A + 0,  BrngR250 + 0,
-                       BrngWH + 0,      BrngWH + 272,      BrngMT19937 + 0,   BrngMT2203 + 0,
+const int32_t all[] = {BrngMCG31M1 + 0,   BrngMCG59 + 0,     BrngMRG32K3A + 0,     BrngR250 + 0,
+                       BrngWH + 0,        BrngWH + 272,      BrngMT19937 + 0,      BrngMT2203 + 0,
                        BrngMT2203 + 6023, BrngSFMT19937 + 0, BrngPHILOX4X32X10 + 0};
 
 // Of 2^10 birthdays in a year of 2^24 days the spacings that occur again are Poisson with mean 2^30 / 2^26 = 16; over 64 years
@@ -143,7 +143,8 @@ TEST(Correlation, OfMembersAndOfTheirBits) {
     for (int pair = 0; pair < 100; ++pair) {
         const int32_t first = static_cast<int32_t>(random() % 6024), second = static_cast<int32_t>(random() % 6024);
         if (first == second) continue;
-        const std::vector<double> a = uniforms(BrngMT2203 + first, 17, 20000), b = uniforms(BrngMT2203 + second, 17, 20000);
+        const std::vector<double> a = uniforms(BrngMT2203 + first, 17, 20000),
+                                  b = uniforms(BrngMT2203 + second, 17, 20000);
         const double z = correlation(a, b, 0);
         squares += z * z;
         EXPECT_LT(std::fabs(z), 4.5) << first << " and " << second;

@@ -94,10 +94,8 @@ Words plain_sfmt(const Words& seed, size_t count) {
             return i < 0 || i > 15 ? 0u : x[word + static_cast<size_t>(i) / 4] >> i % 4 * 8 & 0xFF;
         };
         uint32_t fresh[4] = {};
-        for (int i = 0; i < 16; ++i)
-            fresh[i / 4] |= (byte(k, i) ^ byte(k, i - 1) ^ byte(k + 616, i + 1)) << i % 4 * 8;
-        for (size_t i = 0; i < 4; ++i)
-            x.push_back(fresh[i] ^ (x[k + 488 + i] >> 11 & mask[i]) ^ x[k + 620 + i] << 18);
+        for (int i = 0; i < 16; ++i) fresh[i / 4] |= (byte(k, i) ^ byte(k, i - 1) ^ byte(k + 616, i + 1)) << i % 4 * 8;
+        for (size_t i = 0; i < 4; ++i) x.push_back(fresh[i] ^ (x[k + 488 + i] >> 11 & mask[i]) ^ x[k + 620 + i] << 18);
     }
     return {x.begin() + 624, x.begin() + 624 + static_cast<ptrdiff_t>(count)};
 }
@@ -162,15 +160,27 @@ TEST(ShiftRegisters, PiecesOfTheSequence) {
             Guarded<double> d(n);
             Guarded<float> s(n);
             switch ((call + call / 20) % 3) {
-                case 0: ASSERT_EQ(kernels.iBRng(stream, n, i.data()), StatusOk); break;
-                case 1: ASSERT_EQ(kernels.dBRng(stream, n, d.data(), a, b), StatusOk); break;
-                case 2: ASSERT_EQ(kernels.sBRng(stream, n, s.data(), a, b), StatusOk); break;
+                case 0:
+                    ASSERT_EQ(kernels.iBRng(stream, n, i.data()), StatusOk);
+                    break;
+                case 1:
+                    ASSERT_EQ(kernels.dBRng(stream, n, d.data(), a, b), StatusOk);
+                    break;
+                case 2:
+                    ASSERT_EQ(kernels.sBRng(stream, n, s.data(), a, b), StatusOk);
+                    break;
             }
             ASSERT_TRUE(i.sentinels_stand() && d.sentinels_stand() && s.sentinels_stand()) << g.name << " " << n;
             for (int32_t k = 0; k < n; ++k, ++next) switch ((call + call / 20) % 3) {
-                    case 0: ASSERT_EQ(i.data()[k], *next) << g.name << " call " << call << " of " << n << " at " << k; break;
-                    case 1: ASSERT_EQ(d.data()[k], g.as_double(*next, a, b)) << g.name << " call " << call; break;
-                    case 2: ASSERT_EQ(s.data()[k], g.as_float(*next, a, b)) << g.name << " call " << call; break;
+                    case 0:
+                        ASSERT_EQ(i.data()[k], *next) << g.name << " call " << call << " of " << n << " at " << k;
+                        break;
+                    case 1:
+                        ASSERT_EQ(d.data()[k], g.as_double(*next, a, b)) << g.name << " call " << call;
+                        break;
+                    case 2:
+                        ASSERT_EQ(s.data()[k], g.as_float(*next, a, b)) << g.name << " call " << call;
+                        break;
                 }
         }
     }

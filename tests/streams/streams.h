@@ -52,7 +52,7 @@ struct Guarded {
 };
 
 // Generators that can skip ahead, and those that cannot.
-inline constexpr int32_t present[] = {BrngMCG31M1, BrngMCG59,   BrngMRG32K3A,  BrngPHILOX4X32X10,
+inline constexpr int32_t present[] = {BrngMCG31M1, BrngMCG59,   BrngMRG32K3A, BrngPHILOX4X32X10,
                                       BrngWH + 3,  BrngMT19937, BrngSFMT19937};
 inline constexpr int32_t without_skip[] = {BrngR250, BrngMT2203 + 17};
 

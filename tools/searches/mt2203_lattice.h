@@ -22,7 +22,6 @@
 // last bit, which leaves one dependence.
 namespace mt2203 {
 
-
 struct Member {
     uint32_t twist, mask_b, mask_c;
     bool operator==(const Member&) const = default;
@@ -69,7 +68,7 @@ public:
     }
 
 private:
-    static constexpr int room = 96;    // words that a state may wander before it is moved back
+    static constexpr int room = 96;                        // words that a state may wander before it is moved back
     static constexpr int packets = (state_words + 7) / 8;  // of eight words, to cover a state
     alignas(64) uint32_t words_[33][state_words + room + 8];
     int begin_[33];
@@ -79,10 +78,10 @@ private:
     uint32_t live_;           // labels of the basis
     int lowest_;              // of the labels and bits in use
     uint32_t output_mask_;
-    int free_;       // the vector that is being reduced
-    uint32_t lead_;  // its leading coefficient
+    int free_;        // the vector that is being reduced
+    uint32_t lead_;   // its leading coefficient
     int degree_sum_;  // over the basis
-    bool exhausted_;   // the free vector is 0, or its outputs are
+    bool exhausted_;  // the free vector is 0, or its outputs are
     Member member_;
 
     static uint32_t next_word(const uint32_t* words, uint32_t twist) {

@@ -96,7 +96,8 @@ void reduce(std::array<Vector, last_dimension>& basis, int t) {
             while (true) {
                 const Real mu = Orthogonal(basis, i + 1).mu[i][j];
                 if (mu > -0.51 && mu < 0.51) break;
-                for (int k = 0; k < last_dimension; ++k) basis[i][k] -= static_cast<Signed>(mu + (mu < 0 ? -0.5 : 0.5)) * basis[j][k];
+                for (int k = 0; k < last_dimension; ++k)
+                    basis[i][k] -= static_cast<Signed>(mu + (mu < 0 ? -0.5 : 0.5)) * basis[j][k];
             }
         }
         const Orthogonal o(basis, i + 1);
@@ -110,8 +111,7 @@ void reduce(std::array<Vector, last_dimension>& basis, int t) {
 }
 
 // The squared length of the shortest vector, by enumeration under the best one known.
-void enumerate(const Orthogonal& o, int t, int level, std::array<Real, last_dimension>& x, Real sum,
-               Real& best) {
+void enumerate(const Orthogonal& o, int t, int level, std::array<Real, last_dimension>& x, Real sum, Real& best) {
     if (level < 0) {
         if (sum > 0.5) best = std::min(best, sum);
         return;

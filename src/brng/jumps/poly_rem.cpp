@@ -166,8 +166,8 @@ ORV_API int32_t __kuzPolyRem(int64_t n, int64_t degree, int32_t term_count, cons
                  nullptr,
                  nullptr};
     const bool by_rows = !has_few_terms(work);
-    work.r = static_cast<uint8_t*>(
-        orv_serv_allocate(r_bytes(work) + (by_rows ? 256 * work.row_bytes : 0), work_alignment));
+    work.r =
+        static_cast<uint8_t*>(orv_serv_allocate(r_bytes(work) + (by_rows ? 256 * work.row_bytes : 0), work_alignment));
     if (!work.r) return StatusNoMemory;
     if (by_rows) {
         work.rows = work.r + r_bytes(work);
