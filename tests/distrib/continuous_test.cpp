@@ -116,11 +116,10 @@ TYPED_TEST(Continuous, UniformsOfZeroAndTheCallersState) {
             EXPECT_EQ(_arqGetMode(), mode) << c.name;
             EXPECT_EQ(_arqGetErrorCallBack(), callers_callback) << c.name;
             EXPECT_EQ(errno, 0) << c.name;
-            if (!fails)
-                for (const TypeParam x : r) ASSERT_NEAR(x, c.at_zero, 2e-6 * c.at_zero) << c.name;
+            if (fails) continue;
+            for (const TypeParam x : r) ASSERT_NEAR(x, c.at_zero, 2e-6 * c.at_zero) << c.name;
         }
     _arqSetErrorCallBack(no_callback);
-    // A mode given back whole needs its error field set once more: the callback's change has touched it.
     _arqSetMode(before);
 }
 
