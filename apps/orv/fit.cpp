@@ -181,9 +181,7 @@ void add_fit(CLI::App& app, int& status) {
     CLI::Option* sites = fit->add_option("--sites", request->sites,
                                          "how many sites, evenly from end to end, or a CSV file with a column of them")
                              ->capture_default_str();
-    fit->add_option("--derivatives", request->derivatives, "derivatives beside the value")
-        ->check(CLI::Range(0, 3))
-        ->capture_default_str();
+    add_count(*fit, "--derivatives", request->derivatives, 0, 3, "derivatives beside the value");
     fit->add_option("--integrate", request->intervals, "limits A,B of an integral; may be given again")
         ->allow_extra_args(false)
         ->excludes(sites);

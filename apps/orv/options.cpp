@@ -28,7 +28,8 @@ CLI::Option* add(CLI::App& app, const std::string& names, Count& value, Count le
     };
     CLI::Option* option = app.add_option_function<std::string>(names, take, help);
     option->type_name("COUNT");
-    if (value != 0) option->default_str(std::to_string(value));
+    // A value out of the range stands for a choice that the work makes.
+    if (value >= least) option->default_str(std::to_string(value));
     return option;
 }
 

@@ -40,6 +40,7 @@ bool names_columns(const Row& row, const Format& format) {
 
 void read_table(const std::string& file, const Format& format, const std::function<void(const Head&)>& begin,
                 const std::function<bool(const Head&, const Row&)>& take, const std::function<void(const Head&)>& end) {
+    if (format.separator == format.decimal) fail("--decimal: the sign stands between fields too; choose another --sep");
     Head head;
     head.source = source_name(file);
     head.format = format;

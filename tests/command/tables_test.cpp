@@ -119,7 +119,8 @@ TEST_F(Command, Refuses) {
         {"math Conj", "1\n", "no function of type d, Conj; "},
         {"math Abs --column hight", "height,width\n1,2\n",
          "<stdin>:1: no column hight; did you mean height? There are height, width\n"},
-        {"math Abs --decimal ,", "1\n1.5\n", "<stdin>:2: column 1: '1.5' is not a number\n"},
+        {"math Abs --sep tab --decimal ,", "1\n1.5\n", "<stdin>:2: column 1: '1.5' is not a number\n"},
+        {"math Abs --decimal ,", "1\n", "--decimal: the sign stands between fields too; choose another --sep\n"},
         {"math Abs --sep ab", "", "--sep: 'ab' is not one letter, nor tab nor space\n"},
         {"math Abs --na drop", "", "--na: 'drop' is neither skip nor refuse\n"},
         {"math Abs --header --no-header", "", ""},
@@ -141,6 +142,7 @@ TEST_F(Command, Refuses) {
         {"fit --x t --y v --spline default", parabola,
          "the default spline takes its interior second derivatives from --internal\n"},
         {"fit --x t --y v --spline wavy", parabola, "--spline: no spline wavy; there are linear, quadratic"},
+        {"fit --x t --y v --derivatives 4", parabola, "--derivatives: '4' is not a whole number from 0 to 3\n"},
         {"fit --x t --y v --sites 0", parabola, "--sites: a whole number from 1 to 10,000,000, or a file\n"},
         {"fit --x t --y v --integrate 1", parabola, "--integrate: 1 is not two numbers with a comma between them\n"},
 
