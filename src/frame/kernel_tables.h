@@ -54,11 +54,11 @@
     ROW(HERE,  s, Round,      ONE,        ALL,   MEASURED(sRound))                \
     ROW(HERE,  s, Trunc,      ONE,        ALL,   MEASURED(sTrunc))                \
     ROW(HERE,  s, Abs,        ONE,        ALL,   MEASURED(sAbs))                  \
-    ROW(LATER, s, Inv,        ONE,        LA_HA, MEASURED(sInv))                  \
-    ROW(LATER, s, Sqrt,       ONE,        EACH,  MEASURED(sSqrt))                 \
-    ROW(LATER, s, InvSqrt,    ONE,        EACH,  MEASURED(sInvSqrt))              \
-    ROW(LATER, s, Cbrt,       ONE,        EACH,  MEASURED(sCbrt))                 \
-    ROW(LATER, s, InvCbrt,    ONE,        EACH,  MEASURED(sInvCbrt))              \
+    ROW(HERE,  s, Inv,        ONE,        LA_HA, MEASURED(sInv))                  \
+    ROW(HERE,  s, Sqrt,       ONE,        EACH,  MEASURED(sSqrt))                 \
+    ROW(HERE,  s, InvSqrt,    ONE,        EACH,  MEASURED(sInvSqrt))              \
+    ROW(HERE,  s, Cbrt,       ONE,        EACH,  MEASURED(sCbrt))                 \
+    ROW(HERE,  s, InvCbrt,    ONE,        EACH,  MEASURED(sInvCbrt))              \
     ROW(HERE,  s, Exp,        ONE,        EACH,  COST(5.667, 6.42, 3.633))        \
     ROW(HERE,  s, Ln,         ONE,        EACH,  COST(6.823, 8.138, 4.498))       \
     ROW(HERE,  s, Log10,      ONE,        EACH,  MEASURED(sLog10))                \
@@ -109,11 +109,11 @@
     ROW(HERE,  d, Round,      ONE,        ALL,   MEASURED(dRound))                \
     ROW(HERE,  d, Trunc,      ONE,        ALL,   MEASURED(dTrunc))                \
     ROW(HERE,  d, Abs,        ONE,        ALL,   MEASURED(dAbs))                  \
-    ROW(LATER, d, Inv,        ONE,        ALL,   MEASURED(dInv))                  \
-    ROW(LATER, d, Sqrt,       ONE,        ALL,   MEASURED(dSqrt))                 \
-    ROW(LATER, d, InvSqrt,    ONE,        LA_EP, MEASURED(dInvSqrt))              \
-    ROW(LATER, d, Cbrt,       ONE,        LA_EP, MEASURED(dCbrt))                 \
-    ROW(LATER, d, InvCbrt,    ONE,        ALL,   MEASURED(dInvCbrt))              \
+    ROW(HERE,  d, Inv,        ONE,        ALL,   MEASURED(dInv))                  \
+    ROW(HERE,  d, Sqrt,       ONE,        ALL,   MEASURED(dSqrt))                 \
+    ROW(HERE,  d, InvSqrt,    ONE,        LA_EP, MEASURED(dInvSqrt))              \
+    ROW(HERE,  d, Cbrt,       ONE,        LA_EP, MEASURED(dCbrt))                 \
+    ROW(HERE,  d, InvCbrt,    ONE,        ALL,   MEASURED(dInvCbrt))              \
     ROW(HERE,  d, Exp,        ONE,        EACH,  COST(11.07, 16.065, 8.56))       \
     ROW(HERE,  d, Ln,         ONE,        LA_HA, COST(18, 18, 11.07))             \
     ROW(HERE,  d, Log10,      ONE,        LA_EP, MEASURED(dLog10))                \
@@ -196,42 +196,42 @@
     ROW(LATER, c, Arg,        TO_REAL,    EACH,  MEASURED(cArg))                  \
     ROW(LATER, z, Abs,        TO_REAL,    EACH,  MEASURED(zAbs))                  \
     ROW(LATER, z, Arg,        TO_REAL,    EACH,  MEASURED(zArg))                  \
-    ROW(LATER, s, Div,        TWO,        ALL,   MEASURED(sDiv))                  \
+    ROW(HERE,  s, Div,        TWO,        ALL,   MEASURED(sDiv))                  \
     ROW(HERE,  s, Pow,        TWO,        LA_HA, MEASURED(sPow))                  \
     ROW(HERE,  s, Atan2,      TWO,        EACH,  MEASURED(sAtan2))                \
-    ROW(LATER, s, Hypot,      TWO,        EACH,  MEASURED(sHypot))                \
+    ROW(HERE,  s, Hypot,      TWO,        EACH,  MEASURED(sHypot))                \
     ROW(HERE,  s, Add,        TWO,        ALL,   COST(0.89, 0.89, 0.89))          \
     ROW(HERE,  s, Sub,        TWO,        ALL,   MEASURED(sSub))                  \
     ROW(HERE,  s, Mul,        TWO,        ALL,   MEASURED(sMul))                  \
     ROW(HERE,  s, Atan2pi,    TWO,        EACH,  MEASURED(sAtan2pi))              \
-    ROW(LATER, s, CopySign,   TWO,        ALL,   MEASURED(sCopySign))             \
-    ROW(LATER, s, NextAfter,  TWO,        ALL,   MEASURED(sNextAfter))            \
-    ROW(LATER, s, Fdim,       TWO,        ALL,   MEASURED(sFdim))                 \
-    ROW(LATER, s, Fmax,       TWO,        ALL,   MEASURED(sFmax))                 \
-    ROW(LATER, s, Fmin,       TWO,        ALL,   MEASURED(sFmin))                 \
-    ROW(LATER, s, MaxMag,     TWO,        ALL,   MEASURED(sMaxMag))               \
-    ROW(LATER, s, MinMag,     TWO,        ALL,   MEASURED(sMinMag))               \
+    ROW(HERE,  s, CopySign,   TWO,        ALL,   MEASURED(sCopySign))             \
+    ROW(HERE,  s, NextAfter,  TWO,        ALL,   MEASURED(sNextAfter))            \
+    ROW(HERE,  s, Fdim,       TWO,        ALL,   MEASURED(sFdim))                 \
+    ROW(HERE,  s, Fmax,       TWO,        ALL,   MEASURED(sFmax))                 \
+    ROW(HERE,  s, Fmin,       TWO,        ALL,   MEASURED(sFmin))                 \
+    ROW(HERE,  s, MaxMag,     TWO,        ALL,   MEASURED(sMaxMag))               \
+    ROW(HERE,  s, MinMag,     TWO,        ALL,   MEASURED(sMinMag))               \
     ROW(HERE,  s, Powr,       TWO,        LA_HA, MEASURED(sPowr))                 \
-    ROW(LATER, s, Remainder,  TWO,        ALL,   MEASURED(sRemainder))            \
-    ROW(LATER, s, Fmod,       TWO,        ALL,   MEASURED(sFmod))                 \
-    ROW(LATER, d, Div,        TWO,        ALL,   MEASURED(dDiv))                  \
+    ROW(HERE,  s, Remainder,  TWO,        ALL,   MEASURED(sRemainder))            \
+    ROW(HERE,  s, Fmod,       TWO,        ALL,   MEASURED(sFmod))                 \
+    ROW(HERE,  d, Div,        TWO,        ALL,   MEASURED(dDiv))                  \
     ROW(HERE,  d, Pow,        TWO,        LA_HA, COST(53.66, 53.66, 29.628))      \
     ROW(HERE,  d, Atan2,      TWO,        EACH,  MEASURED(dAtan2))                \
-    ROW(LATER, d, Hypot,      TWO,        EACH,  MEASURED(dHypot))                \
+    ROW(HERE,  d, Hypot,      TWO,        EACH,  MEASURED(dHypot))                \
     ROW(HERE,  d, Add,        TWO,        ALL,   MEASURED(dAdd))                  \
     ROW(HERE,  d, Sub,        TWO,        ALL,   MEASURED(dSub))                  \
     ROW(HERE,  d, Mul,        TWO,        ALL,   MEASURED(dMul))                  \
     ROW(HERE,  d, Atan2pi,    TWO,        EACH,  MEASURED(dAtan2pi))              \
-    ROW(LATER, d, CopySign,   TWO,        ALL,   MEASURED(dCopySign))             \
-    ROW(LATER, d, NextAfter,  TWO,        ALL,   MEASURED(dNextAfter))            \
-    ROW(LATER, d, Fdim,       TWO,        ALL,   MEASURED(dFdim))                 \
-    ROW(LATER, d, Fmax,       TWO,        ALL,   MEASURED(dFmax))                 \
-    ROW(LATER, d, Fmin,       TWO,        ALL,   MEASURED(dFmin))                 \
-    ROW(LATER, d, MaxMag,     TWO,        ALL,   MEASURED(dMaxMag))               \
-    ROW(LATER, d, MinMag,     TWO,        ALL,   MEASURED(dMinMag))               \
+    ROW(HERE,  d, CopySign,   TWO,        ALL,   MEASURED(dCopySign))             \
+    ROW(HERE,  d, NextAfter,  TWO,        ALL,   MEASURED(dNextAfter))            \
+    ROW(HERE,  d, Fdim,       TWO,        ALL,   MEASURED(dFdim))                 \
+    ROW(HERE,  d, Fmax,       TWO,        ALL,   MEASURED(dFmax))                 \
+    ROW(HERE,  d, Fmin,       TWO,        ALL,   MEASURED(dFmin))                 \
+    ROW(HERE,  d, MaxMag,     TWO,        ALL,   MEASURED(dMaxMag))               \
+    ROW(HERE,  d, MinMag,     TWO,        ALL,   MEASURED(dMinMag))               \
     ROW(HERE,  d, Powr,       TWO,        EACH,  MEASURED(dPowr))                 \
-    ROW(LATER, d, Remainder,  TWO,        ALL,   MEASURED(dRemainder))            \
-    ROW(LATER, d, Fmod,       TWO,        ALL,   MEASURED(dFmod))                 \
+    ROW(HERE,  d, Remainder,  TWO,        ALL,   MEASURED(dRemainder))            \
+    ROW(HERE,  d, Fmod,       TWO,        ALL,   MEASURED(dFmod))                 \
     ROW(LATER, c, Div,        TWO,        LA_HA, MEASURED(cDiv))                  \
     ROW(LATER, c, Pow,        TWO,        ALL,   MEASURED(cPow))                  \
     ROW(LATER, c, Add,        TWO,        LA_HA, MEASURED(cAdd))                  \
@@ -249,11 +249,11 @@
     ROW(HERE,  s, Powx,       SCALAR,     EACH,  MEASURED(sPowx))                 \
     ROW(HERE,  d, Powx,       SCALAR,     EACH,  MEASURED(dPowx))                 \
     ROW(HERE,  s, SinCos,     TWO_OUT,    LA_EP, MEASURED(sSinCos))               \
-    ROW(LATER, s, Modf,       TWO_OUT,    ALL,   MEASURED(sModf))                 \
+    ROW(HERE,  s, Modf,       TWO_OUT,    ALL,   MEASURED(sModf))                 \
     ROW(HERE,  d, SinCos,     TWO_OUT,    LA_HA, MEASURED(dSinCos))               \
-    ROW(LATER, d, Modf,       TWO_OUT,    ALL,   MEASURED(dModf))                 \
-    ROW(LATER, s, LinearFrac, LINEAR,     ALL,   MEASURED(sLinearFrac))           \
-    ROW(LATER, d, LinearFrac, LINEAR,     ALL,   MEASURED(dLinearFrac))
+    ROW(HERE,  d, Modf,       TWO_OUT,    ALL,   MEASURED(dModf))                 \
+    ROW(HERE,  s, LinearFrac, LINEAR,     ALL,   MEASURED(sLinearFrac))           \
+    ROW(HERE,  d, LinearFrac, LINEAR,     ALL,   MEASURED(dLinearFrac))
 
 #define ORV_MOVE_ROWS(ROW) \
     ROW(LATER, s, PackI,      PACK_STRIDE, ALL,   COST(1111, 1111, 1111))   \

@@ -19,6 +19,24 @@
     CARD(Add, "a + b", "As IEC 60559 addition.", "", "IEC 60559") \
     CARD(Sub, "a - b", "As IEC 60559 subtraction.", "", "IEC 60559") \
     CARD(Mul, "a * b", "As IEC 60559 multiplication.", "", "IEC 60559") \
+    CARD(Inv, "1 / a", "Zeros give an infinity of their sign, reported as singularity; an overflow an infinity, reported as such; infinities give zeros.", "", "IEC 60559 division") \
+    CARD(Sqrt, "the square root of a", "Negative values give a NaN, reported as domain; zeros and plus infinity come back.", "", "IEC 60559 squareRoot") \
+    CARD(InvSqrt, "1 / sqrt(a)", "Zeros give an infinity of their sign, reported as singularity; negative values a NaN, reported as domain; plus infinity gives +0.", "", "IEC 60559 rSqrt") \
+    CARD(Cbrt, "the cube root of a", "Zeros and infinities come back.", "", "W. J. Cody and W. Waite, Software Manual for the Elementary Functions, 1980, with a table in place of the rational approximation") \
+    CARD(InvCbrt, "1 / cbrt(a)", "Zeros give an infinity of their sign, reported as singularity; infinities give zeros.", "", "W. J. Cody and W. Waite, Software Manual for the Elementary Functions, 1980, with a table in place of the rational approximation") \
+    CARD(Div, "a / b", "A finite number other than zero over zero gives an infinity, reported as singularity; 0/0 and infinity/infinity a NaN, reported as domain; overflow and underflow are not reported.", "", "IEC 60559 division") \
+    CARD(Hypot, "the square root of a * a + b * b", "An infinity gives plus infinity, also beside a NaN; an overflow gives infinity, reported as such. Nothing in between overflows.", "", "IEC 60559 hypot") \
+    CARD(Remainder, "a - n b with n the integer nearest to a / b, ties to even", "b of zero or an infinite a give a NaN, reported as domain; an infinite b gives a; a zero has the sign of a. Denormals are numbers in every mode.", "", "IEC 60559 remainder") \
+    CARD(Fmod, "a - n b with n the integer part of a / b", "b of zero or an infinite a give a NaN, reported as domain; an infinite b gives a; a zero has the sign of a. Denormals are numbers in every mode.", "", "C99 7.12.10.1") \
+    CARD(Fdim, "a - b where a is larger, +0 elsewhere", "An overflow gives infinity, reported as such.", "", "C99 7.12.12.1") \
+    CARD(Fmax, "the larger of a and b", "Of one NaN the other argument; -0 counts below +0.", "", "IEC 60559-2008 maxNum") \
+    CARD(Fmin, "the smaller of a and b", "Of one NaN the other argument; -0 counts below +0.", "", "IEC 60559-2008 minNum") \
+    CARD(MaxMag, "the argument of the larger magnitude", "Of equal magnitudes as Fmax; of one NaN the other argument.", "", "IEC 60559-2008 maxNumMag") \
+    CARD(MinMag, "the argument of the smaller magnitude", "Of equal magnitudes as Fmin; of one NaN the other argument.", "", "IEC 60559-2008 minNumMag") \
+    CARD(CopySign, "the magnitude of a with the sign of b", "Of every argument, NaNs too; no flag is raised. Denormals are numbers in every mode.", "", "IEC 60559 copySign") \
+    CARD(NextAfter, "the number next to a in the direction of b", "b where they are equal; past the largest number an infinity, reported as overflow; a subnormal or zero is reported as underflow. Denormals are numbers in every mode.", "", "C99 7.12.11.3") \
+    CARD(Modf, "the integral part of a, and z[i] the fraction", "Both have the sign of a; an infinity gives itself and a zero.", "", "C99 7.12.6.12") \
+    CARD(LinearFrac, "(scalea * a + shifta) / (scaleb * b + shiftb)", "Each operation is rounded once. A denominator of zero as in Div; a NaN that no argument brings is reported as domain; scaleb of 0 with shiftb of 1 takes no division.", "Of the operations one by one.", "IEC 60559") \
     CARD(Exp, "e to the power a", "Above 709.78 (s: 88.72) infinity, reported as overflow; below -708.40 (s: -87.34) a subnormal or zero, reported as underflow; minus infinity gives +0.", "", "P. T. P. Tang, Table-driven implementation of the exponential function, ACM TOMS 15 (1989)") \
     CARD(Ln, "the natural logarithm of a", "Zero gives minus infinity, reported as singularity; negative values a NaN, reported as domain; plus infinity comes back.", "", "P. T. P. Tang, Table-driven implementation of the logarithm function, ACM TOMS 16 (1990)") \
     CARD(Sin, "the sine of a", "An infinity gives a NaN and status 1, a NaN a quiet NaN; zeros come back.", "", "Payne and Hanek, Radian Reduction for Trigonometric Functions, 1983") \
