@@ -13,7 +13,8 @@
 //   width   what the generator gives where words of exactly 32 bits are asked for: WORDS its own, UPPER the upper half
 //           of a longer one, NONE nothing
 //   state   TESTED if orv::brng::space::is_sound(stream) tells whether a state that was read from an image is one that
-//           the generator can be in; TRUSTED where nothing can tell
+//           the generator can be in; CHUNKED if it does so for the state, and chunks_are_sound(stream) for the chunks
+//           once they are there; TRUSTED where nothing can tell
 #pragma once
 
 #include <stdint.h>
@@ -25,8 +26,8 @@
     ROW(HERE,   MRG32K3A,      mrg32k3a,      FIGURES(   40,     6, 1,  4, 32), 1,    NONE,  TESTED)  \
     ROW(HERE,   MCG59,         mcg59,         FIGURES(   32,     1, 0,  8, 59), 1,    UPPER, TESTED)  \
     ROW(LATER,  WH,            wh,            FIGURES(   48,     4, 1, 16, 24), 273,  NONE,  TRUSTED) \
-    ROW(LATER,  Sobol,         sobol,         FIGURES(11712,  2604, 0,  4, 32), 1,    NONE,  TRUSTED) \
-    ROW(LATER,  Niederr,       niederr,       FIGURES(84288, 10498, 0,  4, 32), 1,    NONE,  TRUSTED) \
+    ROW(HERE,   Sobol,         sobol,         FIGURES(11712,  2604, 0,  4, 32), 1,    NONE,  CHUNKED) \
+    ROW(HERE,   Niederr,       niederr,       FIGURES(84288, 10498, 0,  4, 32), 1,    NONE,  CHUNKED) \
     ROW(LATER,  MT19937,       mt19937,       FIGURES( 2520,   625, 1,  4, 32), 1,    WORDS, TRUSTED) \
     ROW(LATER,  MT2203,        mt2203,        FIGURES(  312,    70, 1,  4, 32), 6024, WORDS, TRUSTED) \
     ROW(RING_i, iAbstract,     abstract,      FIGURES(   40,     0, 1,  4, 32), 1,    NONE,  TRUSTED) \
