@@ -2,23 +2,20 @@
 
 namespace orv::accuracy {
 
-const std::vector<Function>& functions() {
-    static const std::vector<Function> all = [] {
-        std::vector<Function> list;
-        for (const auto family : {
-                 basic_functions,
-                 exp_log_functions,
-                 trig_functions,
-             })
-            for (Function& function : family()) list.push_back(std::move(function));
-        return list;
-    }();
+const std::vector<Family>& families() {
+    static const std::vector<Family> all = {
+        {"Rounding and arithmetic", basic_functions()},
+        {"Exponentials and logarithms", exp_log_functions()},
+        {"Powers", power_functions()},
+        {"Sines, cosines, tangents", trig_functions()},
+    };
     return all;
 }
 
 const Function* find_function(std::string_view name, char type) {
-    for (const Function& function : functions())
-        if (function.name == name && function.types.find(type) != std::string_view::npos) return &function;
+    for (const Family& family : families())
+        for (const Function& function : family.functions)
+            if (function.name == name && function.types.find(type) != std::string_view::npos) return &function;
     return nullptr;
 }
 

@@ -74,14 +74,19 @@ struct Function {
     double fast_limit = std::numeric_limits<double>::infinity();
 };
 
-const std::vector<Function>& functions();
+struct Family {
+    std::string_view title;
+    std::vector<Function> functions;
+};
+const std::vector<Family>& families();
 
-// Null if there is none.
+// The functions of all families; null if there is none such.
 const Function* find_function(std::string_view name, char type);
 
 // One table a family.
 std::vector<Function> basic_functions();
 std::vector<Function> exp_log_functions();
+std::vector<Function> power_functions();
 std::vector<Function> trig_functions();
 
 // Holds the x87 unit at 64 significant bits, which a Windows process does not start with.

@@ -179,60 +179,94 @@ struct Hunter {
     }
 };
 
+// As many random arguments in every stratum, about `count` in all.
+template <class T>
+void sample(Hunter<T>& hunter, std::vector<Stratum<T>>& strata, double count, std::mt19937_64& random) {
+    const size_t per_stratum = std::max<size_t>(1, static_cast<size_t>(count) / strata.size());
+    hunter.x.clear();
+    for (const Stratum<T>& stratum : strata)
+        for (size_t i = 0; i < per_stratum; ++i)
+            for (int c = 0; c < hunter.kernel.inputs; ++c) hunter.x.push_back(random_in<T>(stratum.sides[c], random));
+    hunter.run(strata, per_stratum);
+}
+
+// Leaves the `keep` strata with the worst normal results, and then those with the worst subnormal ones.
+template <class T>
+void select(std::vector<Stratum<T>>& strata, size_t keep) {
+    size_t chosen = 0;
+    for (const int kind : {0, 1}) {
+        const auto first = strata.begin() + static_cast<ptrdiff_t>(chosen);
+        const auto end = strata.begin() + static_cast<ptrdiff_t>(std::min(strata.size(), chosen + keep));
+        std::partial_sort(first, end, strata.end(),
+                          [&](const auto& a, const auto& b) { return a.worst[kind] > b.worst[kind]; });
+        const auto last = std::find_if(first, end, [&](const auto& a) { return a.worst[kind] == 0; });
+        chosen = static_cast<size_t>(last - strata.begin());
+    }
+    strata.resize(std::max<size_t>(1, chosen));
+}
+
+// Each stratum narrowed to a sixteenth around its worst normal and its worst subnormal result.
+template <class T>
+std::vector<Stratum<T>> narrowed(const std::vector<Stratum<T>>& strata, int inputs) {
+    std::vector<Stratum<T>> list;
+    for (const Stratum<T>& stratum : strata)
+        for (const int kind : {0, 1}) {
+            if (stratum.worst[kind] == 0) continue;
+            Stratum<T> narrow = stratum;
+            for (int c = 0; c < inputs; ++c) {
+                Interval& side = narrow.sides[c];
+                const int64_t at = order(stratum.at[kind][c]), reach = (side.high - side.low) / 32 + 1;
+                side = {std::max(side.low, at - reach), std::min(side.high, at + reach)};
+            }
+            narrow.worst[1 - kind] = 0;
+            list.push_back(narrow);
+        }
+    return list.empty() ? strata : list;
+}
+
+// From the worst normal, or the worst subnormal result of each stratum, in steps that shrink to the last digit.
+template <class T>
+void climb(Hunter<T>& hunter, const std::vector<Stratum<T>>& strata, int kind, int shrink, std::mt19937_64& random) {
+    constexpr size_t tries = 24;
+    std::vector<Stratum<T>> climbers;
+    for (const Stratum<T>& stratum : strata)
+        if (stratum.worst[kind] > 0) climbers.push_back(stratum);
+    if (climbers.empty()) return;
+    for (int step = std::numeric_limits<T>::digits; step >= 0; step -= shrink) {
+        hunter.x.clear();
+        for (const Stratum<T>& climber : climbers)
+            for (size_t i = 0; i < tries; ++i)
+                for (int c = 0; c < hunter.kernel.inputs; ++c) {
+                    // One component in two stays where it is.
+                    const Interval& side = climber.sides[c];
+                    const int64_t at = order(climber.at[kind][c]);
+                    const int64_t reach = std::min(int64_t{1} << step, (side.high - side.low) / 4 + 1);
+                    const bool moves = hunter.kernel.inputs == 1 || random() & 1;
+                    hunter.x.push_back(moves ? random_in<T>({limited<T>(at - reach), limited<T>(at + reach)}, random)
+                                             : climber.at[kind][c]);
+                }
+        hunter.run(climbers, tries);
+    }
+}
+
 template <class T>
 Worst hunt_type(const Kernel& kernel, double effort, uint64_t seed) {
     const SilentErrors silent;
     std::mt19937_64 random(seed);
     Hunter<T> hunter(kernel);
+    const double per_round = (kernel.function->fast ? 150'000 : 20'000) * effort;
+
     std::vector<Stratum<T>> strata = strata_of<T>(kernel, random);
-    if (!kernel.function->fast) effort /= 8;
-
-    size_t per_stratum = std::max<size_t>(1, static_cast<size_t>(effort * 160'000) / strata.size());
-    const size_t last = 64;
-    for (;;) {
-        hunter.x.clear();
-        for (const Stratum<T>& stratum : strata)
-            for (size_t i = 0; i < per_stratum; ++i)
-                for (int c = 0; c < kernel.inputs; ++c) hunter.x.push_back(random_in<T>(stratum.sides[c], random));
-        hunter.run(strata, per_stratum);
-        if (strata.size() <= last) break;
-        // Those with the worst normal results, then those with the worst subnormal ones.
-        const size_t keep = std::max(last / 2, strata.size() / 8);
-        const auto foremost = [&](size_t from, int kind) {
-            const auto first = strata.begin() + static_cast<ptrdiff_t>(from);
-            const auto end = strata.begin() + static_cast<ptrdiff_t>(std::min(strata.size(), from + keep));
-            std::partial_sort(first, end, strata.end(),
-                              [&](const auto& a, const auto& b) { return a.worst[kind] > b.worst[kind]; });
-            return std::find_if(first, end, [&](const auto& a) { return a.worst[kind] == 0; }) - strata.begin();
-        };
-        const size_t normal = static_cast<size_t>(foremost(0, 0));
-        strata.resize(std::max<size_t>(1, static_cast<size_t>(foremost(normal, 1))));
-        per_stratum = std::max<size_t>(1, static_cast<size_t>(effort * 160'000) / strata.size());
+    sample(hunter, strata, per_round, random);
+    while (strata.size() > 64) {
+        select(strata, std::max<size_t>(32, strata.size() / 8));
+        sample(hunter, strata, per_round, random);
     }
-
-    // The climb, of all strata together.
-    constexpr size_t tries = 24;
-    for (const int kind : {0, 1}) {
-        std::vector<Stratum<T>> climbers;
-        for (const Stratum<T>& stratum : strata)
-            if (stratum.worst[kind] > 0) climbers.push_back(stratum);
-        if (climbers.empty()) continue;
-        for (int step = std::numeric_limits<T>::digits; step >= 0; step -= effort < 1 ? 4 : 2) {
-            hunter.x.clear();
-            for (const Stratum<T>& climber : climbers)
-                for (size_t i = 0; i < tries; ++i)
-                    for (int c = 0; c < kernel.inputs; ++c) {
-                        // One component in two stays where it is.
-                        const Interval& side = climber.sides[c];
-                        const int64_t at = order(climber.at[kind][c]);
-                        const int64_t reach = std::min(int64_t{1} << step, (side.high - side.low) / 4 + 1);
-                        const bool moves = kernel.inputs == 1 || random() & 1;
-                        hunter.x.push_back(moves
-                                               ? random_in<T>({limited<T>(at - reach), limited<T>(at + reach)}, random)
-                                               : climber.at[kind][c]);
-                    }
-            hunter.run(climbers, tries);
-        }
+    for (const int kind : {0, 1}) climb(hunter, strata, kind, effort < 1 ? 4 : 2, random);
+    for (int zoom = 0; zoom < 3; ++zoom) {
+        select(strata, 16);
+        strata = narrowed(strata, kernel.inputs);
+        sample(hunter, strata, per_round, random);
     }
     return hunter.worst;
 }

@@ -4,7 +4,7 @@
 // and the regions of a reduction, and the distances of every power of two from each point where something begins. A few
 // arguments of each are tried; the strata with the largest errors go on to the next round, a quarter as many with four times
 // the arguments each, and so on. From the worst argument of each stratum that is left a climb goes to worse ones nearby, in
-// steps that shrink to the last digit.
+// steps that shrink to the last digit; and the last strata are narrowed about their worst, round by round.
 #pragma once
 
 #include "accuracy/error.h"
@@ -25,7 +25,7 @@ struct Worst {
 template <class T>
 void fold(Worst& worst, const Error& error, const T* x, int inputs);
 
-// With an effort of 1 about a million arguments are tried; an eighth of that where only the exact value tells the error.
+// With an effort of 1 about a million and a half arguments are tried; an eighth of that where only the exact value tells the error.
 Worst hunt(const Kernel& kernel, double effort = 1, uint64_t seed = 1);
 
 // The same for `count` arguments spread evenly between `low` and `high`, of each component.

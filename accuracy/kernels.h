@@ -34,9 +34,9 @@ struct Kernel {
 // How a kernel shows in the name of a test.
 void PrintTo(const Kernel& kernel, std::ostream* out);
 
-// All that functions() has a row for.
+// All that families() have a row for.
 const std::vector<Kernel>& kernels();
-// Rows of the library that functions() has no row for, by name.
+// Rows of the library that families() have no row for, by name.
 const std::vector<std::string>& rows_without_function();
 
 // n points of `inputs` components each to n results of `outputs` components each, T being the type of a component.

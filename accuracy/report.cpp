@@ -2,15 +2,13 @@
 //
 // With --sweep the `s` functions of one input are measured over all floats as well, which takes minutes a function. What is
 // done of it is kept in the folder, and a later run goes on from there.
-#include "accuracy/bounds.h"
+#include "accuracy/page.h"
 #include "accuracy/sweep.h"
 
 #include <algorithm>
 #include <atomic>
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -19,12 +17,6 @@
 namespace {
 
 using namespace orv::accuracy;
-
-struct Line {
-    const Kernel* kernel;
-    Worst worst;
-    bool swept = false;
-};
 
 using Jobs = std::vector<std::function<void()>>;
 
@@ -83,32 +75,6 @@ struct Sweep {
     }
 };
 
-// ---- The page --------------------------------------------------------------------------------------------------------
-
-std::string place(const Kernel& kernel, const double* at) {
-    std::string text;
-    for (int i = 0; i < kernel.inputs; ++i) {
-        char number[64];
-        std::snprintf(number, sizeof number, "%s%a", i ? ", " : "", at[i]);
-        text += number;
-    }
-    return text;
-}
-
-void print(const Line& line) {
-    const Kernel& kernel = *line.kernel;
-    const Worst& w = line.worst;
-    std::printf("| %s | %c | %s | ", kernel.name, kernel.type, kernel.slots.c_str());
-    if (w.ulp > 0)
-        std::printf("%.4g | %s | 2^%.1f |", w.ulp, place(kernel, w.at).c_str(), std::log2(w.relative));
-    else
-        std::printf("0 | | |");
-    if (w.subnormal_ulp > 0)
-        std::printf(" %.4g | %s |\n", w.subnormal_ulp, place(kernel, w.subnormal_at).c_str());
-    else
-        std::printf(" | |\n");
-}
-
 [[noreturn]] void refuse() {
     std::fputs("accuracy_report: usage: accuracy_report [--effort E] [--sweep FOLDER] [FUNCTION...]\n", stderr);
     std::exit(2);
@@ -163,15 +129,5 @@ int main(int argc, char** argv) {
                 line.swept = true;
             }
 
-    int64_t count = 0;
-    for (const Line& line : lines) count += line.worst.count;
-    std::printf(
-        "# Measured accuracy\n\n"
-        "Worst error of each kernel against the exact value, by a search of %.3g arguments in all. Errors of normal\n"
-        "results are in ulp and, as a power of two, relative; those of subnormal results in units of the smallest\n"
-        "subnormal. Written by `accuracy_report`.\n\n"
-        "| Function | Type | Accuracy | Worst, ulp | At | Relative | Worst subnormal | At |\n"
-        "|---|---|---|---|---|---|---|---|\n",
-        static_cast<double>(count));
-    for (const Line& line : lines) print(line);
+    write_page(lines);
 }

@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace orv::command {
@@ -35,7 +36,7 @@ accuracy::Range range_of(const std::vector<double>& ends) {
 }
 
 // The errors of the three accuracies against the argument, or three maps of them.
-void draw(const Request& request, const std::string& title, const std::string& data, bool plane) {
+void draw(const std::string& title, const std::string& data, bool plane, Output& output) {
     std::string script = data;
     if (plane) {
         // Errors are seen by their powers of two.
@@ -45,14 +46,14 @@ void draw(const Request& request, const std::string& title, const std::string& d
         for (int i = 0; i < 3; ++i)
             script += "set title '" + std::string(accuracies[i]) + "'\nplot $e" + std::to_string(i) +
                       " using 1:2:3 with points pt 5 ps 0.3 palette\n";
-        return write_plot(request.plot, 1500, 480, script + "unset multiplot\n");
+        return write_plot(output, 1500, 480, script + "unset multiplot\n");
     }
     script += "set logscale y\nset xlabel 'argument'\nset ylabel 'error, ulp'\nset grid\nset key outside\nset title " +
               plot_quoted(title) + "\n";
     for (int i = 0; i < 3; ++i)
         script += (i ? ", " : "plot ") + ("$e" + std::to_string(i)) + " using 1:2 with points pt 7 ps 0.25 title '" +
                   accuracies[i] + "'";
-    write_plot(request.plot, 900, 560, script + "\n");
+    write_plot(output, 900, 560, script + "\n");
 }
 
 // Where the errors of an accuracy were met, for the picture.
@@ -86,6 +87,8 @@ void add_errors(std::string& data, int accuracy, const std::vector<T>& x, const 
 
 template <class T>
 int run(const Request& request, const std::vector<const accuracy::Kernel*>& kernels) {
+    std::optional<Output> plot;
+    if (!request.plot.empty()) plot.emplace(request.plot);
     const accuracy::Function& function = *kernels[0]->function;
     const accuracy::SilentErrors silent;
     const size_t inputs = static_cast<size_t>(kernels[0]->inputs), outputs = static_cast<size_t>(kernels[0]->outputs);
@@ -109,8 +112,7 @@ int run(const Request& request, const std::vector<const accuracy::Kernel*>& kern
         if (plane) x.push_back(spread(second, i % side, side));
     }
 
-    std::printf("accuracy,worst_ulp,at%s\n", plane ? ",and" : "");
-    std::string data;
+    std::string table = plane ? "accuracy,worst_ulp,at,and\n" : "accuracy,worst_ulp,at\n", data;
     for (int index = 0; index < 3; ++index) {
         const accuracy::Kernel* kernel = nullptr;
         for (const accuracy::Kernel* k : kernels)
@@ -127,12 +129,16 @@ int run(const Request& request, const std::vector<const accuracy::Kernel*>& kern
             for (const accuracy::Error& part : parts) errors[i] = std::max(errors[i], part.ulp);
             if (errors[i] > errors[worst]) worst = i;
         }
-        std::printf("%s,%.4g,%.17g", accuracies[index], errors[worst], static_cast<double>(x[inputs * worst]));
-        if (plane) std::printf(",%.17g", static_cast<double>(x[2 * worst + 1]));
-        std::printf("\n");
+        char figures[128];
+        std::snprintf(figures, sizeof figures, "%s,%.4g,%.17g", accuracies[index], errors[worst],
+                      static_cast<double>(x[inputs * worst]));
+        table += figures;
+        std::snprintf(figures, sizeof figures, ",%.17g", static_cast<double>(x[inputs * worst + 1 % inputs]));
+        table += plane ? figures + std::string("\n") : "\n";
         add_errors(data, index, x, errors, plane);
     }
-    if (!request.plot.empty()) draw(request, std::string(function.name), data, plane);
+    write_output("", table);
+    if (plot) draw(std::string(function.name), data, plane, *plot);
     return 0;
 }
 

@@ -7,26 +7,13 @@ namespace orv::command {
 
 namespace {
 
-// The suffixes of the "LA" and the "EP" entry.
-#define LA_s _21
-#define EP_s _11
-#define LA_d _50
-#define EP_d _26
-#define LA_c _21
-#define EP_c _11
-#define LA_z _50
-#define EP_z _26
-
-#define JOIN_(a, b) a##b
-#define JOIN(a, b) JOIN_(a, b)
 #define KERNEL(name) reinterpret_cast<orv_arq_kernel>(name)
-#define FUNCTION(type, function, shape, has_strided)                               \
-    {#type[0],                                                                     \
-     #function,                                                                    \
-     Shape::shape,                                                                 \
-     has_strided,                                                                  \
-     {KERNEL(JOIN(_arq##type##function, LA_##type)), KERNEL(_arq##type##function), \
-      KERNEL(JOIN(_arq##type##function, EP_##type))},                              \
+#define FUNCTION(type, function, shape, has_strided)                                                                   \
+    {#type[0],                                                                                                         \
+     #function,                                                                                                        \
+     Shape::shape,                                                                                                     \
+     has_strided,                                                                                                      \
+     {KERNEL(ORV_VECMATH_LA_##type(function)), KERNEL(_arq##type##function), KERNEL(ORV_VECMATH_EP_##type(function))}, \
      orv_arq_kernel_##type##function##_ttab},
 #define MATH_ROW(type, function, shape) FUNCTION(type, function, shape, true)
 #define MOVE_ROW(type, function, shape) FUNCTION(type, function, shape, false)

@@ -45,7 +45,7 @@ std::string as_text(const Histogram& histogram) {
     return text;
 }
 
-void draw_plot(const Histogram& histogram, const std::string& title, const std::string& file) {
+void draw_plot(const Histogram& histogram, const std::string& title, Output& output) {
     std::string script = "set title " + plot_quoted(title) +
                          "\nset style fill solid 0.6\nset ylabel 'count'\nset yrange [0:*]\nunset key\n";
     script += "plot '-' using 1:2 with boxes\n";
@@ -53,7 +53,7 @@ void draw_plot(const Histogram& histogram, const std::string& title, const std::
         append_number(script, (edge(histogram, bin) + edge(histogram, bin + 1)) / 2);
         script += " " + std::to_string(histogram.counts[bin]) + "\n";
     }
-    write_plot(file, 800, 500, script + "e\n");
+    write_plot(output, 800, 500, script + "e\n");
 }
 
 }  // namespace orv::command

@@ -1,6 +1,8 @@
 // Counts of numbers in equal bins, as text and as a picture.
 #pragma once
 
+#include "output.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -20,6 +22,6 @@ void count(Histogram& histogram, double value);
 std::string as_text(const Histogram& histogram);
 
 // Writes an SVG picture with gnuplot, which must be installed. Ends the command where that fails.
-void draw_plot(const Histogram& histogram, const std::string& title, const std::string& file);
+void draw_plot(const Histogram& histogram, const std::string& title, Output& output);
 
 }  // namespace orv::command

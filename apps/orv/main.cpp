@@ -1,8 +1,10 @@
 // The command `orv`: a subcommand for each domain of the library.
 #include "commands.h"
 #include "failure.h"
+#include "output.h"
 
 #include <cstdio>
+#include <sstream>
 
 namespace {
 
@@ -19,7 +21,9 @@ int run(int argc, char** argv) {
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& help) {
-        return app.exit(help);
+        std::ostringstream text;
+        app.exit(help, text, text);
+        orv::command::write_output("", text.str());
     }
     return status;
 }

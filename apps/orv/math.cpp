@@ -4,9 +4,9 @@
 #include "functions.h"
 #include "numbers.h"
 #include "output.h"
+#include "progress.h"
 #include "table.h"
 
-#include <climits>
 #include <cstdio>
 #include <memory>
 
@@ -24,17 +24,15 @@ struct Request {
     std::vector<std::string> files;
 };
 
-// Where an element came from.
-struct Origin {
-    uint32_t table;
-    uint32_t row;
-};
+// The rows that wait for the kernel, and where they came from: a block is all of a file that is held at a time.
+constexpr size_t block_rows = 1 << 13;
 
 // What the error callback needs; it gets no pointer of ours.
 struct Reports {
     const Function* function;
-    const std::vector<Table>* tables;
-    const std::vector<Origin>* origins;
+    const Head* head;
+    const std::vector<int64_t>* lines;  // of the block
+    int64_t rows_before;                // of the file, in blocks before
     int count;
 };
 Reports reports;
@@ -63,15 +61,14 @@ void append_value(std::string& text, double value) {
 }
 
 int32_t report(ArqErrorContext* context) {
-    const Origin origin = (*reports.origins)[static_cast<size_t>(context->index)];
-    const Table& table = (*reports.tables)[origin.table];
     std::string values;
     append_value(values, context->arg1);
     if (reports.function->shape == Shape::TWO) append_value(values += ", ", context->arg2);
-    const std::string line = "orv: " + table.source + ":" + std::to_string(table.lines[origin.row]) + ": row " +
-                             std::to_string(origin.row + 1) + ": " + std::string(reports.function->name) + "(" +
-                             values + "): " + meaning(context->code) + ", status " + std::to_string(context->code) +
-                             "\n";
+    const std::string line = "orv: " + reports.head->source + ":" +
+                             std::to_string((*reports.lines)[static_cast<size_t>(context->index)]) + ": row " +
+                             std::to_string(reports.rows_before + context->index + 1) + ": " +
+                             std::string(reports.function->name) + "(" + values + "): " + meaning(context->code) +
+                             ", status " + std::to_string(context->code) + "\n";
     std::fwrite(line.data(), 1, line.size(), stderr);
     ++reports.count;
     return 0;
@@ -107,43 +104,89 @@ void apply(orv_arq_kernel kernel, Shape shape, const std::vector<T> (&in)[2], st
 }
 
 template <class T>
+struct Block {
+    const Function& function;
+    orv_arq_kernel kernel;
+    size_t inputs, outputs;
+    std::vector<T> in[2], out[2];
+    std::vector<int64_t> lines;
+};
+
+// Computes the block, hands its rows on and empties it. Text is held back until there is a good piece of it, so that a
+// small table comes whole or not at all on standard output too.
+template <class T>
+void flush(Block<T>& block, std::string& text, Output& output) {
+    constexpr size_t piece = 1 << 18;
+    const size_t n = block.lines.size();
+    for (size_t i = 0; i < block.outputs; ++i) block.out[i].resize(n);
+    apply(block.kernel, block.function.shape, block.in, block.out);
+    for (size_t row = 0; row < n; ++row) {
+        for (size_t i = 0; i < block.inputs; ++i) append_number(text, block.in[i][row]), text += ',';
+        for (size_t i = 0; i < block.outputs; ++i)
+            append_number(text, block.out[i][row]), text += i + 1 < block.outputs ? ',' : '\n';
+    }
+    if (text.size() >= piece) write(output, text), text.clear();
+    for (std::vector<T>& in : block.in) in.clear();
+    block.lines.clear();
+    reports.rows_before += static_cast<int64_t>(n);
+}
+
+std::vector<size_t> choose_columns(const Head& head, const std::vector<std::string>& wanted, size_t count) {
+    std::vector<size_t> columns;
+    for (const std::string& name : wanted) columns.push_back(find_column(head, name));
+    if (wanted.empty())
+        for (size_t column = 0; column < head.width; ++column) columns.push_back(column);
+    if (columns.size() != count)
+        fail_at(head.source, 1,
+                std::to_string(columns.size()) + " columns where " + std::to_string(count) +
+                    (count == 1 ? " is" : " are") + " wanted; choose with --column");
+    return columns;
+}
+
+template <class T>
 int run(const Request& request, const Function& function) {
     const size_t inputs = function.shape == Shape::TWO ? 2 : 1;
     const size_t outputs = function.shape == Shape::TWO_OUT ? 2 : 1;
-
-    std::vector<Table> tables;
-    std::vector<Origin> origins;
-    std::vector<T> in[2], out[2];
-    std::vector<std::string> names;
-    for (const std::string& file : request.files) {
-        tables.push_back(read_table(file));
-        const Table& table = tables.back();
-        const std::vector<size_t> columns = choose_columns(table, request.columns, inputs);
-        if (table.width == 0) continue;
-        for (size_t i = 0; i < inputs; ++i) append_column(table, columns[i], in[i]);
-        for (size_t row = 0; row < table.rows(); ++row)
-            origins.push_back({static_cast<uint32_t>(tables.size() - 1), static_cast<uint32_t>(row)});
-        if (names.empty() && !table.names.empty())
-            for (size_t i = 0; i < inputs; ++i) names.push_back(table.names[columns[i]]);
-    }
-    if (origins.size() > INT32_MAX) fail("too many rows");
-    for (size_t i = 0; i < outputs; ++i) out[i].resize(origins.size());
-
-    const orv_arq_kernel kernel = choose_kernel(request, function);
-    reports = {&function, &tables, &origins, 0};
-    apply(kernel, function.shape, in, out);
-
+    Output output(request.output);
+    Block<T> block = {function, choose_kernel(request, function), inputs, outputs, {}, {}, {}};
+    reports = {&function, nullptr, &block.lines, 0, 0};
+    Progress progress = start_progress(size_of_files(request.files));
+    int64_t bytes_before = 0, rows = 0;
     std::string text;
-    if (!names.empty()) {
-        for (size_t i = 0; i < outputs; ++i)
-            names.push_back(std::string(function.name) + (outputs == 1 ? "" : "." + std::to_string(i + 1)));
-        append_row(text, names);
+    bool first = true;
+    for (const std::string& file : request.files) {
+        std::vector<size_t> columns;
+        int64_t bytes = 0;
+        const auto begin = [&](const Head& head) {
+            columns = choose_columns(head, request.columns, inputs);
+            reports.head = &head;
+            reports.rows_before = 0;
+            // The first file says whether there is a header.
+            if (first && !head.names.empty()) {
+                std::vector<std::string> names;
+                for (const size_t column : columns) names.push_back(head.names[column]);
+                for (size_t i = 0; i < outputs; ++i)
+                    names.push_back(std::string(function.name) + (outputs == 1 ? "" : "." + std::to_string(i + 1)));
+                append_row(text, names);
+            }
+            first = false;
+        };
+        const auto take = [&](const Head& head, const Row& row) {
+            for (size_t i = 0; i < inputs; ++i) block.in[i].push_back(number<T>(head, row, columns[i]));
+            block.lines.push_back(row.line);
+            bytes = row.bytes;
+            ++rows;
+            if (block.lines.size() < block_rows) return;
+            flush(block, text, output);
+            tell_progress(progress, bytes_before + bytes, megabytes_and_rows(bytes_before + bytes, rows));
+        };
+        const auto end = [&](const Head&) { flush(block, text, output); };
+        read_table(file, begin, take, end);
+        bytes_before += bytes;
     }
-    for (size_t row = 0; row < origins.size(); ++row) {
-        for (size_t i = 0; i < inputs; ++i) append_number(text, in[i][row]), text += ',';
-        for (size_t i = 0; i < outputs; ++i) append_number(text, out[i][row]), text += i + 1 < outputs ? ',' : '\n';
-    }
-    write_output(request.output, text);
+    end_progress(progress);
+    write(output, text);
+    finish(output);
     return reports.count == 0 ? 0 : 1;
 }
 

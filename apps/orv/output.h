@@ -1,12 +1,31 @@
-// Results leave the command whole or not at all.
+// Where results go. A regular file stands under its name when it is complete and not before; a device, a pipe and standard
+// output take the text as it comes. What cannot be written to is found when the output is opened, before the work.
 #pragma once
 
+#include <cstdio>
 #include <string>
+#include <string_view>
 
 namespace orv::command {
 
-// Writes `text` to `file`, or to standard output for "" and "-". A file is written under another name beside its place and
-// renamed when it is complete. Ends the command where that fails.
-void write_output(const std::string& file, const std::string& text);
+struct Output {
+    std::string name;        // as messages tell it
+    std::string place;       // the regular file to replace, links followed; empty where text goes out directly
+    std::string unfinished;  // what is written meanwhile, beside it
+    FILE* stream = nullptr;
+
+    // "" and "-" stand for standard output.
+    explicit Output(const std::string& file);
+    ~Output();  // leaves no unfinished file
+    Output(const Output&) = delete;
+    Output& operator=(const Output&) = delete;
+};
+
+// Both end the command where the text cannot be written.
+void write(Output& output, std::string_view text);
+void finish(Output& output);
+
+// All of it at once.
+void write_output(const std::string& file, std::string_view text);
 
 }  // namespace orv::command

@@ -5,6 +5,9 @@
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <random>
 
 namespace orv::command {
 
@@ -18,6 +21,20 @@ FILE* start_gnuplot() { return popen("gnuplot", "w"); }
 int end_gnuplot(FILE* pipe) { return pclose(pipe); }
 #endif
 
+// Where gnuplot draws: a file of its own, since it writes where it likes and not into our streams.
+struct Picture {
+    std::string file =
+        (std::filesystem::temp_directory_path() / ("orv-" + std::to_string(std::random_device{}()) + ".svg")).string();
+
+    Picture() = default;
+    ~Picture() {
+        std::error_code error;
+        std::filesystem::remove(file, error);
+    }
+    Picture(const Picture&) = delete;
+    Picture& operator=(const Picture&) = delete;
+};
+
 }  // namespace
 
 std::string plot_quoted(const std::string& text) {
@@ -30,27 +47,30 @@ std::string plot_quoted(const std::string& text) {
     return quoted + "'";
 }
 
-void write_plot(const std::string& file, int width, int height, const std::string& script) {
-    const std::string unfinished = file + ".unfinished";
-    const std::string text = "set terminal svg noenhanced size " + std::to_string(width) + "," +
+std::string plot_tic(const std::string& text) {
+    std::string format;
+    for (const char letter : text) format += letter == '%' ? std::string("%%") : std::string(1, letter);
+    return plot_quoted(format);
+}
+
+void write_plot(Output& output, int width, int height, const std::string& script) {
+    const Picture picture;
+    const std::string text = "set encoding utf8\nset terminal svg noenhanced size " + std::to_string(width) + "," +
                              std::to_string(height) + " font 'sans,12' background 'white'\nset output " +
-                             plot_quoted(unfinished) + "\n" + script + "\nset output\n";
+                             plot_quoted(picture.file) + "\n" + script + "\nset output\n";
 #ifndef _WIN32
     // A gnuplot that is not there closes the pipe; that shall be an error here, not the end.
     std::signal(SIGPIPE, SIG_IGN);
 #endif
-    std::error_code error;
-    std::filesystem::remove(unfinished, error);
     FILE* const pipe = start_gnuplot();
-    if (!pipe) fail(file + ": gnuplot, which draws pictures, could not be started");
+    if (!pipe) fail(output.name + ": gnuplot, which draws pictures, could not be started");
     const bool written = std::fwrite(text.data(), 1, text.size(), pipe) == text.size();
     const int ended = end_gnuplot(pipe);
-    if (!written || ended != 0 || !std::filesystem::exists(unfinished, error)) {
-        std::filesystem::remove(unfinished, error);
-        fail(file + ": not drawn; is gnuplot installed and the place writable?");
-    }
-    std::filesystem::rename(unfinished, file, error);
-    if (error) fail(file + ": " + error.message());
+    std::ifstream drawn(picture.file, std::ios::binary);
+    const std::string svg(std::istreambuf_iterator<char>(drawn), {});
+    if (!written || ended != 0 || svg.empty()) fail(output.name + ": not drawn; is gnuplot installed?");
+    write(output, svg);
+    finish(output);
 }
 
 }  // namespace orv::command

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace orv::command {
 
@@ -19,5 +20,9 @@ Progress start_progress(int64_t total);
 // Called now and then. Nothing is told in the first second. `what` says in words what has been done.
 void tell_progress(Progress& progress, int64_t done, const std::string& what);
 void end_progress(Progress& progress);
+
+// For what reads files: the bytes of all of them, or 0 where one cannot tell; and how far it is in words.
+int64_t size_of_files(const std::vector<std::string>& files);
+std::string megabytes_and_rows(int64_t bytes, int64_t rows);
 
 }  // namespace orv::command

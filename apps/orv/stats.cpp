@@ -1,17 +1,15 @@
 // `orv stats`: moments and matrices of the columns of a CSV file, which is read once, block by block.
 #include "commands.h"
 #include "failure.h"
-#include "numbers.h"
 #include "output.h"
-#include "plot.h"
 #include "progress.h"
-#include "rows.h"
+#include "stats_tables.h"
 #include "table.h"
 
 #include <cmath>
-#include <filesystem>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <orv/statistics.h>
 
 namespace orv::command {
@@ -68,15 +66,14 @@ struct Accumulation {
     const std::vector<double>& moment(int id) const { return moments[id - SSIdMean]; }
 };
 
-void choose_columns_of(Accumulation& data, const Request& request, const Table& head) {
+void choose_columns_of(Accumulation& data, const Request& request, const Head& head) {
     if (!request.weights.empty()) data.weight_column = find_column(head, request.weights);
     for (const std::string& name : request.columns) data.columns.push_back(find_column(head, name));
     if (request.columns.empty())
         for (size_t column = 0; column < head.width; ++column)
             if (column != data.weight_column) data.columns.push_back(column);
     if (data.columns.empty()) fail_at(head.source, 1, "no column left beside the weights");
-    for (const size_t column : data.columns)
-        data.names.push_back(head.names.empty() ? std::to_string(column + 1) : head.names[column]);
+    for (const size_t column : data.columns) data.names.push_back(column_name(head, column));
 }
 
 void start(Accumulation& data) {
@@ -108,28 +105,15 @@ void flush(Accumulation& data) {
     data.w.clear();
 }
 
-double number(const Table& head, const Row& row, size_t column) {
-    double value;
-    const Parsed parsed = parse_number(row.fields[column], value);
-    if (parsed == Parsed::number) return value;
-    const std::string name = head.names.empty() ? std::to_string(column + 1) : head.names[column];
-    const std::string field(row.fields[column]);
-    fail_at(head.source, row.line,
-            "column " + name + ": " +
-                (field.empty()                    ? "missing value"
-                 : parsed == Parsed::not_a_number ? "'" + field + "' is not a number"
-                                                  : "'" + field + "' is too large for the type"));
-}
-
-void add_row(Accumulation& data, const Table& head, const Row& row) {
+void add_row(Accumulation& data, const Head& head, const Row& row) {
     for (size_t j = 0; j < data.columns.size(); ++j) {
-        const double value = number(head, row, data.columns[j]);
+        const double value = number<double>(head, row, data.columns[j]);
         if (value < data.minimum[j]) data.minimum[j] = value;
         if (value > data.maximum[j]) data.maximum[j] = value;
         data.x.push_back(value);
     }
     if (data.weight_column != SIZE_MAX) {
-        data.w.push_back(number(head, row, data.weight_column));
+        data.w.push_back(number<double>(head, row, data.weight_column));
         if (!(data.w.back() >= 0)) fail_at(head.source, row.line, "a weight must be 0 or more");
     }
     ++data.rows;
@@ -137,45 +121,20 @@ void add_row(Accumulation& data, const Table& head, const Row& row) {
 }
 
 void read(const Request& request, Accumulation& data) {
-    Table head;
-    head.source = source_name(request.file);
-    std::error_code error;
-    const uintmax_t size = request.file == "-" ? 0 : std::filesystem::file_size(request.file, error);
-    Progress progress = start_progress(error ? 0 : static_cast<int64_t>(size));
-    read_rows(request.file, [&](const Row& row) {
-        if (head.width == 0) {
-            head.width = row.fields.size();
-            const bool names = is_header(row.fields);
-            if (names) head.names.assign(row.fields.begin(), row.fields.end());
-            choose_columns_of(data, request, head);
-            start(data);
-            if (names) return;
-        }
+    Progress progress = start_progress(size_of_files({request.file}));
+    const auto begin = [&](const Head& head) {
+        choose_columns_of(data, request, head);
+        start(data);
+    };
+    const auto take = [&](const Head& head, const Row& row) {
         add_row(data, head, row);
-        if (data.x.empty())
-            tell_progress(progress, row.bytes,
-                          std::to_string(row.bytes / 1000000) + " MB, " + std::to_string(data.rows) + " rows");
-    });
-    if (data.rows == 0) fail(head.source + ": no rows of numbers");
+        if (data.x.empty()) tell_progress(progress, row.bytes, megabytes_and_rows(row.bytes, data.rows));
+    };
+    read_table(request.file, begin, take);
+    if (data.rows == 0) fail(source_name(request.file) + ": no rows of numbers");
     flush(data);
     end_progress(progress);
-    if (data.weights[0] == 0) fail(head.source + ": the weights add up to 0");
-}
-
-// ---- Output --------------------------------------------------------------------------------------------------------
-
-using Cells = std::vector<std::vector<std::string>>;
-
-std::string cell(double value, bool csv) {
-    std::string text;
-    if (csv) {
-        append_number(text, value);
-    } else {
-        char digits[32];
-        std::snprintf(digits, sizeof digits, "%.10g", value);
-        text = std::isnan(value) ? "nan" : digits;
-    }
-    return text;
+    if (data.weights[0] == 0) fail(source_name(request.file) + ": the weights add up to 0");
 }
 
 Cells moments_table(const Accumulation& data, bool csv) {
@@ -188,69 +147,20 @@ Cells moments_table(const Accumulation& data, bool csv) {
     return cells;
 }
 
-Cells matrix_table(const Accumulation& data, const char* title, const std::vector<double>& matrix, bool csv) {
-    Cells cells = {{title}};
-    cells[0].insert(cells[0].end(), data.names.begin(), data.names.end());
-    for (size_t j = 0; j < data.names.size(); ++j) {
-        cells.push_back({data.names[j]});
-        for (size_t k = 0; k < data.names.size(); ++k)
-            cells.back().push_back(cell(matrix[j * data.names.size() + k], csv));
-    }
-    return cells;
-}
-
-void append_table(std::string& text, const Cells& cells, bool csv) {
-    if (csv) {
-        for (const auto& row : cells) append_row(text, row);
-        return;
-    }
-    std::vector<size_t> widths(cells[0].size());
-    for (const auto& row : cells)
-        for (size_t k = 0; k < row.size(); ++k) widths[k] = std::max(widths[k], row[k].size());
-    for (const auto& row : cells) {
-        // Names to the left, numbers to the right.
-        text += row[0] + std::string(widths[0] - row[0].size(), ' ');
-        for (size_t k = 1; k < row.size(); ++k) text += "  " + std::string(widths[k] - row[k].size(), ' ') + row[k];
-        text += '\n';
-    }
-}
-
-// The correlation matrix as coloured squares, with its numbers while they can be read.
-void draw(const Accumulation& data, const std::string& file) {
-    const size_t p = data.names.size();
-    constexpr size_t readable = 16;
-    std::string script =
-        "set palette defined (-1 '#2166ac', 0 '#f7f7f7', 1 '#b2182b')\nset cbrange [-1:1]\nunset key\n"
-        "set title 'Correlation'\nset size ratio -1\nset tics scale 0\n";
-    const std::string last = std::to_string(p) + "-0.5";
-    script += "set xrange [-0.5:" + last + "]\nset yrange [" + last + ":-0.5]\n";
-    for (const char* axis : {"set xtics rotate by 45 right (", "set ytics ("}) {
-        script += axis;
-        for (size_t j = 0; j < p; ++j) script += (j ? "," : "") + plot_quoted(data.names[j]) + " " + std::to_string(j);
-        script += ")\n";
-    }
-    script += "$cor << EOD\n";
-    for (size_t j = 0; j < p; ++j)
-        for (size_t k = 0; k < p; ++k) {
-            append_number(script, data.cor[j * p + k]);
-            script += k + 1 < p ? ' ' : '\n';
-        }
-    script += "EOD\nplot $cor matrix with image";
-    if (p <= readable) script += ", $cor matrix using 1:2:(sprintf('%.2f', $3)) with labels";
-    const int side = static_cast<int>(std::min<size_t>(1600, 240 + 60 * p));
-    write_plot(file, side + 80, side, script);
-}
-
 void run(const Request& request) {
     asked_threads = request.threads;
+    Output output(request.output);
+    std::optional<Output> plot;
+    if (!request.plot.empty()) plot.emplace(request.plot);
     Accumulation data;
     read(request, data);
     std::string text;
     append_table(text, moments_table(data, request.csv), request.csv);
-    append_table(text += '\n', matrix_table(data, "covariance", data.cov, request.csv), request.csv);
-    append_table(text += '\n', matrix_table(data, "correlation", data.cor, request.csv), request.csv);
-    if (!request.plot.empty()) draw(data, request.plot);
-    write_output(request.output, text);
+    append_table(text += '\n', matrix_table("covariance", data.names, data.cov, request.csv), request.csv);
+    append_table(text += '\n', matrix_table("correlation", data.names, data.cor, request.csv), request.csv);
+    if (plot) draw_matrix("Correlation", data.names, data.cor, *plot);
+    write(output, text);
+    finish(output);
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include "failure.h"
 #include "numbers.h"
-#include "rows.h"
 
 #include <algorithm>
 #include <charconv>
@@ -10,67 +9,52 @@
 
 namespace orv::command {
 
-Table read_table(const std::string& file) {
-    Table table;
-    table.source = source_name(file);
-    read_rows(file, [&table](const Row& row) {
-        if (table.width == 0) {
-            table.width = row.fields.size();
-            if (is_header(row.fields)) {
-                table.names.assign(row.fields.begin(), row.fields.end());
-                return;
-            }
+void read_table(const std::string& file, const std::function<void(const Head&)>& begin,
+                const std::function<void(const Head&, const Row&)>& take, const std::function<void(const Head&)>& end) {
+    Head head;
+    head.source = source_name(file);
+    read_rows(file, [&](const Row& row) {
+        if (head.width == 0) {
+            head.width = row.fields.size();
+            const bool names = is_header(row.fields);
+            if (names) head.names.assign(row.fields.begin(), row.fields.end());
+            begin(head);
+            if (names) return;
         }
-        table.fields.insert(table.fields.end(), row.fields.begin(), row.fields.end());
-        table.lines.push_back(row.line);
+        take(head, row);
     });
-    return table;
+    if (head.width != 0 && end) end(head);
 }
 
-size_t find_column(const Table& table, const std::string& name) {
-    const auto found = std::find(table.names.begin(), table.names.end(), name);
-    if (found != table.names.end()) return static_cast<size_t>(found - table.names.begin());
+size_t find_column(const Head& head, const std::string& name) {
+    const auto found = std::find(head.names.begin(), head.names.end(), name);
+    if (found != head.names.end()) return static_cast<size_t>(found - head.names.begin());
     size_t position = 0;
     const auto [stop, error] = std::from_chars(name.data(), name.data() + name.size(), position);
     const bool numeric = error == std::errc() && stop == name.data() + name.size();
-    if (numeric && position >= 1 && position <= table.width) return position - 1;
-    fail_at(table.source, 1, "no column " + name);
+    if (numeric && position >= 1 && position <= head.width) return position - 1;
+    fail_at(head.source, 1, "no column " + name);
 }
 
-std::vector<size_t> choose_columns(const Table& table, const std::vector<std::string>& wanted, size_t count) {
-    std::vector<size_t> columns;
-    columns.reserve(wanted.size());
-    for (const std::string& name : wanted) columns.push_back(find_column(table, name));
-    if (wanted.empty())
-        for (size_t column = 0; column < table.width; ++column) columns.push_back(column);
-    // An empty table has the columns that it is asked for.
-    if (table.width != 0 && columns.size() != count)
-        fail_at(table.source, 1,
-                std::to_string(columns.size()) + " columns where " + std::to_string(count) +
-                    (count == 1 ? " is" : " are") + " wanted; choose with --column");
-    return columns;
+std::string column_name(const Head& head, size_t column) {
+    return head.names.empty() ? std::to_string(column + 1) : head.names[column];
 }
 
 template <class T>
-void append_column(const Table& table, size_t column, std::vector<T>& values) {
-    values.reserve(values.size() + table.rows());
-    for (size_t row = 0; row < table.rows(); ++row) {
-        const std::string& field = table.field(row, column);
-        T value;
-        switch (parse_number(field, value)) {
-            case Parsed::number:
-                values.push_back(value);
-                break;
-            case Parsed::not_a_number:
-                fail_at(table.source, table.lines[row], "'" + field + "' is not a number");
-            case Parsed::too_large:
-                fail_at(table.source, table.lines[row], "'" + field + "' is too large for the type");
-        }
-    }
+T number(const Head& head, const Row& row, size_t column) {
+    T value;
+    const Parsed parsed = parse_number(row.fields[column], value);
+    if (parsed == Parsed::number) return value;
+    const std::string field(row.fields[column]);
+    fail_at(head.source, row.line,
+            "column " + column_name(head, column) + ": " +
+                (field.empty()                    ? "missing value"
+                 : parsed == Parsed::not_a_number ? "'" + field + "' is not a number"
+                                                  : "'" + field + "' is too large for the type"));
 }
 
-template void append_column(const Table&, size_t, std::vector<float>&);
-template void append_column(const Table&, size_t, std::vector<double>&);
+template float number(const Head&, const Row&, size_t);
+template double number(const Head&, const Row&, size_t);
 
 void append_row(std::string& text, const std::vector<std::string>& fields) {
     for (const std::string& field : fields) {

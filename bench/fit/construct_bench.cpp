@@ -4,7 +4,7 @@
 
 #include <cstring>
 
-#if ORV_BENCH_GSL
+#ifdef ORV_BENCH_GSL
 #include <gsl/gsl_spline.h>
 #endif
 
@@ -46,7 +46,7 @@ BENCHMARK_CAPTURE(construct, linear_long, orv_df_kernel_dDFLinearSpline1D, 2, 0,
 BENCHMARK_CAPTURE(copy, as_linear, 32)->Arg(100000)->Arg(4000000);
 BENCHMARK_CAPTURE(copy, as_linear_uniform, 24)->Arg(100000)->Arg(4000000);
 
-#if ORV_BENCH_GSL
+#ifdef ORV_BENCH_GSL
 void construct_gsl(benchmark::State& state, const gsl_interp_type* type) {
     const Series data = series(state.range(0), false);
     gsl_spline* spline = gsl_spline_alloc(type, data.x.size());

@@ -4,14 +4,13 @@
 // usage: cost_table src/frame/measured_costs.h
 #include "frame/kernel_tables.h"
 #include "support/cycles.h"
+#include "vecmath/lines.h"
 
 #include <orv/vecmath.h>
 
 #include <cmath>
 #include <cstdio>
-#include <cstring>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace {
@@ -40,54 +39,17 @@ const Row rows[] = {ORV_MATH_ROWS(ROW)};
 
 constexpr int32_t n = 1000;
 
-// Where a function's arguments lie in ordinary use; everything else takes the first range.
-struct Range {
-    std::string_view functions;
-    double low, high;
-};
-constexpr Range ranges[] = {
-    {"", 0.1, 0.9},
-    {" Exp Exp2 Exp10 Expm1 Sin Cos Tan SinCos Sinpi Cospi Tanpi ", -10, 10},
-    {" Sind Cosd Tand ", -360, 360},
-    {" Ln Log10 Log2 Log1p Logb Acosh ", 1.1, 100},
-    {" Ceil Floor Trunc Rint NearbyInt Round Frac Abs ", -100, 100},
-};
-
-const Range& range_of(std::string_view function) {
-    for (const Range& range : ranges)
-        if (range.functions.find(" " + std::string(function) + " ") != std::string_view::npos) return range;
-    return ranges[0];
-}
-
-// One array of n elements of any type; complex ones are pairs.
-template <class T>
-std::vector<T> arguments(const Range& range) {
-    std::vector<T> x(2 * n);
-    for (size_t i = 0; i < x.size(); ++i)
-        x[i] = static_cast<T>(range.low +
-                              (range.high - range.low) * static_cast<double>((i * 2654435761u) % 10007) / 10007);
-    return x;
-}
-
 double cycles_of(orv_arq_kernel kernel, const Row& row) {
-    using OneInput = void(int32_t, const void*, void*);
-    using TwoInputs = void(int32_t, const void*, const void*, void*);
-    const Range& range = range_of(row.function);
+    using namespace orv::bench;
+    const Line* line = find_line(row.type, row.function);
+    const Range range = line ? line->range : Range{Spread::EVEN, 0.1, 0.9, 0.1, 0.9, 0};
     const bool single = row.type == 's' || row.type == 'c';
-    const std::vector<float> a_single = arguments<float>(range);
-    const std::vector<double> a_double = arguments<double>(range);
-    const void* a = single ? static_cast<const void*>(a_single.data()) : a_double.data();
+    const std::vector<float> as = arguments_s(range, n, false), bs = arguments_s(range, n, true);
+    const std::vector<double> ad = arguments_d(range, n, false), bd = arguments_d(range, n, true);
     std::vector<double> y(2 * n + 200), z(2 * n + 400);
-    double* first = y.data() + 40;
-    double* second = z.data() + 120;
-
-    const std::string_view shape = row.shape;
-    const auto call = [&] {
-        if (shape == "TWO" || shape == "TWO_OUT")
-            reinterpret_cast<TwoInputs*>(kernel)(n, a, shape == "TWO" ? a : first, second);
-        else
-            reinterpret_cast<OneInput*>(kernel)(n, a, first);
-    };
+    Arrays arrays = {ad.data(), bd.data(), y.data() + 40, z.data() + 120, nullptr};
+    if (single) arrays.a = as.data(), arrays.b = bs.data();
+    const auto call = [&] { orv::bench::call(kernel, row.type, row.shape, false, n, arrays); };
     std::vector<uint64_t> samples(401);
     for (uint64_t& sample : samples) {
         const uint64_t start = orv::bench::ticks();

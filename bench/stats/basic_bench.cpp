@@ -4,7 +4,7 @@
 #include <orv/blas.h>
 #include <orv/statistics.h>
 
-#ifdef ORV_HAVE_GSL
+#ifdef ORV_BENCH_GSL
 #include <gsl/gsl_statistics_double.h>
 #endif
 
@@ -103,7 +103,7 @@ BENCHMARK_CAPTURE(FourMoments, one_pass_columns, BasicOnePass, StorageColumns)
     ->Unit(benchmark::kMillisecond)
     ->UseRealTime();
 
-#ifdef ORV_HAVE_GSL
+#ifdef ORV_BENCH_GSL
 void FourMomentsGsl(benchmark::State& state) {
     Data data(10, 1000000, StorageRows);
     double sink = 0;

@@ -111,6 +111,7 @@ template <class Kernel, class T>
 inline void map_strided(int32_t n, Strided<const T> a, Strided<T> y) {
     constexpr int width = simd::Lanes<T>::width;
     const GeneralFrame frame;
+    if (n < 1) return;
     int32_t i = 0;
     for (; i <= n - width; i += width) y.store(i, Kernel::op(a.load(i)));
     for (; i < n; ++i) simd::store_one(y.at(i), Kernel::op(simd::load_one(a.at(i))));
@@ -120,6 +121,7 @@ template <class Kernel, class T>
 inline void map_strided(int32_t n, Strided<const T> a, Strided<const T> b, Strided<T> y) {
     constexpr int width = simd::Lanes<T>::width;
     const GeneralFrame frame;
+    if (n < 1) return;
     int32_t i = 0;
     for (; i <= n - width; i += width) y.store(i, Kernel::op(a.load(i), b.load(i)));
     for (; i < n; ++i) simd::store_one(y.at(i), Kernel::op(simd::load_one(a.at(i)), simd::load_one(b.at(i))));

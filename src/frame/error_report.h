@@ -7,6 +7,7 @@
 
 #include <orv/vecmath.h>
 
+#include <stddef.h>
 #include <stdint.h>
 
 namespace orv::frame {
@@ -21,20 +22,26 @@ enum Status : int32_t {
     status_bad_pointer = -2,
 };
 
-// ReportErrorS, D, C and Z for dense calls, ReportErrorSI, DI, CI and ZI for strided ones; and report_error, which is the
-// strided reporter of its arguments' element type.
+// One array of a report, with the increment that leads from element to element.
+template <class Element>
+struct Operand {
+    Element* start;
+    int32_t increment;
+    Element& at(int32_t index) const { return start[static_cast<ptrdiff_t>(index) * increment]; }
+};
+
+// Arguments and results of one call, each of its own type and increment, of which one side may be real and the other complex.
+template <class In, class Out>
+void report_error(int32_t status, int32_t index, Operand<const In> a1, Operand<const In> a2, Operand<Out> r1,
+                  Operand<Out> r2, const char* name);
+
+// ReportErrorS, D, C and Z for dense calls of one element type, ReportErrorSI, DI, CI and ZI for strided ones.
 #define ORV_DECLARE_REPORTERS(letter, Element)                                                                      \
     void ReportError##letter(int32_t status, int32_t index, const Element* a1, const Element* a2, Element* r1,      \
                              Element* r2, const char* name);                                                        \
     void ReportError##letter##I(int32_t status, int32_t index, const Element* a1, int32_t inca1, const Element* a2, \
                                 int32_t inca2, Element* r1, int32_t incr1, Element* r2, int32_t incr2,              \
-                                const char* name);                                                                  \
-    inline void report_error(int32_t status, int32_t index, const Element* a1, int32_t inca1, const Element* a2,    \
-                             int32_t inca2, Element* r1, int32_t incr1, Element* r2, int32_t incr2,                 \
-                             const char* name) {                                                                    \
-        ReportError##letter##I(status, index, a1, inca1, a2, inca2, r1, incr1, r2, incr2, name);                    \
-    }
-
+                                const char* name);
 ORV_DECLARE_REPORTERS(S, float)
 ORV_DECLARE_REPORTERS(D, double)
 ORV_DECLARE_REPORTERS(C, orv_complex_s)

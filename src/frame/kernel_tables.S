@@ -39,19 +39,10 @@ STUB_SYMBOL(orv_kernel_rows):
 
 // ---- The entry stubs -----------------------------------------------------------------------------------------------
 
-#define NAME_LA_s _21
-#define NAME_LA_c _21
-#define NAME_LA_d _50
-#define NAME_LA_z _50
-#define NAME_EP_s _11
-#define NAME_EP_c _11
-#define NAME_EP_d _26
-#define NAME_EP_z _26
-
 #define PASTE_(a, b) a##b
 #define PASTE(a, b) PASTE_(a, b)
-#define LA_NAME(type, row) PASTE(_arq##row, NAME_LA_##type)
-#define EP_NAME(type, row) PASTE(_arq##row, NAME_EP_##type)
+#define LA_NAME(type, row) PASTE(_arq##row, ORV_LA_SUFFIX_##type)
+#define EP_NAME(type, row) PASTE(_arq##row, ORV_EP_SUFFIX_##type)
 
 #define STUBS_LATER(type, row, body)
 #define STUBS_HERE(type, row, body)                                       \

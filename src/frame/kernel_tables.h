@@ -34,6 +34,16 @@
 #define ORV_SLOTS_LA_EP(kernel) kernel##_la, kernel##_ha, kernel##_la
 #define ORV_SLOTS_EACH(kernel) kernel##_la, kernel##_ha, kernel##_ep
 
+// What follows a row's name in the names of its "LA" and "EP" entries, by type.
+#define ORV_LA_SUFFIX_s _21
+#define ORV_LA_SUFFIX_c _21
+#define ORV_LA_SUFFIX_d _50
+#define ORV_LA_SUFFIX_z _50
+#define ORV_EP_SUFFIX_s _11
+#define ORV_EP_SUFFIX_c _11
+#define ORV_EP_SUFFIX_d _26
+#define ORV_EP_SUFFIX_z _26
+
 // clang-format off
 #define ORV_MATH_ROWS(ROW) \
     ROW(HERE,  s, Ceil,       ONE,        ALL,   COST(1.06, 1.06, 1.06))          \
@@ -70,8 +80,8 @@
     ROW(HERE,  s, Sqr,        ONE,        ALL,   COST(0.37, 0.37, 0.37))          \
     ROW(HERE,  s, Expm1,      ONE,        ALL,   MEASURED(sExpm1))                \
     ROW(HERE,  s, Log1p,      ONE,        EACH,  MEASURED(sLog1p))                \
-    ROW(LATER, s, Pow3o2,     ONE,        EACH,  MEASURED(sPow3o2))               \
-    ROW(LATER, s, Pow2o3,     ONE,        EACH,  MEASURED(sPow2o3))               \
+    ROW(HERE,  s, Pow3o2,     ONE,        EACH,  MEASURED(sPow3o2))               \
+    ROW(HERE,  s, Pow2o3,     ONE,        EACH,  MEASURED(sPow2o3))               \
     ROW(LATER, s, ErfcInv,    ONE,        EACH,  MEASURED(sErfcInv))              \
     ROW(LATER, s, CdfNorm,    ONE,        EACH,  MEASURED(sCdfNorm))              \
     ROW(LATER, s, CdfNormInv, ONE,        EACH,  MEASURED(sCdfNormInv))           \
@@ -125,8 +135,8 @@
     ROW(HERE,  d, Sqr,        ONE,        ALL,   MEASURED(dSqr))                  \
     ROW(HERE,  d, Expm1,      ONE,        EACH,  MEASURED(dExpm1))                \
     ROW(HERE,  d, Log1p,      ONE,        EACH,  MEASURED(dLog1p))                \
-    ROW(LATER, d, Pow3o2,     ONE,        EACH,  MEASURED(dPow3o2))               \
-    ROW(LATER, d, Pow2o3,     ONE,        EACH,  MEASURED(dPow2o3))               \
+    ROW(HERE,  d, Pow3o2,     ONE,        EACH,  MEASURED(dPow3o2))               \
+    ROW(HERE,  d, Pow2o3,     ONE,        EACH,  MEASURED(dPow2o3))               \
     ROW(LATER, d, ErfcInv,    ONE,        EACH,  MEASURED(dErfcInv))              \
     ROW(LATER, d, CdfNorm,    ONE,        EACH,  MEASURED(dCdfNorm))              \
     ROW(LATER, d, CdfNormInv, ONE,        EACH,  MEASURED(dCdfNormInv))           \
@@ -187,7 +197,7 @@
     ROW(LATER, z, Abs,        TO_REAL,    EACH,  MEASURED(zAbs))                  \
     ROW(LATER, z, Arg,        TO_REAL,    EACH,  MEASURED(zArg))                  \
     ROW(LATER, s, Div,        TWO,        ALL,   MEASURED(sDiv))                  \
-    ROW(LATER, s, Pow,        TWO,        LA_HA, MEASURED(sPow))                  \
+    ROW(HERE,  s, Pow,        TWO,        LA_HA, MEASURED(sPow))                  \
     ROW(LATER, s, Atan2,      TWO,        EACH,  MEASURED(sAtan2))                \
     ROW(LATER, s, Hypot,      TWO,        EACH,  MEASURED(sHypot))                \
     ROW(HERE,  s, Add,        TWO,        ALL,   COST(0.89, 0.89, 0.89))          \
@@ -201,11 +211,11 @@
     ROW(LATER, s, Fmin,       TWO,        ALL,   MEASURED(sFmin))                 \
     ROW(LATER, s, MaxMag,     TWO,        ALL,   MEASURED(sMaxMag))               \
     ROW(LATER, s, MinMag,     TWO,        ALL,   MEASURED(sMinMag))               \
-    ROW(LATER, s, Powr,       TWO,        LA_HA, MEASURED(sPowr))                 \
+    ROW(HERE,  s, Powr,       TWO,        LA_HA, MEASURED(sPowr))                 \
     ROW(LATER, s, Remainder,  TWO,        ALL,   MEASURED(sRemainder))            \
     ROW(LATER, s, Fmod,       TWO,        ALL,   MEASURED(sFmod))                 \
     ROW(LATER, d, Div,        TWO,        ALL,   MEASURED(dDiv))                  \
-    ROW(LATER, d, Pow,        TWO,        LA_HA, COST(53.66, 53.66, 29.628))      \
+    ROW(HERE,  d, Pow,        TWO,        LA_HA, COST(53.66, 53.66, 29.628))      \
     ROW(LATER, d, Atan2,      TWO,        EACH,  MEASURED(dAtan2))                \
     ROW(LATER, d, Hypot,      TWO,        EACH,  MEASURED(dHypot))                \
     ROW(HERE,  d, Add,        TWO,        ALL,   MEASURED(dAdd))                  \
@@ -219,7 +229,7 @@
     ROW(LATER, d, Fmin,       TWO,        ALL,   MEASURED(dFmin))                 \
     ROW(LATER, d, MaxMag,     TWO,        ALL,   MEASURED(dMaxMag))               \
     ROW(LATER, d, MinMag,     TWO,        ALL,   MEASURED(dMinMag))               \
-    ROW(LATER, d, Powr,       TWO,        EACH,  MEASURED(dPowr))                 \
+    ROW(HERE,  d, Powr,       TWO,        EACH,  MEASURED(dPowr))                 \
     ROW(LATER, d, Remainder,  TWO,        ALL,   MEASURED(dRemainder))            \
     ROW(LATER, d, Fmod,       TWO,        ALL,   MEASURED(dFmod))                 \
     ROW(LATER, c, Div,        TWO,        LA_HA, MEASURED(cDiv))                  \
@@ -236,8 +246,8 @@
     ROW(LATER, z, MulByConj,  TWO,        LA_HA, MEASURED(zMulByConj))            \
     ROW(LATER, c, Powx,       SCALAR,     ALL,   MEASURED(cPowx))                 \
     ROW(LATER, z, Powx,       SCALAR,     ALL,   MEASURED(zPowx))                 \
-    ROW(LATER, s, Powx,       SCALAR,     EACH,  MEASURED(sPowx))                 \
-    ROW(LATER, d, Powx,       SCALAR,     EACH,  MEASURED(dPowx))                 \
+    ROW(HERE,  s, Powx,       SCALAR,     EACH,  MEASURED(sPowx))                 \
+    ROW(HERE,  d, Powx,       SCALAR,     EACH,  MEASURED(dPowx))                 \
     ROW(HERE,  s, SinCos,     TWO_OUT,    LA_EP, MEASURED(sSinCos))               \
     ROW(LATER, s, Modf,       TWO_OUT,    ALL,   MEASURED(sModf))                 \
     ROW(HERE,  d, SinCos,     TWO_OUT,    LA_HA, MEASURED(dSinCos))               \

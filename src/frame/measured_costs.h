@@ -57,4 +57,14 @@
 #define ORV_COST_sSinCos 13.6, 24.2, 13.6
 #define ORV_COST_dSinCos 45.6, 45.6, 20.9
 
+#define ORV_COST_sPow3o2 8, 8, 4
+#define ORV_COST_sPow2o3 9, 9, 4
+#define ORV_COST_dPow3o2 20, 20, 13
+#define ORV_COST_dPow2o3 22, 22, 18
+#define ORV_COST_sPow 25, 25, 13
+#define ORV_COST_sPowr 25, 25, 13
+#define ORV_COST_dPowr 36, 36, 26
+#define ORV_COST_sPowx 25, 25, 13
+#define ORV_COST_dPowx 36, 36, 26
+
 #endif

@@ -18,8 +18,8 @@ struct ArqThreadBlock {
     // handed over with this field as the heap gives it; memory that has not been used before reads as null.
     const void* interf_input_vector;
 };
-static_assert(sizeof(ArqThreadBlock) == 24);
-static_assert(offsetof(ArqThreadBlock, interf_input_vector) == 20);
+static_assert(sizeof(void*) != 4 || sizeof(ArqThreadBlock) == 24);
+static_assert(sizeof(void*) != 4 || offsetof(ArqThreadBlock, interf_input_vector) == 20);
 
 // The calling thread's block, made at the first call. If it cannot be made the process ends with status 3; the result is
 // null only where the host's exit service comes back.

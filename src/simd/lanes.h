@@ -10,11 +10,6 @@
 
 namespace orv::simd {
 
-// A complex number: the real part, and the imaginary part behind it.
-template <class Pair, class Scalar>
-concept PairOf = std::is_same_v<decltype(Pair::re), Scalar> && std::is_same_v<decltype(Pair::im), Scalar> &&
-                 sizeof(Pair) == 2 * sizeof(Scalar);
-
 // V: the register, width: elements in it, Scalar: the number an element is made of.
 template <class Element>
 struct Lanes;
@@ -31,45 +26,17 @@ struct Lanes<double> {
     using Scalar = double;
     static constexpr int width = 2;
 };
-template <PairOf<float> Pair>
-struct Lanes<Pair> {
-    using V = __m128;
-    using Scalar = float;
-    static constexpr int width = 2;
-};
-template <PairOf<double> Pair>
-struct Lanes<Pair> {
-    using V = __m128d;
-    using Scalar = double;
-    static constexpr int width = 1;
-};
 
 // ---- Whole registers -----------------------------------------------------------------------------------------------
 
 inline __m128 load(const float* p) { return _mm_loadu_ps(p); }
 inline __m128d load(const double* p) { return _mm_loadu_pd(p); }
-template <PairOf<float> Pair>
-inline __m128 load(const Pair* p) {
-    return _mm_loadu_ps(&p->re);
-}
-template <PairOf<double> Pair>
-inline __m128d load(const Pair* p) {
-    return _mm_loadu_pd(&p->re);
-}
 
 inline __m128 load_aligned(const float* p) { return _mm_load_ps(p); }
 inline __m128d load_aligned(const double* p) { return _mm_load_pd(p); }
 
 inline void store(float* p, __m128 v) { _mm_storeu_ps(p, v); }
 inline void store(double* p, __m128d v) { _mm_storeu_pd(p, v); }
-template <PairOf<float> Pair>
-inline void store(Pair* p, __m128 v) {
-    _mm_storeu_ps(&p->re, v);
-}
-template <PairOf<double> Pair>
-inline void store(Pair* p, __m128d v) {
-    _mm_storeu_pd(&p->re, v);
-}
 
 inline void store_aligned(float* p, __m128 v) { _mm_store_ps(p, v); }
 inline void store_aligned(double* p, __m128d v) { _mm_store_pd(p, v); }
@@ -93,25 +60,9 @@ inline __m128d load_splat(const double* p) { return _mm_loaddup_pd(p); }
 
 inline __m128 load_one(const float* p) { return _mm_load_ss(p); }
 inline __m128d load_one(const double* p) { return _mm_load_sd(p); }
-template <PairOf<float> Pair>
-inline __m128 load_one(const Pair* p) {
-    return _mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)));
-}
-template <PairOf<double> Pair>
-inline __m128d load_one(const Pair* p) {
-    return load(p);
-}
 
 inline void store_one(float* p, __m128 v) { _mm_store_ss(p, v); }
 inline void store_one(double* p, __m128d v) { _mm_store_sd(p, v); }
-template <PairOf<float> Pair>
-inline void store_one(Pair* p, __m128 v) {
-    _mm_storel_pi(reinterpret_cast<__m64*>(p), v);
-}
-template <PairOf<double> Pair>
-inline void store_one(Pair* p, __m128d v) {
-    store(p, v);
-}
 
 // ---- Scattered and strided elements ----------------------------------------------------------------------------------
 
@@ -134,14 +85,6 @@ inline __m128 load_strided(const float* p, ptrdiff_t step) {
     return _mm_movelh_ps(low, high);
 }
 inline __m128d load_strided(const double* p, ptrdiff_t step) { return _mm_loadh_pd(_mm_load_sd(p), p + step); }
-template <PairOf<float> Pair>
-inline __m128 load_strided(const Pair* p, ptrdiff_t step) {
-    return _mm_loadh_pi(load_one(p), reinterpret_cast<const __m64*>(p + step));
-}
-template <PairOf<double> Pair>
-inline __m128d load_strided(const Pair* p, ptrdiff_t) {
-    return load(p);
-}
 
 inline void store_strided(float* p, ptrdiff_t step, __m128 v) {
     _mm_store_ss(p, v);
@@ -152,15 +95,6 @@ inline void store_strided(float* p, ptrdiff_t step, __m128 v) {
 inline void store_strided(double* p, ptrdiff_t step, __m128d v) {
     _mm_store_sd(p, v);
     _mm_storeh_pd(p + step, v);
-}
-template <PairOf<float> Pair>
-inline void store_strided(Pair* p, ptrdiff_t step, __m128 v) {
-    _mm_storel_pi(reinterpret_cast<__m64*>(p), v);
-    _mm_storeh_pi(reinterpret_cast<__m64*>(p + step), v);
-}
-template <PairOf<double> Pair>
-inline void store_strided(Pair* p, ptrdiff_t, __m128d v) {
-    store(p, v);
 }
 
 // ---- The first `count` lanes, at least one and fewer than all; a load fills the others -------------------------------

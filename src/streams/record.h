@@ -14,9 +14,9 @@ inline constexpr int32_t header_bytes = 16;
 static_assert(sizeof(Stream) == header_bytes && alignof(Stream) == 8);
 static_assert(offsetof(Stream, headerFlag) == 4 && offsetof(Stream, headerPad8) == 5);
 static_assert(offsetof(Stream, headerPad16) == 6 && offsetof(Stream, chunks) == 8);
-static_assert(sizeof(BrngProperties) == 36);
-static_assert(sizeof(Chunk) == 32 && offsetof(Chunk, data) == 8 && offsetof(Chunk, next) == 12 &&
-              offsetof(Chunk, key) == 16);
+static_assert(sizeof(void*) != 4 || sizeof(BrngProperties) == 36);
+static_assert(sizeof(void*) != 4 || (sizeof(Chunk) == 32 && offsetof(Chunk, data) == 8 && offsetof(Chunk, next) == 12 &&
+                                     offsetof(Chunk, key) == 16));
 
 inline Chunk* first_chunk(const Stream* stream) {
     return reinterpret_cast<Chunk*>(static_cast<intptr_t>(stream->chunks));

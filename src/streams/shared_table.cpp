@@ -13,7 +13,8 @@
 
 using namespace orv::streams;
 
-static_assert(sizeof(RoDataEntry) == 24 && offsetof(RoDataEntry, refCount) == 16 && offsetof(RoDataEntry, data) == 20);
+static_assert(sizeof(void*) != 4 || (sizeof(RoDataEntry) == 24 && offsetof(RoDataEntry, refCount) == 16 &&
+                                     offsetof(RoDataEntry, data) == 20));
 
 namespace {
 

@@ -1,88 +1,12 @@
-// The command line, `orv math` and `orv info`.
+// What does not fit in a table: the kernel that is chosen, elements that are listed, figures that are measured.
 #include "command/command.h"
 
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <sstream>
+
 namespace {
-
-TEST_F(Command, ComputesOverColumns) {
-    const struct {
-        const char *arguments, *input, *output;
-    } cases[] = {
-        {"math Ceil", "1.5\n-0.5\n1e22\n", "1.5,2\n-0.5,-0\n1e+22,1e+22\n"},
-        {"math ceil -", "x\n1.5\n", "x,Ceil\n1.5,2\n"},
-        {"math Sqr", "x\n0.1\n", "x,Sqr\n0.1,0.010000000000000002\n"},
-        {"math Sqr --type s", "x\n0.1\n", "x,Sqr\n0.1,0.010000001\n"},
-        {"math Abs --type s", "16777217\n-1e-50\n1e-40\n", "16777216,16777216\n-0,0\n1e-40,1e-40\n"},
-        {"math Floor --by-mode --accuracy EP", "+2.5\n", "2.5,2\n"},
-        {"math Floor --accuracy la", "-inf\nInfinity\nnan\n", "-inf,-inf\ninf,inf\nnan,nan\n"},
-        {"math Add", "\"a,\"\"b\",c\n1,2\n", "\"a,\"\"b\",c,Add\n1,2,3\n"},
-        {"math Sub --column b --column a", "a,b\n1,5\n2,7\n", "b,a,Sub\n5,1,4\n7,2,5\n"},
-        {"math Mul --column 3 --column 3", "3,x,1.5\n", "1.5,1.5,2.25\n"},
-        {"math Abs --column 2", "2020-01-01,-4\n", "-4,4\n"},
-        {"math Abs --column v", "day,v\n2020-01-01,-4\n", "v,Abs\n-4,4\n"},
-        {"math Abs", "\xEF\xBB\xBFx\r\n\r\n-1\r\n  -2  \r\n\n\"-3\"", "x,Abs\n-1,1\n-2,2\n-3,3\n"},
-        {"math Abs", "", ""},
-        {"math Abs", "x\n", "x,Abs\n"},
-    };
-    for (const auto& c : cases) {
-        const Outcome outcome = orv(c.arguments, c.input);
-        EXPECT_EQ(outcome.out, c.output) << c.arguments;
-        EXPECT_EQ(outcome.err, "") << c.arguments;
-        EXPECT_EQ(outcome.status, 0) << c.arguments;
-    }
-}
-
-TEST_F(Command, RefusesInOneLine) {
-    const struct {
-        const char *arguments, *input, *message;
-    } cases[] = {
-        {"math Abs none.csv", "", "none.csv: No such file or directory"},
-        {"math Abs --column z", "x,y\n1,2\n", "<stdin>:1: no column z"},
-        {"math Abs --column 3", "1,2\n", "<stdin>:1: no column 3"},
-        {"math Abs --column 0", "1,2\n", "<stdin>:1: no column 0"},
-        {"math Abs", "1,2\n", "<stdin>:1: 2 columns where 1 is wanted; choose with --column"},
-        {"math Add --column a", "a,b\n1,2\n", "<stdin>:1: 1 columns where 2 are wanted; choose with --column"},
-        {"math Abs", "x\n1\ntwo\n", "<stdin>:3: 'two' is not a number"},
-        {"math Abs", "1\n2x\n", "<stdin>:2: '2x' is not a number"},
-        {"math Abs", "1\n0x1p3\n", "<stdin>:2: '0x1p3' is not a number"},
-        {"math Abs", "1\n+-1\n", "<stdin>:2: '+-1' is not a number"},
-        {"math Abs --column y", "x,y\n1,\n", "<stdin>:2: '' is not a number"},
-        {"math Abs", "1e400\n", "<stdin>:1: '1e400' is too large for the type"},
-        {"math Abs --type s", "x\n1\n1e39\n", "<stdin>:3: '1e39' is too large for the type"},
-        {"math Add", "a,b\n1,2\n\n3\n", "<stdin>:4: 1 fields where the rows above have 2"},
-        {"math Abs --column b", "\"a\nb\",b\n1,x\n", "<stdin>:3: 'x' is not a number"},
-        {"math Abs", "x\n\"1\n2\n", "<stdin>:4: broken quoting"},
-        {"math Nothing", "1\n", "no function Nothing of type d; `orv info` lists what is here"},
-        {"math Conj", "1\n", "no function Conj of type d; `orv info` lists what is here"},
-        {"math Abs --output no/such/place", "1\n", "no/such/place.unfinished: No such file or directory"},
-    };
-    for (const auto& c : cases) {
-        const Outcome outcome = orv(c.arguments, c.input);
-        EXPECT_EQ(outcome.err, "orv: " + std::string(c.message) + "\n") << c.arguments;
-        EXPECT_EQ(outcome.out, "") << c.arguments;
-        EXPECT_EQ(outcome.status, 2) << c.arguments;
-    }
-    for (const char* arguments :
-         {"", "nothing", "math", "math Abs --type x", "math Abs --accuracy best", "info more"}) {
-        const Outcome outcome = orv(arguments);
-        EXPECT_EQ(outcome.err.find('\n'), outcome.err.size() - 1) << arguments << ": " << outcome.err;
-        EXPECT_EQ(outcome.err.substr(0, 5), "orv: ") << arguments;
-        EXPECT_EQ(outcome.status, 2) << arguments;
-    }
-}
-
-TEST_F(Command, FilesComeWholeOrNotAtAll) {
-    put("a.csv", "x\n1.5\n");
-    put("b.csv", "x\n2.5\nbad\n");
-    put("c.csv", "-1\n");
-    EXPECT_EQ(orv("math Ceil a.csv --output y.csv").status, 0);
-    EXPECT_EQ(get("y.csv"), "x,Ceil\n1.5,2\n");
-    const Outcome failed = orv("math Ceil a.csv b.csv --output y.csv");
-    EXPECT_EQ(failed.err, "orv: b.csv:3: 'bad' is not a number\n");
-    EXPECT_EQ(get("y.csv"), "x,Ceil\n1.5,2\n");
-    EXPECT_EQ(orv("math Ceil a.csv c.csv a.csv --output y.csv").status, 0);
-    EXPECT_EQ(get("y.csv"), "x,Ceil\n1.5,2\n-1,-1\n1.5,2\n");
-    EXPECT_FALSE(std::filesystem::exists("y.csv.unfinished"));
-}
 
 TEST_F(Command, BadElementsAreListed) {
     if (orv("info").out.find("\nLn ") == std::string::npos) GTEST_SKIP() << "no function with a domain yet";
@@ -135,6 +59,77 @@ TEST_F(Command, InfoTellsTheMode) {
         EXPECT_NE(outcome.out.find("\nAbs          s d"), std::string::npos) << outcome.out;
     }
     set("");
+}
+
+TEST_F(Command, AccuracyMeasures) {
+    const Outcome outcome = orv("accuracy ln --range 0.5 2 --points 20000");
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    double la = 0, ha = 0, ep = 0;
+    ASSERT_EQ(std::sscanf(outcome.out.c_str(), "accuracy,worst_ulp,at la,%lf,%*f ha,%lf,%*f ep,%lf", &la, &ha, &ep), 3)
+        << outcome.out;
+    EXPECT_GT(ha, 0.45);
+    EXPECT_LT(ha, 0.57);
+    EXPECT_EQ(la, ha);
+    EXPECT_GT(ep, 1e5);
+}
+
+// A line, both results of one argument, and a plane.
+TEST_F(Command, AccuracyMeasuresEveryShape) {
+    const struct {
+        const char *arguments, *form;
+        double ha;
+    } cases[] = {
+        {"Log1p", "accuracy,worst_ulp,at la,%lf,%*f ha,%lf", 0.6},
+        {"SinCos --type s", "accuracy,worst_ulp,at la,%lf,%*f ha,%lf", 0.6},
+        {"Mul --range 1 2 --second -1 1", "accuracy,worst_ulp,at,and la,%lf,%*f,%*f ha,%lf", 0.5},
+        {"Conj --type z", "accuracy,worst_ulp,at,and la,%lf,%*f,%*f ha,%lf", 0},
+    };
+    for (const auto& [arguments, form, bound] : cases) {
+        const Outcome outcome = orv(std::string("accuracy --points 3000 ") + arguments);
+        EXPECT_EQ(outcome.status, 0) << outcome.err;
+        double la = 0, ha = -1;
+        ASSERT_EQ(std::sscanf(outcome.out.c_str(), form, &la, &ha), 2) << outcome.out;
+        EXPECT_LE(ha, bound) << arguments;
+        EXPECT_GE(ha, 0.9 * std::min(bound, 0.5)) << arguments;
+    }
+}
+
+// Field `column` of row `row` of the CSV output.
+double value_at(const std::string& csv, int row, int column) {
+    std::istringstream lines(csv);
+    std::string line, field;
+    for (int i = 0; i <= row; ++i) std::getline(lines, line);
+    std::istringstream fields(line);
+    for (int i = 0; i <= column; ++i) std::getline(fields, field, ',');
+    return std::stod(field);
+}
+
+TEST_F(Command, StatsOfUnevenTables) {
+    const std::string skewed = orv("stats --csv", "x,y\n1,2\n2,4\n3,9\n").out;
+    EXPECT_NEAR(value_at(skewed, 2, 4), 12 / std::pow(13, 1.5), 1e-15);
+    EXPECT_NEAR(value_at(skewed, 9, 2), 3.5 / std::sqrt(13), 1e-15);
+    // A weight of 2 counts as the row twice in the mean and, here, nowhere else.
+    const std::string weighted = orv("stats --csv --weights w --columns x", "x,w\n1,1\n4,2\n").out;
+    EXPECT_EQ(value_at(weighted, 1, 2), 3);
+}
+
+// Some blocks of rows, on one thread and on two: 0, 1, 2, ... and its square, whose moments are known.
+TEST_F(Command, StatsGoesBlockByBlock) {
+    constexpr int rows = 400000;
+    std::string text;
+    for (int i = 0; i < rows; ++i)
+        text += std::to_string(i) + "," + std::to_string(static_cast<int64_t>(i) * i) + "\r\n";
+    put("big.csv", text);
+    for (const char* threads : {"1", "2"}) {
+        const std::string out = orv("stats big.csv --csv --threads " + std::string(threads)).out;
+        const double n = rows, variance = n * (n + 1) / 12;
+        EXPECT_EQ(value_at(out, 1, 1), n);
+        EXPECT_EQ(value_at(out, 1, 2), (n - 1) / 2);
+        EXPECT_NEAR(value_at(out, 1, 3), std::sqrt(variance), 1e-12 * n);
+        EXPECT_NEAR(value_at(out, 1, 4), 0, 1e-12);
+        EXPECT_NEAR(value_at(out, 1, 5), -1.2, 1e-4);
+        EXPECT_NEAR(value_at(out, 5, 2) / (variance * (n - 1)), 1, 1e-12);  // the covariance of i and i^2
+    }
 }
 
 }  // namespace

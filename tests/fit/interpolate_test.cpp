@@ -140,7 +140,9 @@ TYPED_TEST(FitInterpolate, CellsAreStoredTakenAndSearchedForAlone) {
             EXPECT_EQ(found, given);
             std::fill(wide_cells.begin(), wide_cells.end(), 99999);
             std::fill(narrow_cells.begin(), narrow_cells.end(), -99999);
-            ASSERT_EQ(run(2, given.data()), 0);  // cells out of range count as the ends
+            // Cells out of range count as the ends, and given cells are not stored over.
+            ASSERT_EQ(run(6, given.data()), 0);
+            EXPECT_EQ(wide ? wide_cells[0] : narrow_cells[0], wide ? 99999 : -99999);
             for (size_t i = 0; i < count; ++i)
                 ASSERT_NEAR(given[i], static_cast<double>(fit.at(wide ? 38 : 0, x[i])),
                             std::fabs(given[i]) * 1e-4 + 1e-3);

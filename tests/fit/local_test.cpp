@@ -95,8 +95,10 @@ TYPED_TEST(FitLocal, FormulasInExtendedPrecision) {
                 Problem<T> p;
                 p.x = breaks<T>(count);
                 p.y = noise<T>(count);
-                // Stretches on a line, where Akima's weights vanish, and steps, where Hyman's slopes do.
+                // Stretches on a line, where Akima's weights vanish, and almost on one, where they do not; and steps,
+                // where Hyman's slopes vanish.
                 for (size_t i = 100; i < 110 && i < p.y.size(); ++i) p.y[i] = T(0.5) * p.x[i];
+                for (size_t i = 140; i < 150 && i < p.y.size(); ++i) p.y[i] = T(0.5) * p.x[i] + p.y[i] * T(1e-4);
                 for (size_t i = 120; i < 125 && i < p.y.size(); ++i) p.y[i] = T(0.5);
                 if (code >= 12 && code != 64) p.bc = {T(0.5), T(-2)};
                 if (code == 64) p.y.back() = p.y.front();

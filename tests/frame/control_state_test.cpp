@@ -1,5 +1,6 @@
 // The floating-point frame: the caller's control state comes back whatever it was, with the flags that arose; and the
 // caller's stack may be aligned to 4 bytes only.
+#include "support/control_state.h"
 #include "support/rows.h"
 
 #include <gtest/gtest.h>
@@ -12,16 +13,6 @@
 namespace {
 
 using namespace orv::test;
-
-uint16_t x87_control() {
-    uint16_t word;
-    __asm__ volatile("fnstcw %0" : "=m"(word));
-    return word;
-}
-void set_x87_control(uint16_t word) { __asm__ volatile("fnclex\n\tfldcw %0" : : "m"(word)); }
-
-constexpr uint16_t usual_x87 = 0x037F;
-constexpr unsigned usual_mxcsr = 0x1F80;
 
 // Every present row of one or two inputs, each accuracy, as one call over ordinary arguments.
 struct Call {

@@ -211,4 +211,15 @@ TEST(Loops, GiveEveryElementItsResultAndTouchNothingElse) {
     }
 }
 
+// The arguments behind the count are null pointers, increments and scalars of 0, as many as any shape has.
+TEST(Loops, DoNothingForCountsBelowOne) {
+    using Any = void(int32_t n, intptr_t, intptr_t, intptr_t, intptr_t, intptr_t, intptr_t, intptr_t, intptr_t,
+                     intptr_t, intptr_t, intptr_t, intptr_t, intptr_t, intptr_t);
+    for (const Row& row : math_rows())
+        for (const Form* form : {&row.dense, &row.strided})
+            for (int accuracy = 0; accuracy < 3 && row.here; ++accuracy)
+                for (const int32_t n : {0, -1, -32, INT32_MIN + 1, INT32_MIN})
+                    entry<Any>(*form, accuracy)(n, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0);
+}
+
 }  // namespace

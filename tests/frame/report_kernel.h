@@ -7,13 +7,7 @@
 namespace orv::test {
 
 template <class T>
-struct ProbeKernel {
-    using Element = T;
-    using Result = T;
-    using Frame = frame::GeneralFrame;
-    static constexpr int block = 8;
-    static constexpr frame::Tail tail = frame::Tail::masked;
-    static constexpr char name[] = "vProbe";
+struct ProbeKernel : frame::OneInput<T, 8, frame::Tail::masked> {
     using V = typename simd::Lanes<T>::V;
 
     static V lanes(V x, V& doubt) {

@@ -1,5 +1,6 @@
 // Reporting, through the library's own reporters and loops, built into this program with a kernel of the test's own.
 #include "frame/report_kernel.h"
+#include "support/control_state.h"
 
 #include <gtest/gtest.h>
 
@@ -14,11 +15,13 @@
 namespace {
 
 using namespace orv;
+using test::x87_control;
+using test::x87_flags;
 using Probe = test::ProbeKernel<double>;
 
 void dense(const std::vector<double>& a, std::vector<double>& y) {
-    frame::map<Probe>(static_cast<int32_t>(a.size()), frame::Dense<const double>{a.data()},
-                      frame::Dense<double>{y.data()});
+    frame::map<Probe>("vProbe", static_cast<int32_t>(a.size()), frame::to(frame::Dense{y.data()}),
+                      frame::Dense{a.data()});
 }
 
 // Each test runs on a thread of its own, with the standard mode and a status of 0.
@@ -42,17 +45,6 @@ void reset_notes() {
     reports.clear();
     callback_result = 0;
     replaces = false;
-}
-
-uint16_t x87_flags() {
-    uint16_t word;
-    __asm__ volatile("fnstsw %0" : "=m"(word));
-    return word & 0x3F;
-}
-uint16_t x87_control() {
-    uint16_t word;
-    __asm__ volatile("fnstcw %0" : "=m"(word));
-    return word;
 }
 
 TEST(Report, ComesInTheOrderOfTheElements) {
@@ -88,7 +80,7 @@ TEST(Report, StridesLeadToTheElement) {
         _arqSetErrorCallBack(note);
         std::vector<double> a(60, 2.0), y(60, 5.0);
         a[3 * 11] = 0.0;
-        frame::map<Probe>(20, frame::Strided<const double>{a.data(), 3}, frame::Strided<double>{y.data() + 38, -2});
+        frame::map<Probe>("vProbe", 20, frame::to(frame::Strided{y.data() + 38, -2}), frame::Strided{a.data(), 3});
         ASSERT_EQ(reports.size(), 1u);
         EXPECT_EQ(reports[0].index, 11);
         EXPECT_EQ(reports[0].arg1, 0.0);
@@ -280,7 +272,7 @@ TEST(Report, CountsFromTheWholeVector) {
         std::vector<double> a(100, 2.0), y(100);
         a[90] = 0.0;
         EXPECT_EQ(_arqSetInterfInputVectorPointer(a.data()), a.data());
-        frame::map<Probe>(20, frame::Dense<const double>{a.data() + 80}, frame::Dense<double>{y.data() + 80});
+        frame::map<Probe>("vProbe", 20, frame::to(frame::Dense{y.data() + 80}), frame::Dense{a.data() + 80});
         const std::vector<orv_complex_d> z(10);
         std::vector<orv_complex_d> w(10);
         _arqSetInterfInputVectorPointer(z.data());
@@ -348,7 +340,7 @@ TEST(Report, WidensAndNarrowsEveryKind) {
 TEST(Exception, LeavesFlagAndMasksAndKeepsThePrecision) {
     on_new_thread([] {
         constexpr uint16_t single_precision = 0x007F;
-        __asm__ volatile("fnclex\n\tfldcw %0" : : "m"(single_precision));
+        test::set_x87_control(single_precision);
         _arqSetMode(ORV_MODE_ERRMODE_EXCEPT);
         const double a[1] = {1};
         double y[1] = {1};

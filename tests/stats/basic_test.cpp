@@ -147,24 +147,6 @@ void pairs() {
 TEST(Basic, PairsOfEstimatesOverBlocksOfDoubles) { pairs<double>(); }
 TEST(Basic, PairsOfEstimatesOverBlocksOfFloats) { pairs<float>(); }
 
-TEST(Basic, ThreadsAgreeUpToRounding) {
-    for (const uint64_t method : methods) {
-        Problem<double> one(12, 6000), four(12, 6000);
-        one.fill(11, 1000);
-        one.weigh(12);
-        if (method == BasicUserMean) one.mean_given.assign(12, 1001);
-        four.x = one.x, four.w = one.w, four.mean_given = one.mean_given;
-        ASSERT_EQ(one.run(all_moments | all_matrices, method, 1), 0);
-        ASSERT_EQ(four.run(all_moments | all_matrices, method, 4), 0);
-        const double bound = method == BasicFast ? 1e-9 : 1e-12;
-        for (int row = 0; row < 5; ++row)
-            for (int32_t j = 0; j < 12; ++j)
-                EXPECT_NEAR(four.vectors[row][j], one.vectors[row][j], bound * std::fabs(one.vectors[row][j]));
-        for (size_t k = 0; k < one.cov.size(); ++k)
-            EXPECT_NEAR(four.cov[k], one.cov[k], 1e-12 * (1 + std::fabs(one.cov[k])));
-    }
-}
-
 // Results from sums and cross-product alone, with W from the accumulated weights and from n.
 TEST(Basic, WithoutData) {
     for (const bool weighted : {false, true})

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 #include <fstream>
 #include <limits>
 #include <string>
@@ -242,6 +243,7 @@ TEST(OddData, WeightsOfZeroEndTheCall) {
                     EXPECT_EQ(problem.vectors[row][j], row == 0 && method == BasicUserMean ? problem.mean_given[j] : 0);
             EXPECT_EQ(problem.cov[0], problem.untouched);
             EXPECT_EQ(problem.weights[1], cancelling ? 40 : 0);
+            EXPECT_EQ(problem.task->ownedTenant, 0);
         }
 }
 
@@ -360,6 +362,21 @@ TEST(Blocks, UsersMeanIsCopiedAndKept) {
     for (int32_t j = 0; j < 3; ++j) {
         EXPECT_FLOAT_EQ(problem.vectors[4][j], whole.vectors[4][j]);
         EXPECT_EQ(static_cast<float*>(problem.task->ownedBuffer)[j], problem.mean_given[j]);
+    }
+}
+
+// What another entry has left in the task's block is not taken for the sums so far.
+TEST(Blocks, AnotherTenantIsNotMisread) {
+    for (const uint64_t method : {BasicFast, BasicOnePass}) {
+        Problem<double> problem(3, 100), whole(3, 100);
+        for (Problem<double>* one : {&problem, &whole}) one->fill(30);
+        ASSERT_EQ(whole.run(everything, method), 0);
+        ASSERT_EQ(problem.run_block(everything, method, 0, 50), 0);
+        std::memset(problem.task->ownedBuffer, 0x3F, problem.task->ownedBytes);
+        problem.task->ownedTenant = 99;
+        ASSERT_EQ(problem.run_block(everything, method, 50, 100), 0);
+        for (int32_t j = 0; j < 3; ++j) EXPECT_NEAR(problem.vectors[6][j], whole.vectors[6][j], 1e-10) << method;
+        for (size_t k = 0; k < 9; ++k) EXPECT_NEAR(problem.cov[k], whole.cov[k], 1e-12) << method;
     }
 }
 

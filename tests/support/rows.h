@@ -40,21 +40,13 @@ struct Row {
 
 inline constexpr const char* accuracy_names[3] = {"LA", "HA", "EP"};
 
-#define ORV_LA_s _21
-#define ORV_LA_c _21
-#define ORV_LA_d _50
-#define ORV_LA_z _50
-#define ORV_EP_s _11
-#define ORV_EP_c _11
-#define ORV_EP_d _26
-#define ORV_EP_z _26
 #define ORV_PASTE_(a, b) a##b
 #define ORV_PASTE(a, b) ORV_PASTE_(a, b)
 #define ORV_ENTRY(name) reinterpret_cast<orv::test::Entry>(name)
 #define ORV_FORM(type, row)                                                                     \
     {                                                                                           \
-        {ORV_ENTRY(ORV_PASTE(_arq##row, ORV_LA_##type)), ORV_ENTRY(_arq##row),                  \
-         ORV_ENTRY(ORV_PASTE(_arq##row, ORV_EP_##type))},                                       \
+        {ORV_ENTRY(ORV_PASTE(_arq##row, ORV_LA_SUFFIX_##type)), ORV_ENTRY(_arq##row),           \
+         ORV_ENTRY(ORV_PASTE(_arq##row, ORV_EP_SUFFIX_##type))},                                \
             ORV_ENTRY(_arq##row##_HA), orv_arq_kernel_##row##_ttab, orv_arq_kernel_##row##_ctab \
     }
 

@@ -3,6 +3,7 @@
 #include "frame/kernel_tables.h"
 #include "function_cards.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -80,6 +81,20 @@ std::string arguments(const Row& row, bool strided) {
     return "int64_t n, " + in + "a, " + out + "y, const int32_t* list";
 }
 
+struct Suffixes {
+    char type;
+    const char *la, *ep;
+};
+#define TEXT_(x) #x
+#define TEXT(x) TEXT_(x)
+#define SUFFIXES(type) \
+    { #type[0], TEXT(ORV_LA_SUFFIX_##type), TEXT(ORV_EP_SUFFIX_##type) }
+constexpr Suffixes suffixes[] = {SUFFIXES(s), SUFFIXES(d), SUFFIXES(c), SUFFIXES(z)};
+
+const Suffixes& suffixes_of(char type) {
+    return *std::find_if(std::begin(suffixes), std::end(suffixes), [=](const Suffixes& s) { return s.type == type; });
+}
+
 const Card* card_of(std::string_view function) {
     for (const Card& card : cards)
         if (card.function == function) return &card;
@@ -120,9 +135,8 @@ std::string errors_of(std::string_view function) {
 }
 
 void declare(std::ostream& header, const Row& row, bool strided) {
-    const bool single = row.type == 's' || row.type == 'c';
     const std::string name = std::string(1, row.type) + std::string(row.function) + (strided ? "I" : "");
-    for (const char* suffix : {"", "_HA", single ? "_21" : "_50", single ? "_11" : "_26"})
+    for (const char* suffix : {"", "_HA", suffixes_of(row.type).la, suffixes_of(row.type).ep})
         header << "void _arq" << name << suffix << "(" << arguments(row, strided) << ");\n";
     header << "ORV_DATA orv_arq_kernel orv_arq_kernel_" << name << "_ttab[3];\n";
     header << "ORV_DATA float orv_arq_kernel_" << name << "_ctab[3];\n\n";
@@ -167,7 +181,12 @@ void write_list(std::ostream& header) {
     header << "\n#define ORV_VECMATH_MOVE_ROWS(ROW)";
     for (const Row& row : move_rows)
         if (row.here) header << " \\\n    ROW(" << row.type << ", " << row.function << ", " << row.shape << ")";
-    header << "\n\n";
+    header << "\n\n/* The \"LA\" and the \"EP\" entry of a function, by type. */\n";
+    for (const Suffixes& s : suffixes)
+        header << "#define ORV_VECMATH_LA_" << s.type << "(function) _arq" << s.type << "##function##" << s.la
+               << "\n#define ORV_VECMATH_EP_" << s.type << "(function) _arq" << s.type << "##function##" << s.ep
+               << "\n";
+    header << "\n";
 }
 
 }  // namespace

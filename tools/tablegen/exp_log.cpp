@@ -87,6 +87,7 @@ void exp_log_tables(const Output& output) {
     exp2_pairs(output, 64);
     exp2_pairs(output, 128);
     exp2_significands(output, 128);
+    exp2_significands(output, 2048);
     exp2_float_pairs(output, 128);
     log_513(output, "ln_513", log, Real(1), 23);
     log_513(output, "log10_513", log10, Real(0x1.bcp-2), 21);

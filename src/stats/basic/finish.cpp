@@ -1,17 +1,16 @@
 // From accumulated sums to the estimates.
 #include "stats/basic/finish.h"
 
-#include <emmintrin.h>
+#include "simd/lanes.h"
 
 namespace orv::stats {
 namespace {
 
 // 1 / sqrt of the diagonal, two at a time.
 void reciprocal_roots(const double* c, ptrdiff_t p, double* roots) {
-    const __m128d one = _mm_set1_pd(1);
     for (ptrdiff_t j = 0; j < p; ++j) roots[j] = c[j * (p + 1)];
     ptrdiff_t j = 0;
-    for (; j + 2 <= p; j += 2) _mm_storeu_pd(roots + j, _mm_div_pd(one, _mm_sqrt_pd(_mm_loadu_pd(roots + j))));
+    for (; j + 2 <= p; j += 2) simd::store(roots + j, simd::splat(1.0) / simd::square_root(simd::load(roots + j)));
     if (j < p) roots[j] = 1 / __builtin_sqrt(roots[j]);
 }
 
@@ -31,11 +30,11 @@ void each_shape(double mean, double c2, double c3, double c4, Put put) {
     put(array_variation, __builtin_sqrt(c2) / mean);
 }
 
-// Calls put(array, value) for every estimate of a component.
+// Calls put(array, value) for every estimate of a component, of weight w in all.
 template <class T, class Put>
-void each_estimate(const Request& request, int32_t j, const Component& values, Weights weights, Put put) {
-    const double w = weights.w;
-    const double c2 = values.central[2] * w * weights.variance_factor();
+void each_estimate(const Request& request, int32_t j, const Component& values, double w, double variance_factor,
+                   Put put) {
+    const double c2 = values.central[2] * w * variance_factor;
     double mean = values.mean;
     if (request.method == BasicUserMean && request.writes(array_mean))
         mean = static_cast<double>(request.values<T>(array_mean)[j]);
@@ -124,9 +123,10 @@ void write_matrices(const Request& request, const double* cross, Weights weights
 
 template <class T>
 void write_results(const Request& request, const Accumulation& from, double* roots) {
+    const double factor = from.weights.variance_factor();
     for (int32_t j = 0; j < request.p; ++j)
         if (request.takes_part(j))
-            each_estimate<T>(request, j, component_of(request, from, j), from.weights,
+            each_estimate<T>(request, j, component_of(request, from, j), from.weights.w, factor,
                              [&](int32_t array, double value) {
                                  if (request.writes(array)) request.values<T>(array)[j] = static_cast<T>(value);
                              });
@@ -137,9 +137,10 @@ template <class T>
 bool results_stand(const Request& request, const Accumulation& from, double* roots) {
     const T* kept = static_cast<const T*>(request.task->accumWeight);
     bool same = stands(kept[0], from.weights.w) && stands(kept[1], from.weights.w2);
+    const double factor = from.weights.variance_factor();
     for (int32_t j = 0; same && j < request.p; ++j)
         if (request.takes_part(j))
-            each_estimate<T>(request, j, component_of(request, from, j), from.weights,
+            each_estimate<T>(request, j, component_of(request, from, j), from.weights.w, factor,
                              [&](int32_t array, double value) {
                                  const bool given = array == array_variation && request.method == BasicUserMean;
                                  if (request.writes(array) && !given)

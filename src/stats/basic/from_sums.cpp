@@ -62,11 +62,12 @@ int32_t finish_from_sums(const Request& request) {
         const int32_t status = matrices_from_cross_product<T>(written, weights);
         if (status != SSStatusOk) return status;
     }
+    const double variance_factor = weights.variance_factor();
     for (int32_t j = 0; j < request.p; ++j) {
         if (!request.takes_part(j)) continue;
         for (const Source& row : sources) {
             if (!written.writes(row.moment)) continue;
-            const double factor = row.moment == array_central2 ? weights.variance_factor() : 1 / weights.w;
+            const double factor = row.moment == array_central2 ? variance_factor : 1 / weights.w;
             request.values<T>(row.moment)[j] = static_cast<T>(value_at<T>(request, row.sum, j) * factor);
         }
         write_shape<T>(written, j, value_at<T>(request, array_mean, j), value_at<T>(request, array_central2, j),

@@ -9,12 +9,8 @@ namespace {
 using namespace orv;
 
 template <class T>
-struct Abs {
-    using Element = T;
-    using Result = T;
+struct Abs : frame::OneInput<T, 2 * 16 / sizeof(T), frame::Tail::padded> {
     using Frame = frame::MasksOnlyFrame;
-    static constexpr int block = 2 * 16 / sizeof(T);
-    static constexpr frame::Tail tail = frame::Tail::padded;
     using V = typename simd::Lanes<T>::V;
     static V lanes(V x) { return x * simd::bit_or(simd::sign_of(x), simd::splat(T{1})); }
 };

@@ -1,13 +1,12 @@
 // sExp2: 2^x, one kernel for all accuracies.
 //
 // 1.5 * 2^16 carries 7 bits after the point, so x + 1.5 * 2^16 rounds x to k/128 and r = x - k/128 is exact, |r| <= 2^-8.
-// The vector path serves |x| < 126. Worst errors measured: 0.56 ulp, subnormal results 0.50.
+// The vector path serves |x| < 126.
 #include "vecmath/exp_log/exp_base_s.h"
 
 namespace {
 
 constexpr orv::vecmath::ExpBaseSBlock exp2_block{
-    .name = "vsExp2",
     .exact_reduction = true,
     .last_finite = 0x1.fffffep+6f,
     .first_zero = -150.0f,

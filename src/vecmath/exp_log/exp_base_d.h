@@ -13,7 +13,6 @@ namespace orv::vecmath {
 
 template <int Rows>
 struct ExpBaseBlock {
-    char name[8];
     bool exact_reduction;  // x + shifter rounds x itself, and r = x - k / N is exact
     double last_finite, first_zero,
         last_normal;            // where overflow, zero and subnormal results begin, the last two going down
@@ -31,7 +30,6 @@ struct ExpBaseBlock {
 template <const auto& Block>
 struct ExpBase : frame::OneInput<double, 4, frame::Tail::masked> {
     static constexpr const auto& K = Block;
-    static constexpr const char* name = K.name;
 
     static __m128d doubt(__m128d x) {
         return simd::doubles(_mm_cmpgt_epi32(_mm_and_si128(simd::bits_of(x), K.magnitude), K.limit));

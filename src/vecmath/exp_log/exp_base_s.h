@@ -12,7 +12,6 @@
 namespace orv::vecmath {
 
 struct ExpBaseSBlock {
-    char name[8];
     bool exact_reduction;  // x + shifter rounds x itself, and r = x - k / 128 is exact
     float last_finite, first_zero, last_normal;
     double log2_base;
@@ -43,8 +42,6 @@ inline float exp2_rounded(double z) {
 
 template <const ExpBaseSBlock& K>
 struct ExpBaseS : frame::OneInput<float, 8, frame::Tail::masked> {
-    static constexpr const char* name = K.name;
-
     static __m128 doubt(__m128 x) {
         return simd::floats(_mm_cmpgt_epi32(_mm_and_si128(simd::bits_of(x), K.magnitude), K.limit));
     }

@@ -27,7 +27,6 @@ struct Expm1Limits {
 inline constexpr Expm1Limits expm1_limits;
 
 struct Expm1Words {
-    char name[8];
     simd::Splat<double> shifter{0x1.80000000ffcp+49};
     simd::Splat<double> ln2{0x1.62e42fefa39efp-8};  // ln 2 / 128
     simd::Splat<double> c2{0x1.ffffffffffe5cp-2}, c3{0x1.555555555541dp-3};

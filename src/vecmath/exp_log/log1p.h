@@ -29,7 +29,6 @@ inline __m128d log1p_lanes(__m128d x) {
 
 // "EP" of `d`, which is good for "HA" of `s` too.
 inline constexpr LogCentresBlock<centres_513> log1p_ep{
-    .name = "vdLog1p",
     .log2_high = 0x1.62e42fefa4p-1,
     .log2_low = -0x1.8432a1b0e2634p-43,
     .c1 = 1.0,

@@ -6,7 +6,6 @@
 namespace orv::vecmath {
 
 inline constexpr LogCentresBlock<centres_513> log2_ep{
-    .name = "vdLog2",
     .log2_high = 1.0,
     .log2_low = 0.0,
     .c1 = 0x1.71547652b82fep+0,

@@ -4,8 +4,7 @@
 // to it where |r| is 1/3, and its sum with k with the rounding error. "EP" has sLog10's polynomial by log2 10.
 // "HA": dLog2's "EP" method, right to 2^-32, rounded to single.
 //
-// Powers of two are exact. Worst errors measured: "LA" 1.6 ulp, of which the polynomial's own error is up to 0.8; "HA"
-// 0.51 ulp; "EP" 2^-14.0 relative.
+// Powers of two are exact. Of the error of "LA" up to 0.8 ulp is the polynomial's own.
 #include "vecmath/exp_log/log2.h"
 #include "vecmath/exp_log/log_s.h"
 #include "vecmath/exp_log/wide.h"
@@ -16,7 +15,6 @@ using namespace orv;
 using simd::Splat;
 
 struct Log2LaBlock {
-    char name[8] = "vsLog2";
     Splat<float> c1_head{1.5f}, c1_tail{0x1.715476p+0f - 1.5f}, c2{-0x1.715456p-1f}, c3{0x1.ec6f8p-2f},
         c4{-0x1.7172d2p-2f}, c5{0x1.27ba0ep-2f}, c6{-0x1.e4f048p-3f}, c7{0x1.9acc16p-3f}, c8{-0x1.c71c28p-3f},
         c9{0x1.aa8024p-3f};
@@ -27,7 +25,6 @@ constexpr Log2LaBlock log2_la;
 
 struct Log2La : vecmath::LogS<Log2La> {
     static constexpr const Log2LaBlock& K = log2_la;
-    static constexpr const char* name = K.name;
 
     static __m128 log(__m128 x, __m128i k_shift) {
         __m128 k, r;
@@ -41,7 +38,6 @@ struct Log2La : vecmath::LogS<Log2La> {
 };
 
 struct Log2EpBlock {
-    char name[8] = "vsLog2";
     Splat<float> c1{0x1.7155d8p+0f}, c2{-0x1.70cb14p-1f}, c3{0x1.e9f482p-2f}, c4{-0x1.96d0d8p-2f}, c5{0x1.55c036p-2f};
     Splat<float> unit{0x1p-23f};
     vecmath::LogReduction reduction{};
@@ -50,7 +46,6 @@ constexpr Log2EpBlock log2_ep;
 
 struct Log2Ep : vecmath::LogS<Log2Ep> {
     static constexpr const Log2EpBlock& K = log2_ep;
-    static constexpr const char* name = K.name;
 
     static __m128 log(__m128 x, __m128i k_shift) {
         __m128 k, r;
@@ -61,7 +56,6 @@ struct Log2Ep : vecmath::LogS<Log2Ep> {
 
 struct Log2Ha : frame::OneInput<float, 8, frame::Tail::masked> {
     static constexpr vecmath::LogReduction reduction{};
-    static constexpr const char* name = log2_la.name;
 
     static __m128 doubt(__m128 x) { return reduction.doubt(x); }
     static __m128 lanes(__m128 x) {

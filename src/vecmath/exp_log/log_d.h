@@ -66,7 +66,6 @@ int32_t scalar_log_d(const double* at, double* y, double log_of_2_52) {
 // leading part of R. Where a is zero, next to 1, the rest v of R joins u in one exact sum; elsewhere it joins the small
 // terms.
 struct Log513Block {
-    char name[8];
     simd::Splat<double> log2_high, log2_low;
     simd::Splat<double> leading;             // L
     simd::Splat<double> q0, q1, q2, q3, q4;  // of q, from the constant term
@@ -139,7 +138,6 @@ inline constexpr LogCentresShape centres_513_exact{9, 0x100000 - 0x6A400, true};
 
 template <const LogCentresShape& Shape>
 struct LogCentresBlock {
-    char name[8];
     simd::Splat<double> log2_high, log2_low;
     simd::Splat<double> c1;              // less one with exact_leading
     simd::Splat<double> c2, c3, c4, c5;  // zero from the first that is left out
@@ -198,8 +196,6 @@ inline __m128d log_centres(__m128d x, Rest... rest) {
 // The kernel of a block of either method.
 template <const auto& K>
 struct LogD : frame::OneInput<double, 4, frame::Tail::by_element> {
-    static constexpr const char* name = K.name;
-
     static __m128d doubt(__m128d x) { return K.normal.doubt(x); }
     static __m128d lanes(__m128d x) {
         if constexpr (requires { K.leading; })

@@ -9,7 +9,6 @@ namespace {
 using namespace orv;
 
 struct LogbBlock {
-    char name[8] = "vdLogb";
     simd::SplatBits<uint32_t> magnitude{0x7FFFFFFF}, least{0x00100000}, greatest{0x7FEFFFFF};
     simd::SplatBits<uint64_t> magnitude_64{~uint64_t{0} >> 1}, carrier{vecmath::bits_of_2_52};
     simd::Splat<double> carrier_value{0x1p+52 + 1023};
@@ -17,8 +16,6 @@ struct LogbBlock {
 constexpr LogbBlock K;
 
 struct Logb : frame::OneInput<double, 4, frame::Tail::masked> {
-    static constexpr const char* name = K.name;
-
     static __m128d doubt(__m128d x) {
         const __m128i high = _mm_and_si128(simd::bits_of(x), K.magnitude);
         return simd::doubles(_mm_or_si128(_mm_cmpgt_epi32(K.least, high), _mm_cmpgt_epi32(high, K.greatest)));

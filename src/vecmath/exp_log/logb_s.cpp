@@ -11,14 +11,11 @@ using namespace orv;
 using simd::bits_of;
 
 struct LogbBlock {
-    char name[8] = "vsLogb";
     simd::SplatBits<uint32_t> magnitude{0x7FFFFFFF}, least{0x00800000}, greatest{0x7F7FFFFF}, bias{127};
 };
 constexpr LogbBlock K;
 
 struct Logb : frame::OneInput<float, 8, frame::Tail::masked> {
-    static constexpr const char* name = K.name;
-
     static __m128 doubt(__m128 x) {
         const __m128i bits = _mm_and_si128(bits_of(x), K.magnitude);
         return simd::floats(_mm_or_si128(_mm_cmpgt_epi32(K.least, bits), _mm_cmpgt_epi32(bits, K.greatest)));

@@ -9,12 +9,8 @@ namespace {
 using namespace orv;
 
 template <class T, int Control>
-struct Current {
-    using Element = T;
-    using Result = T;
+struct Current : frame::OneInput<T, 2 * 16 / sizeof(T), frame::Tail::by_element> {
     using Frame = frame::MasksOnlyFrame;
-    static constexpr int block = 2 * 16 / sizeof(T);
-    static constexpr frame::Tail tail = frame::Tail::by_element;
     using V = typename simd::Lanes<T>::V;
     static V lanes(V x) { return simd::round<Control>(x); }
 };

@@ -10,12 +10,9 @@ namespace {
 using namespace orv;
 
 template <class T, int Control, class ControlFrame>
-struct Directed {
-    using Element = T;
-    using Result = T;
+struct Directed
+    : frame::OneInput<T, 2 * 16 / sizeof(T), sizeof(T) == 4 ? frame::Tail::by_element : frame::Tail::masked> {
     using Frame = ControlFrame;
-    static constexpr int block = 2 * 16 / sizeof(T);
-    static constexpr frame::Tail tail = sizeof(T) == 4 ? frame::Tail::by_element : frame::Tail::masked;
     using V = typename simd::Lanes<T>::V;
     static V lanes(V x) { return simd::round<Control>(x); }
 };

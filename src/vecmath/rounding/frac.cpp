@@ -37,13 +37,7 @@ double frac_of(double x) {
 }
 
 template <class T>
-struct Frac {
-    using Element = T;
-    using Result = T;
-    using Frame = frame::GeneralFrame;
-    static constexpr int block = sizeof(T) == 4 ? 16 : 4;
-    static constexpr frame::Tail tail = frame::Tail::masked;
-    static constexpr char name[] = {'v', sizeof(T) == 4 ? 's' : 'd', 'F', 'r', 'a', 'c', '\0'};
+struct Frac : frame::OneInput<T, sizeof(T) == 4 ? 16 : 4, frame::Tail::masked> {
     using V = typename simd::Lanes<T>::V;
     static V doubt(V x) { return simd::not_finite(x); }
     static V lanes(V x) { return simd::bit_or(x - simd::round<_MM_FROUND_TO_ZERO>(x), simd::sign_of(x)); }

@@ -33,12 +33,8 @@ struct RoundFrame {
 };
 
 template <class T>
-struct Round {
-    using Element = T;
-    using Result = T;
+struct Round : frame::OneInput<T, 2 * 16 / sizeof(T), sizeof(T) == 4 ? frame::Tail::by_element : frame::Tail::masked> {
     using Frame = RoundFrame<T>;
-    static constexpr int block = 2 * 16 / sizeof(T);
-    static constexpr frame::Tail tail = sizeof(T) == 4 ? frame::Tail::by_element : frame::Tail::masked;
     static constexpr T below_half = sizeof(T) == 4 ? T(0x1.fffffep-2) : T(0x1.fffffffffffffp-2);
     using V = typename simd::Lanes<T>::V;
     static V lanes(V x, Frame& frame) {

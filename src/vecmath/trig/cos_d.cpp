@@ -13,7 +13,6 @@ using namespace orv;
 using namespace orv::vecmath;
 
 struct CosHA : SineKernel<1, 4> {
-    static constexpr char name[] = "vdCos";
     static D doubt(D x) { return simd::exceeds(simd::magnitude(x), last_128); }
     static D lanes(D x) {
         const D a = simd::magnitude(x);
@@ -29,7 +28,6 @@ struct CosEPBlock {
 constexpr CosEPBlock cos_ep;
 
 struct CosEP : SineKernelEP<1> {
-    static constexpr char name[] = "vdCos";
     static D doubt(D x) { return simd::exceeds(simd::magnitude(x), cos_ep.last); }
     static D lanes(D x) {
         const D a = simd::magnitude(x);

@@ -28,7 +28,7 @@ inline constexpr SinePolynomial sine_ha{
     1.0, -0x1.55554bc836587p-3, 0x1.110ed3804ca96p-7, -0x1.9f6ffd4f71d25p-13, 0x1.5dbdbfb5666fp-19, 0.0};
 
 template <bool Cosine>
-struct HalfTurnKernel : frame::OneInput<float, 8, frame::Tail::masked> {
+struct HalfTurnKernel : frame::OneInput<float, 8, frame::Tail::masked, frame::Rejected::settled> {
     static constexpr const HalfTurnBlock& K = half_turns;
 
     static S doubt(S x) { return simd::exceeds(simd::magnitude(x), trig_s.last_8192); }
@@ -107,18 +107,12 @@ struct HalfTurnEP : HalfTurnKernel<Cosine> {
 
 }  // namespace orv::vecmath
 
-#define ORV_HALF_TURN_KERNELS(function, Cosine)              \
-    namespace {                                              \
-    struct function##LA : orv::vecmath::HalfTurnLA<Cosine> { \
-        static constexpr char name[] = "vs" #function;       \
-    };                                                       \
-    struct function##HA : orv::vecmath::HalfTurnHA<Cosine> { \
-        static constexpr char name[] = "vs" #function;       \
-    };                                                       \
-    struct function##EP : orv::vecmath::HalfTurnEP<Cosine> { \
-        static constexpr char name[] = "vs" #function;       \
-    };                                                       \
-    }                                                        \
-    ORV_ONE_INPUT(s##function, la, function##LA)             \
-    ORV_ONE_INPUT(s##function, ha, function##HA)             \
+#define ORV_HALF_TURN_KERNELS(function, Cosine)                \
+    namespace {                                                \
+    struct function##LA : orv::vecmath::HalfTurnLA<Cosine> {}; \
+    struct function##HA : orv::vecmath::HalfTurnHA<Cosine> {}; \
+    struct function##EP : orv::vecmath::HalfTurnEP<Cosine> {}; \
+    }                                                          \
+    ORV_ONE_INPUT(s##function, la, function##LA)               \
+    ORV_ONE_INPUT(s##function, ha, function##HA)               \
     ORV_ONE_INPUT(s##function, ep, function##EP)

@@ -26,7 +26,6 @@ constexpr StepParts pi_la{0x1.45f306dc9c883p-2, 0x1.921fb4p+1, 0x1.4442dp-23, 0x
 
 struct SinLA : SineKernel<0, 8> {
     static constexpr const SinLABlock& K = sin_la;
-    static constexpr char name[] = "vdSin";
     static D doubt(D x) { return simd::exceeds(simd::magnitude(x), K.last); }
     static D lanes(D x) {
         const D a = simd::magnitude(x);
@@ -42,7 +41,6 @@ struct SinLA : SineKernel<0, 8> {
 };
 
 struct SinHA : SineKernel<0, 4> {
-    static constexpr char name[] = "vdSin";
     static D doubt(D x) { return simd::exceeds(simd::magnitude(x), last_128); }
     static D lanes(D x) {
         const D a = simd::magnitude(x);
@@ -52,7 +50,6 @@ struct SinHA : SineKernel<0, 4> {
 };
 
 struct SinEP : SineKernelEP<0> {
-    static constexpr char name[] = "vdSin";
     static D doubt(D x) { return simd::exceeds(simd::magnitude(x), sin_la.last); }
     static D lanes(D x) {
         const D a = simd::magnitude(x);

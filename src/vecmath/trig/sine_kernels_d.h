@@ -9,7 +9,7 @@ namespace orv::vecmath {
 
 // Large arguments in vector form.
 template <unsigned Quarters, int Block>
-struct SineKernel : frame::OneInput<double, Block, frame::Tail::masked> {
+struct SineKernel : frame::OneInput<double, Block, frame::Tail::masked, frame::Rejected::settled> {
     static D settle(D x, D y, D& doubt) {
         const D result = simd::select_by_sign(doubt, Step512<>(reduce_large(x)).sin(Quarters), y);
         doubt = simd::not_finite(x);
@@ -20,7 +20,7 @@ struct SineKernel : frame::OneInput<double, Block, frame::Tail::masked> {
 
 // Large arguments by the nearest half turn, which is enough for "EP".
 template <unsigned Quarters>
-struct SineKernelEP : frame::OneInput<double, 8, frame::Tail::masked> {
+struct SineKernelEP : frame::OneInput<double, 8, frame::Tail::masked, frame::Rejected::settled> {
     static D settle(D x, D y, D& doubt) {
         Fraction turn = fraction_of_turn(x);
         turn.high = simd::add(turn.high, simd::splat_bits(uint64_t{Quarters} << 62));

@@ -17,8 +17,7 @@ namespace {
 using namespace orv;
 using namespace orv::vecmath;
 
-struct Tan : frame::OneInput<double, 4, frame::Tail::masked> {
-    static constexpr char name[] = "vdTan";
+struct Tan : frame::OneInput<double, 4, frame::Tail::masked, frame::Rejected::settled> {
     static D settle(D x, D y, D& doubt) {
         const D result = simd::select_by_sign(doubt, Tangent512(reduce_large(x)).value(), y);
         doubt = simd::not_finite(x);

@@ -21,8 +21,7 @@ struct TanBlock {
 constexpr TanBlock K;
 
 template <const TangentQuotient& P>
-struct Tan : frame::OneInput<float, 4, frame::Tail::masked> {
-    static constexpr char name[] = "vsTan";
+struct Tan : frame::OneInput<float, 4, frame::Tail::masked, frame::Rejected::settled> {
     static S doubt(S x) { return simd::exceeds(simd::magnitude(x), K.last); }
 
     static S lanes(S x) {

@@ -8,7 +8,7 @@
 // underflow, the result is x times radians per unit, formed in a higher range. Both, and the poles of the tangent, are rare
 // and leave the main path through the mask.
 //
-// Worst errors measured: "LA" 0.76 ulp, "HA" 0.503 ulp, "EP" 2^-27.1 relative; the tangents "LA" and "HA" 0.503 ulp. Subnormal
+// Worst errors measured: "LA" 0.76 ulp, "HA" 0.503 ulp, "EP" 2^-27.1 relative; the tangents "LA" and "HA" 0.503 ulp, "EP" 3.4 ulp. Subnormal
 // results are within 0.75 of the smallest subnormal.
 //
 // Signs of zeros: the sine of a multiple of a half turn has the sign of x; the cosine of an odd multiple of a quarter turn
@@ -24,6 +24,15 @@
 
 namespace orv::vecmath {
 
+struct UnitConstants {
+    Splat<double> half{0.5}, two{2.0};
+    Splat<double> least{0x1p-950};                  // the least that the main path serves
+    Splat<double> raised{0x1p200}, back{0x1p-200};  // the higher range of what is below
+    Splat<double> eights{0x1.8p+91};                // adding it rounds to multiples of 8 * 2^36
+    Splat<double> by_2_36{0x1p-36};
+};
+inline constexpr UnitConstants unit;
+
 struct HalfTurns {
     static constexpr double half_turn = 1.0, inverse = 1.0;
     static constexpr double radians = 0x1.921fb54442d18p+1;
@@ -31,7 +40,7 @@ struct HalfTurns {
     static constexpr double limit = 0x1p43;  // below it the multiple of 1/256 has fewer than 52 bits
 
     // An equal angle in [-1, 1].
-    static D fold(D a) { return a - splat(2.0) * simd::round<_MM_FROUND_TO_NEAREST_INT>(a * splat(0.5)); }
+    static D fold(D a) { return a - unit.two * simd::round<_MM_FROUND_TO_NEAREST_INT>(a * unit.half); }
 };
 
 struct Degrees {
@@ -49,14 +58,12 @@ struct Degrees {
         const __m128i dozens = _mm_mulhi_epu16(above, simd::splat_bits(5462));  // above/12, above being less than 970
         const D b =
             simd::doubles(simd::subtract(bits, simd::shift_left<52>(_mm_mullo_epi16(dozens, simd::splat_bits(12)))));
-        const D high = (b + splat(1.5 * 0x1p91)) - splat(1.5 * 0x1p91);
-        return high * splat(0x1p-36) + (b - high);
+        const D high = (b + unit.eights) - unit.eights;
+        return high * unit.by_2_36 + (b - high);
     }
 };
 
 enum class Function { sin, cos, tan };
-
-inline constexpr double least_in_main_path = 0x1p-950;
 
 // An angle as a multiple of a part of a half turn, whose number is in the low bits of `shifted`, and the rest: a is
 // multiple + f exactly. The cosine takes the multiples halfway between.
@@ -172,13 +179,13 @@ inline int32_t at_pole(double x, T* y) {
 template <class Unit>
 inline D outside(D a) {
     constexpr auto high_word = [](double v) { return static_cast<uint32_t>(std::bit_cast<uint64_t>(v) >> 32); };
-    constexpr uint32_t first = high_word(least_in_main_path), end = high_word(Unit::limit);
+    constexpr uint32_t first = high_word(unit.least), end = high_word(Unit::limit);
     const __m128i offset = _mm_sub_epi32(simd::bits_of(a), _mm_set1_epi32(static_cast<int32_t>(first + 0x80000000u)));
     return simd::doubles(_mm_cmpgt_epi32(offset, _mm_set1_epi32(static_cast<int32_t>(end - 1 - first - 0x80000000u))));
 }
 
 template <class Unit, Function F, bool ByTable, Sums Kind>
-struct UnitAngle : frame::OneInput<double, 4, frame::Tail::masked> {
+struct UnitAngle : frame::OneInput<double, 4, frame::Tail::masked, frame::Rejected::settled> {
     static D of_magnitude(D a) {
         if constexpr (ByTable)
             return by_table<Unit, F, Kind>(a);
@@ -198,7 +205,7 @@ struct UnitAngle : frame::OneInput<double, 4, frame::Tail::masked> {
         const D mask = doubt;
         doubt = simd::not_finite(x);
         D a = simd::bit_and_not(doubt, simd::magnitude(x));
-        const D tiny = simd::less(a, splat(least_in_main_path));
+        const D tiny = simd::less(a, unit.least);
         const D small = a;
         a = folded<Unit>(simd::bit_and_not(tiny, a));
         if constexpr (F == Function::tan) {
@@ -208,8 +215,8 @@ struct UnitAngle : frame::OneInput<double, 4, frame::Tail::masked> {
         }
         D result = of_magnitude(a);
         if constexpr (F != Function::cos) {
-            const Pair r = in_radians<Unit>(simd::bit_and(tiny, small) * splat(0x1p200));
-            result = simd::select(tiny, (r.high + r.low) * splat(0x1p-200), result);
+            const Pair r = in_radians<Unit>(simd::bit_and(tiny, small) * unit.raised);
+            result = simd::select(tiny, (r.high + r.low) * unit.back, result);
         }
         return simd::select_by_sign(mask, with_sign_of(x, result), y);
     }
@@ -226,17 +233,11 @@ struct UnitAngle : frame::OneInput<double, 4, frame::Tail::masked> {
 #define ORV_UNIT_ANGLE(function, Unit, which)                                                               \
     namespace {                                                                                             \
     struct function##LA : orv::vecmath::UnitAngle<orv::vecmath::Unit, orv::vecmath::Function::which, true,  \
-                                                  orv::vecmath::Sums::plain> {                              \
-        static constexpr char name[] = "vd" #function;                                                      \
-    };                                                                                                      \
+                                                  orv::vecmath::Sums::plain> {};                            \
     struct function##HA : orv::vecmath::UnitAngle<orv::vecmath::Unit, orv::vecmath::Function::which, true,  \
-                                                  orv::vecmath::Sums::compensated> {                        \
-        static constexpr char name[] = "vd" #function;                                                      \
-    };                                                                                                      \
+                                                  orv::vecmath::Sums::compensated> {};                      \
     struct function##EP : orv::vecmath::UnitAngle<orv::vecmath::Unit, orv::vecmath::Function::which, false, \
-                                                  orv::vecmath::Sums::plain> {                              \
-        static constexpr char name[] = "vd" #function;                                                      \
-    };                                                                                                      \
+                                                  orv::vecmath::Sums::plain> {};                            \
     }                                                                                                       \
     ORV_ONE_INPUT(d##function, la, function##LA)                                                            \
     ORV_ONE_INPUT(d##function, ha, function##HA)                                                            \

@@ -1,7 +1,8 @@
 // Sine, cosine and tangent of angles in half turns and in degrees, for floats.
 //
-// |x| = k step + f with step a half turn (of the tangent: a quarter turn) is exact in float, and the rest is the sine of
-// +-f or the tangent of f, or its -1/tangent for odd k, in polynomials and quotients of polynomials of the unit itself.
+// |x| = k step + f with step a half turn (of the tangent: a quarter turn) is exact in float; of the cosine, whose k is halfway
+// between integers, in double. The rest is the sine of +-f or the tangent of f, or its -1/tangent for odd k, by polynomials
+// and quotients of polynomials of the unit itself.
 //
 // "LA" and "HA": those in double, where a polynomial of "HA" has one term more; large arguments are folded in double.
 // "EP": in float with a short polynomial; the tangent as "LA".
@@ -27,15 +28,19 @@ inline constexpr ShortSine short_sine_of = in_unit(short_sine, Unit::radians);
 // ---- Sine and cosine -------------------------------------------------------------------------------------------------
 
 template <class Unit, Function F, Method How>
-struct UnitAngleS : frame::OneInput<float, 8, frame::Tail::masked> {
+struct UnitAngleS : frame::OneInput<float, 8, frame::Tail::masked, frame::Rejected::settled> {
     static constexpr bool halfway = F == Function::cos;
 
     static S doubt(S x) { return simd::exceeds(simd::magnitude(x), last_in_float); }
     static S lanes(S x) {
-        const auto [shifted, multiple, f] = nearby<Unit, 1, halfway>(simd::magnitude(x));
+        const S a = simd::magnitude(x);
+        const auto [shifted, multiple, f] = nearby<Unit, 1, halfway>(a);
         S y;
         if constexpr (How == Method::in_float)
             y = sine<short_sine_of<Unit>>(f);
+        else if constexpr (halfway)  // of a small angle f has more digits than a float
+            y = simd::narrow(in_double(simd::widen_low(a) - simd::widen_low(multiple)),
+                             in_double(simd::widen_high(a) - simd::widen_high(multiple)));
         else
             y = simd::narrow(in_double(simd::widen_low(f)), in_double(simd::widen_high(f)));
         // A zero is positive here.
@@ -67,7 +72,7 @@ struct UnitAngleS : frame::OneInput<float, 8, frame::Tail::masked> {
 // ---- Tangent ---------------------------------------------------------------------------------------------------------
 
 template <class Unit, Method How>
-struct UnitAngleS<Unit, Function::tan, How> : frame::OneInput<float, 4, frame::Tail::masked> {
+struct UnitAngleS<Unit, Function::tan, How> : frame::OneInput<float, 4, frame::Tail::masked, frame::Rejected::settled> {
     // The multiple of a quarter turn next to |x|, and the lanes where that is x itself.
     struct Quarters {
         S f, axis;
@@ -124,17 +129,11 @@ struct UnitAngleS<Unit, Function::tan, How> : frame::OneInput<float, 4, frame::T
 #define ORV_UNIT_ANGLE_S(function, Unit, which)                                                       \
     namespace {                                                                                       \
     struct function##LA : orv::vecmath::UnitAngleS<orv::vecmath::Unit, orv::vecmath::Function::which, \
-                                                   orv::vecmath::Method::in_double> {                 \
-        static constexpr char name[] = "vs" #function;                                                \
-    };                                                                                                \
+                                                   orv::vecmath::Method::in_double> {};               \
     struct function##HA : orv::vecmath::UnitAngleS<orv::vecmath::Unit, orv::vecmath::Function::which, \
-                                                   orv::vecmath::Method::in_double_longer> {          \
-        static constexpr char name[] = "vs" #function;                                                \
-    };                                                                                                \
+                                                   orv::vecmath::Method::in_double_longer> {};        \
     struct function##EP : orv::vecmath::UnitAngleS<orv::vecmath::Unit, orv::vecmath::Function::which, \
-                                                   orv::vecmath::Method::in_float> {                  \
-        static constexpr char name[] = "vs" #function;                                                \
-    };                                                                                                \
+                                                   orv::vecmath::Method::in_float> {};                \
     }                                                                                                 \
     ORV_ONE_INPUT(s##function, la, function##LA)                                                      \
     ORV_ONE_INPUT(s##function, ha, function##HA)                                                      \

@@ -1,0 +1,87 @@
+// What the draws of `orv draw` share: the stream that they draw from, and what becomes of the numbers.
+#pragma once
+
+#include "generators.h"
+#include "histogram.h"
+#include "numbers.h"
+#include "output.h"
+#include "progress.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <optional>
+#include <type_traits>
+
+namespace orv::command {
+
+// L'Ecuyer's own seeds: the first numbers of the generator look like all others.
+struct DrawRequest {
+    std::string generator = "MRG32K3A";
+    std::vector<uint32_t> seed = std::vector<uint32_t>(6, 12345);
+    int64_t n = 10;
+    std::string skip;
+    std::string leapfrog;
+    std::string save, load;
+    std::string output, plot;
+    bool histogram = false;
+    size_t bins = 20;
+};
+
+// Adds the options that set a request.
+void add_draw_options(CLI::App& draw, DrawRequest& request);
+
+// Lines of text, bins of a histogram, or both.
+struct Receiver {
+    const DrawRequest& request;
+    std::optional<Histogram> histogram;
+    std::optional<Output> lines, plot, saved;
+    std::string text;
+
+    explicit Receiver(const DrawRequest& asked);
+};
+
+// The stream that a request asks for, moved to where it shall start.
+StreamHandle stream_for(const DrawRequest& request);
+
+// Writes histogram and picture, and saves the stream where that was asked for.
+void finish(Receiver& receiver, const Stream* stream, const std::string& title);
+
+template <class Number>
+void receive(Receiver& receiver, const Number* numbers, int64_t n) {
+    for (int64_t i = 0; i < n; ++i) {
+        if (receiver.histogram) count(*receiver.histogram, static_cast<double>(numbers[i]));
+        if (!receiver.lines) continue;
+        if constexpr (std::is_integral_v<Number>)
+            receiver.text += std::to_string(numbers[i]);
+        else
+            append_number(receiver.text, numbers[i]);
+        receiver.text += '\n';
+    }
+    if (receiver.lines) write(*receiver.lines, receiver.text);
+    receiver.text.clear();
+}
+
+// fill(numbers, n) -> status, block by block. The histogram, where there is one, goes from `from` to `to`.
+template <class Number, class Fill>
+void draw_all(Receiver& receiver, double from, double to, Fill fill) {
+    constexpr int64_t block = 1 << 14;
+    const int64_t n = receiver.request.n;
+    if (receiver.request.histogram || receiver.plot)
+        receiver.histogram = make_histogram(from, to, receiver.request.bins);
+    std::vector<Number> numbers(static_cast<size_t>(std::min(block, n)));
+    Progress progress = start_progress(n);
+    for (int64_t done = 0; done < n;) {
+        const int64_t count = std::min(block, n - done);
+        require(fill(numbers.data(), static_cast<int32_t>(count)), "draw");
+        receive(receiver, numbers.data(), count);
+        done += count;
+        tell_progress(progress, done, std::to_string(done) + " of " + std::to_string(n) + " numbers");
+    }
+    end_progress(progress);
+}
+
+// The distributions, each of which adds itself to `orv draw`.
+void add_draw_uniform(CLI::App& draw);
+void add_draw_bits(CLI::App& draw);
+
+}  // namespace orv::command

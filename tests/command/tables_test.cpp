@@ -1,0 +1,198 @@
+// What the command prints, refuses and draws: a line a case, for every subcommand.
+#include "command/command.h"
+
+#include <algorithm>
+
+namespace {
+
+// Points of the parabola x^2, at uneven distances.
+constexpr const char* parabola = "t,v,w\n0,0,0\n1,1,2\n3,9,6\n4,16,8\n6,36,12\n";
+
+TEST_F(Command, Prints) {
+    put("at.csv", "where\n2\n-1\n7\n");
+    const struct {
+        const char *arguments, *input, *output;
+    } cases[] = {
+        {"math Ceil", "1.5\n-0.5\n1e22\n", "1.5,2\n-0.5,-0\n1e+22,1e+22\n"},
+        {"math ceil -", "x\n1.5\n", "x,Ceil\n1.5,2\n"},
+        {"math Sqr", "x\n0.1\n", "x,Sqr\n0.1,0.010000000000000002\n"},
+        {"math Sqr --type s", "x\n0.1\n", "x,Sqr\n0.1,0.010000001\n"},
+        {"math Abs --type s", "16777217\n-1e-50\n1e-40\n", "16777216,16777216\n-0,0\n1e-40,1e-40\n"},
+        {"math Floor --by-mode --accuracy EP", "+2.5\n", "2.5,2\n"},
+        {"math Floor --accuracy la", "-inf\nInfinity\nnan\n", "-inf,-inf\ninf,inf\nnan,nan\n"},
+        {"math Add", "\"a,\"\"b\",c\n1,2\n", "\"a,\"\"b\",c,Add\n1,2,3\n"},
+        {"math Sub --column b --column a", "a,b\n1,5\n2,7\n", "b,a,Sub\n5,1,4\n7,2,5\n"},
+        {"math Mul --column 3 --column 3", "3,x,1.5\n", "1.5,1.5,2.25\n"},
+        {"math Abs --column 2", "2020-01-01,-4\n", "-4,4\n"},
+        {"math Abs --column v", "day,v\n2020-01-01,-4\n", "v,Abs\n-4,4\n"},
+        {"math Abs", "\xEF\xBB\xBFx\r\n\r\n-1\r\n  -2  \r\n\n\"-3\"", "x,Abs\n-1,1\n-2,2\n-3,3\n"},
+        {"math Abs", "", ""},
+        {"math Abs", "x\n", "x,Abs\n"},
+
+        {"fit --x t --y v --spline linear --sites 3", parabola, "t,v\n0,0\n3,9\n6,36\n"},
+        {"fit --x t --y v --spline hermite --internal w --bc second:2,2 --sites at.csv --derivatives 2", parabola,
+         "t,v,v.d1,v.d2\n2,4,4,2\n-1,1,-2,2\n7,49,14,2\n"},
+        {"fit --x t --y v --spline hermite --internal w --bc first:0,12 --sites at.csv", parabola,
+         "t,v\n2,4\n-1,1\n7,49\n"},
+        {"fit --x t --y v --spline bessel --bc second:2,2 --sites at.csv --type s", parabola, "t,v\n2,4\n-1,1\n7,49\n"},
+        {"fit --x t --y v --spline linear --integrate 0,1 --integrate 4,1", parabola,
+         "from,to,integral\n0,1,0.5\n4,1,-22.5\n"},
+
+        {"draw bits --brng MCG31M1 --seed 1 --n 2", "", "1\n1132489760\n"},
+        {"draw bits --brng MCG59 --seed 1 --n 2", "", "1\n302875106592253\n"},
+        {"draw bits --brng MCG59 --seed 1 --n 1 --skip 1 --width 32", "", "2256595\n"},
+        {"draw uniform --brng mrg32k3a --seed 12345,12345,12345,12345,12345,12345 --n 2 --type s", "",
+         "0.12701112\n0.31852758\n"},
+        {"draw uniform --type i --from 5 --to 6 --n 3", "", "5\n5\n5\n"},
+        {"draw uniform --type i --from -1 --to 1 --n 1000 --histogram --bins 1 --seed 7", "",
+         "          -1         1000 ##################################################\n"},
+
+        // Sums of squares that are powers of four, so that each result is exact.
+        {"stats --csv", "x,\"y,1\"\n2,4\n0,0\n2,4\n0,0\n1,2\n",
+         "column,count,mean,standard deviation,skewness,kurtosis,minimum,maximum\n"
+         "x,5,1,1,0,-2.2,0,2\n"
+         "\"y,1\",5,2,2,0,-2.2,0,4\n\n"
+         "covariance,x,\"y,1\"\nx,1,2\n\"y,1\",2,4\n\n"
+         "correlation,x,\"y,1\"\nx,1,1\n\"y,1\",1,1\n"},
+        {"stats --columns 3,1", "a,b,c\n1,-,5\n2,-,7\n",
+         "column  count  mean  standard deviation  skewness  kurtosis  minimum  maximum\n"
+         "c           2     6         1.414213562         0     -2.75        5        7\n"
+         "a           2   1.5        0.7071067812         0     -2.75        1        2\n\n"
+         "covariance  c    a\nc           2    1\na           1  0.5\n\n"
+         "correlation  c  a\nc            1  1\na            1  1\n"},
+    };
+    for (const auto& c : cases) {
+        const Outcome outcome = orv(c.arguments, c.input);
+        EXPECT_EQ(outcome.out, c.output) << c.arguments;
+        EXPECT_EQ(outcome.err, "") << c.arguments;
+        EXPECT_EQ(outcome.status, 0) << c.arguments;
+    }
+}
+
+TEST_F(Command, Refuses) {
+    put("rubbish", "no stream at all, but long enough");
+    const struct {
+        const char *arguments, *input, *message;  // the message from its start on
+    } cases[] = {
+        {"", "", ""},
+        {"nothing", "", ""},
+        {"info more", "", ""},
+        {"math", "", ""},
+        {"math Abs --type x", "", ""},
+        {"math Abs --accuracy best", "", ""},
+        {"math Abs none.csv", "", "none.csv: No such file or directory\n"},
+        {"math Abs --column z", "x,y\n1,2\n", "<stdin>:1: no column z"},
+        {"math Abs --column 3", "1,2\n", "<stdin>:1: no column 3"},
+        {"math Abs --column 0", "1,2\n", "<stdin>:1: no column 0"},
+        {"math Abs", "1,2\n", "<stdin>:1: 2 columns where 1 is wanted; choose with --column\n"},
+        {"math Add --column a", "a,b\n1,2\n", "<stdin>:1: 1 columns where 2 are wanted; choose with --column\n"},
+        {"math Abs", "x\n1\ntwo\n", "<stdin>:3: column x: 'two' is not a number\n"},
+        {"math Abs", "1\n2x\n", "<stdin>:2: column 1: '2x' is not a number\n"},
+        {"math Abs", "1\n0x1p3\n", "<stdin>:2: column 1: '0x1p3' is not a number\n"},
+        {"math Abs", "1\n+-1\n", "<stdin>:2: column 1: '+-1' is not a number\n"},
+        {"math Abs --column y", "x,y\n1,\n", "<stdin>:2: column y: missing value\n"},
+        {"math Abs", "1e400\n", "<stdin>:1: column 1: '1e400' is too large for the type\n"},
+        {"math Abs --type s", "x\n1\n1e39\n", "<stdin>:3: column x: '1e39' is too large for the type\n"},
+        {"math Add", "a,b\n1,2\n\n3\n", "<stdin>:4: 1 fields where the rows above have 2\n"},
+        {"math Abs --column b", "\"a\nb\",b\n1,x\n", "<stdin>:3: column b: 'x' is not a number\n"},
+        {"math Abs", "x\n\"1\n2\n", "<stdin>:4: broken quoting\n"},
+        {"math Nothing", "1\n", "no function Nothing of type d; `orv info` lists what is here\n"},
+        {"math Conj", "1\n", "no function Conj of type d; `orv info` lists what is here\n"},
+
+        {"fit --x t --y v", "t,v\n0,1\n1,2\n1,3\n", "<stdin>:4: abscissa 1 is repeated\n"},
+        {"fit --x t --y v", "t,v\n0,1\n2,2\n\n1,3\n",
+         "<stdin>:5: abscissae must ascend, and 1 is below that of the row before\n"},
+        {"fit --x t --y v", "t,v\n0,1\n1,nan\n", "<stdin>:3: a spline needs finite numbers\n"},
+        {"fit --x t --y v", "", "<stdin>: no rows of numbers\n"},
+        {"fit --x t --y v", "t,v\n", "<stdin>: no rows of numbers\n"},
+        {"fit --x t --y v --spline akima", "t,v\n0,1\n1,2\n", "-: the akima spline takes at least 5 rows\n"},
+        {"fit --x t --y v --bc periodic", parabola,
+         "natural: periodic ends, but the first and the last value differ, status -1018\n"},
+        {"fit --x t --y v --bc first", parabola, "--bc: first takes two values, as in first:0,0\n"},
+        {"fit --x t --y v --bc first:1", parabola, "--bc: 1 is not two numbers with a comma between them\n"},
+        {"fit --x t --y v --bc knot", parabola, "--bc: knot is none of the ends; see orv fit --help\n"},
+        {"fit --x t --y v --spline bessel --bc none", parabola,
+         "bessel: this spline does not take these ends, status -1014\n"},
+        {"fit --x t --y v --spline default", parabola,
+         "the default spline takes its interior second derivatives from --internal\n"},
+        {"fit --x t --y v --spline wavy", parabola, "--spline: no spline wavy; see orv fit --help\n"},
+        {"fit --x t --y v --sites 0", parabola, "--sites: a count from 1 to 10000000, or a file\n"},
+        {"fit --x t --y v --integrate 1", parabola, "--integrate: 1 is not two numbers with a comma between them\n"},
+
+        {"draw uniform --brng MT", "", "no generator MT; there are"},
+        {"draw uniform --brng MCG59:1", "", "MCG59:1: no such generator in this build\n"},
+        {"draw uniform --brng MCG59:x", "", "'x' is not a member of MCG59\n"},
+        {"draw uniform --from 1 --to 1", "", "--from must be below --to"},
+        {"draw uniform --from nan", "", "--from must be below --to"},
+        {"draw uniform --type i --to 0.5", "", "--from and --to must be 32-bit integers"},
+        {"draw uniform --leapfrog 2/2", "", "--leapfrog: '2/2' is not K/N"},
+        {"draw uniform --leapfrog 0/2 --brng MRG32K3A", "", "--leapfrog: the generator has no leapfrog\n"},
+        {"draw uniform --skip -1", "", "--skip: '-1' is not a count\n"},
+        {"draw uniform --load none", "", "none: cannot be opened\n"},
+        {"draw uniform --load rubbish", "", "rubbish: not a saved stream of a known generator\n"},
+        {"draw bits --width 64 --brng MRG32K3A", "", "draw: the generator does not have words of that width\n"},
+
+        {"stats", "x,y\n1,2\n3,\n", "<stdin>:3: column y: missing value\n"},
+        {"stats", "x,y\n1,2\n\nn/a,4\n", "<stdin>:4: column x: 'n/a' is not a number\n"},
+        {"stats", "1,2\n1e999,4\n", "<stdin>:2: column 1: '1e999' is too large for the type\n"},
+        {"stats --columns y,z", "x,y\n1,2\n", "<stdin>:1: no column z"},
+        {"stats --weights w", "x,y\n1,2\n", "<stdin>:1: no column w"},
+        {"stats --weights y", "x,y\n1,2\n1,-2\n", "<stdin>:3: a weight must be 0 or more\n"},
+        {"stats --weights y", "x,y\n1,0\n", "<stdin>: the weights add up to 0\n"},
+        {"stats --weights 1", "1\n", "<stdin>:1: no column left beside the weights\n"},
+        {"stats", "x,y\n", "<stdin>: no rows of numbers\n"},
+        {"stats", "", "<stdin>: no rows of numbers\n"},
+
+        {"accuracy Nonsense", "", "no function Nonsense of type d"},
+        {"accuracy Exp --type c", "", "no function Exp of type c"},
+        {"accuracy Exp --range 1 1", "", "the range is empty\n"},
+
+        // A place that cannot be written to is found before the work: here the input is not there either.
+        {"math Abs none.csv --output no/place", "", "no/place: No such file or directory\n"},
+        {"math Abs none.csv --output .", "", ".: "},
+        {"stats none.csv --output no/place", "", "no/place: No such file or directory\n"},
+        {"stats none.csv --plot no/place", "", "no/place: No such file or directory\n"},
+        {"fit none.csv --x t --y v --output no/place", "", "no/place: No such file or directory\n"},
+        {"fit none.csv --x t --y v --plot no/place", "", "no/place: No such file or directory\n"},
+        {"draw uniform --load none --output no/place", "", "no/place: No such file or directory\n"},
+        {"draw uniform --load none --plot no/place", "", "no/place: No such file or directory\n"},
+        {"draw uniform --load none --save no/place", "", "no/place: No such file or directory\n"},
+        {"accuracy Exp --range 1 1 --plot no/place", "", "no/place: No such file or directory\n"},
+    };
+    for (const auto& c : cases) {
+        const Outcome outcome = orv(c.arguments, c.input);
+        const std::string expected = "orv: " + std::string(c.message);
+        EXPECT_EQ(outcome.err.substr(0, expected.size()), expected) << c.arguments;
+        EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << c.arguments << ": " << outcome.err;
+        EXPECT_EQ(outcome.out, "") << c.arguments;
+        EXPECT_EQ(outcome.status, 2) << c.arguments;
+    }
+}
+
+TEST_F(Command, Draws) {
+    if (std::system("gnuplot --version >version 2>&1") != 0) GTEST_SKIP() << "no gnuplot here";
+    const struct {
+        const char *arguments, *input;
+        std::vector<const char*> parts;  // of the picture
+    } cases[] = {
+        {"fit --x t --y v --sites 2", parabola, {"natural spline", "derivative", "data"}},
+        {"fit --x 1 --y 2", "a%s\\n{x}_1,100%\n0,1\n1,2\n2,2\n", {"a%s\\n{x}_1", "100%"}},
+        {"stats", "x,o'y\n1,2\n2,4\n3,9\n", {"o'y", "0.97", "Correlation"}},
+        {"stats", "%d,%%s,{a}_b^c@&~\\t\n1,2,3\n2,4,1\n3,9,5\n", {">%d<", ">%%s<", "{a}_b^c@&amp;~\\t"}},
+        {"accuracy Exp --type s --points 3000", "", {"Exp", "argument", "error, ulp"}},
+        {"accuracy Add --points 3000", "", {"Add", "first", "second"}},
+        {"draw uniform --n 100", "", {"100 uniform numbers"}},
+    };
+    for (const auto& c : cases) {
+        const Outcome outcome = orv(std::string(c.arguments) + " --plot picture\\'s.svg", c.input);
+        EXPECT_EQ(outcome.err, "") << c.arguments;
+        EXPECT_EQ(outcome.status, 0) << c.arguments;
+        const std::string picture = get("picture's.svg");
+        EXPECT_NE(picture.find("<svg"), std::string::npos) << c.arguments;
+        for (const char* part : c.parts) EXPECT_NE(picture.find(part), std::string::npos) << c.arguments << part;
+        // Each square of a matrix is a shape: a picture in the picture would be smoothed.
+        EXPECT_EQ(picture.find("<image"), std::string::npos) << c.arguments;
+    }
+}
+
+}  // namespace
