@@ -1,6 +1,7 @@
 // `orv draw sobol`: points of a low-discrepancy sequence, and a picture of them beside pseudo-random ones.
 #include "draw.h"
 #include "failure.h"
+#include "options.h"
 #include "plot.h"
 
 #include <memory>
@@ -13,9 +14,9 @@ constexpr size_t drawn_dimensions = 2;
 
 struct Points {
     std::string generator = "Sobol";
-    uint32_t dimension = 2;
+    int32_t dimension = 2;
     int64_t n = 10;
-    uint64_t skip = 0;
+    int64_t skip = 0;
     std::string output, plot;
 };
 
@@ -29,7 +30,7 @@ void append_point(std::string& text, const double* point, size_t dimension, char
 
 // The first two coordinates of each point, and as many pseudo-random pairs, in two fields.
 void draw_picture(const Points& request, const std::string& points, Output& output) {
-    const StreamHandle random = make_stream("MRG32K3A", std::vector<uint32_t>(6, 12345));
+    const StreamHandle random = make_stream("PHILOX4X32X10", {1});
     std::string pairs;
     for (int64_t i = 0; i < request.n; ++i) {
         double pair[drawn_dimensions];
@@ -40,20 +41,22 @@ void draw_picture(const Points& request, const std::string& points, Output& outp
     std::string script = "set multiplot layout 1,2\nset size square\nset xrange [0:1]\nset yrange [0:1]\nunset key\n";
     script +=
         "set title " + plot_quoted(request.generator + ", " + count) + "\nplot '-' with dots lw 3\n" + points + "e\n";
-    script += "set title " + plot_quoted("MRG32K3A, " + count) + "\nplot '-' with dots lw 3\n" + pairs + "e\n";
+    script += "set title " + plot_quoted("PHILOX4X32X10, " + count) + "\nplot '-' with dots lw 3\n" + pairs + "e\n";
     write_plot(output, 1000, 540, script + "unset multiplot\n");
 }
 
 void draw_points(const Points& request) {
     constexpr int64_t most_drawn = 100000;
-    if (!request.plot.empty() && request.dimension < drawn_dimensions) fail("--plot wants two dimensions or more");
+    if (!request.plot.empty() && request.dimension < static_cast<int32_t>(drawn_dimensions))
+        fail("--plot wants two dimensions or more");
     if (!request.plot.empty() && request.n > most_drawn) fail("--plot shows at most 100000 points");
     std::optional<Output> lines, plot;
     if (request.plot.empty() || !request.output.empty()) lines.emplace(request.output);
     if (!request.plot.empty()) plot.emplace(request.plot);
-    const StreamHandle stream = make_stream(request.generator, {request.dimension});
-    const size_t dimension = request.dimension;
-    if (request.skip > 0) require(__kuzSkipAheadStream(stream.get(), request.skip * dimension), "--skip");
+    const StreamHandle stream = make_stream(request.generator, {static_cast<uint32_t>(request.dimension)});
+    const size_t dimension = static_cast<size_t>(request.dimension);
+    if (request.skip > 0)
+        require(__kuzSkipAheadStream(stream.get(), static_cast<uint64_t>(request.skip) * dimension), "--skip");
     std::vector<double> point(dimension);
     std::string text, pairs;
     Progress progress = start_progress(request.n);
@@ -76,26 +79,22 @@ void draw_points(const Points& request) {
 }  // namespace
 
 void add_draw_points(CLI::App& draw) {
-    constexpr uint32_t most_dimensions = 318;
+    constexpr int32_t most_dimensions = 318;
     constexpr int64_t most_points = 0xFFFFFFFF;
     const auto request = std::make_shared<Points>();
     CLI::App* sobol = draw.add_subcommand("sobol", "Points of a low-discrepancy sequence, one a line");
-    sobol->add_option("--dimension", request->dimension, "coordinates a point: to 40, or 318 with Niederr")
-        ->check(CLI::Range(uint32_t{1}, most_dimensions))
-        ->capture_default_str();
+    add_count(*sobol, "--dimension", request->dimension, 1, most_dimensions,
+              "coordinates a point: to 40, or 318 with Niederr");
     sobol->add_option("--brng", request->generator, "the sequence")
         ->check(CLI::IsMember({"Sobol", "Niederr"}, CLI::ignore_case))
         ->capture_default_str();
-    sobol->add_option("--n", request->n, "how many points")
-        ->check(CLI::Range(int64_t{1}, most_points))
-        ->capture_default_str();
-    sobol->add_option("--skip", request->skip, "pass over so many points first")
-        ->check(CLI::Range(int64_t{0}, most_points));
+    add_count(*sobol, "--n", request->n, 1, most_points, "how many points");
+    add_count(*sobol, "--skip", request->skip, 0, most_points, "pass over so many points first");
     sobol->add_option("--plot", request->plot,
                       "draw the first two coordinates, beside pseudo-random points, to this SVG file, with gnuplot");
     sobol->add_option("--output", request->output, "the file to write; standard output if not given");
     sobol->callback([request] {
-        constexpr uint32_t sobol_dimensions = 40;
+        constexpr int32_t sobol_dimensions = 40;
         if (request->generator == "Sobol" && request->dimension > sobol_dimensions)
             fail("--dimension: Sobol has 40 here; --brng Niederr has 318");
         draw_points(*request);
