@@ -7,6 +7,8 @@ const std::vector<Family>& families() {
         {"Rounding and arithmetic", basic_functions()},
         {"Exponentials and logarithms", exp_log_functions()},
         {"Powers", power_functions()},
+        {"Inverse trigonometric functions", inverse_functions()},
+        {"Hyperbolic functions", hyperbolic_functions()},
         {"Sines, cosines, tangents", trig_functions()},
     };
     return all;
