@@ -76,15 +76,15 @@
     ROW(HERE,  s, Tanh,       ONE,        EACH,  MEASURED(sTanh))                 \
     ROW(LATER, s, Erf,        ONE,        EACH,  MEASURED(sErf))                  \
     ROW(LATER, s, Erfc,       ONE,        EACH,  MEASURED(sErfc))                 \
-    ROW(LATER, s, ErfInv,     ONE,        EACH,  MEASURED(sErfInv))               \
+    ROW(HERE,  s, ErfInv,     ONE,        EACH,  MEASURED(sErfInv))               \
     ROW(HERE,  s, Sqr,        ONE,        ALL,   COST(0.37, 0.37, 0.37))          \
     ROW(HERE,  s, Expm1,      ONE,        ALL,   MEASURED(sExpm1))                \
     ROW(HERE,  s, Log1p,      ONE,        EACH,  MEASURED(sLog1p))                \
     ROW(HERE,  s, Pow3o2,     ONE,        EACH,  MEASURED(sPow3o2))               \
     ROW(HERE,  s, Pow2o3,     ONE,        EACH,  MEASURED(sPow2o3))               \
-    ROW(LATER, s, ErfcInv,    ONE,        EACH,  MEASURED(sErfcInv))              \
+    ROW(HERE,  s, ErfcInv,    ONE,        EACH,  MEASURED(sErfcInv))              \
     ROW(LATER, s, CdfNorm,    ONE,        EACH,  MEASURED(sCdfNorm))              \
-    ROW(LATER, s, CdfNormInv, ONE,        EACH,  MEASURED(sCdfNormInv))           \
+    ROW(HERE,  s, CdfNormInv, ONE,        EACH,  MEASURED(sCdfNormInv))           \
     ROW(LATER, s, LGamma,     ONE,        ALL,   COST(238.11, 238.11, 238.11))    \
     ROW(LATER, s, TGamma,     ONE,        ALL,   MEASURED(sTGamma))               \
     ROW(LATER, s, ExpInt1,    ONE,        LA_HA, MEASURED(sExpInt1))              \
@@ -131,15 +131,15 @@
     ROW(HERE,  d, Tanh,       ONE,        LA_EP, MEASURED(dTanh))                 \
     ROW(LATER, d, Erf,        ONE,        EACH,  MEASURED(dErf))                  \
     ROW(LATER, d, Erfc,       ONE,        ALL,   MEASURED(dErfc))                 \
-    ROW(LATER, d, ErfInv,     ONE,        EACH,  MEASURED(dErfInv))               \
+    ROW(HERE,  d, ErfInv,     ONE,        EACH,  MEASURED(dErfInv))               \
     ROW(HERE,  d, Sqr,        ONE,        ALL,   MEASURED(dSqr))                  \
     ROW(HERE,  d, Expm1,      ONE,        EACH,  MEASURED(dExpm1))                \
     ROW(HERE,  d, Log1p,      ONE,        EACH,  MEASURED(dLog1p))                \
     ROW(HERE,  d, Pow3o2,     ONE,        EACH,  MEASURED(dPow3o2))               \
     ROW(HERE,  d, Pow2o3,     ONE,        EACH,  MEASURED(dPow2o3))               \
-    ROW(LATER, d, ErfcInv,    ONE,        EACH,  MEASURED(dErfcInv))              \
+    ROW(HERE,  d, ErfcInv,    ONE,        EACH,  MEASURED(dErfcInv))              \
     ROW(LATER, d, CdfNorm,    ONE,        EACH,  MEASURED(dCdfNorm))              \
-    ROW(LATER, d, CdfNormInv, ONE,        EACH,  MEASURED(dCdfNormInv))           \
+    ROW(HERE,  d, CdfNormInv, ONE,        EACH,  MEASURED(dCdfNormInv))           \
     ROW(LATER, d, LGamma,     ONE,        ALL,   COST(319.85, 319.85, 319.85))    \
     ROW(LATER, d, TGamma,     ONE,        ALL,   COST(423.3, 423.3, 423.3))       \
     ROW(LATER, d, ExpInt1,    ONE,        LA_HA, MEASURED(dExpInt1))              \

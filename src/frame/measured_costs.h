@@ -102,6 +102,12 @@
 #define ORV_COST_dPowr 36, 36, 26
 #define ORV_COST_sPowx 25, 25, 13
 #define ORV_COST_dPowx 36, 36, 26
+#define ORV_COST_sErfInv 13.7, 13.7, 10.1
+#define ORV_COST_sErfcInv 9.9, 9.9, 7.6
+#define ORV_COST_sCdfNormInv 10.1, 10.1, 7.8
+#define ORV_COST_dErfInv 14.5, 14.5, 9.6
+#define ORV_COST_dErfcInv 17.6, 17.6, 14
+#define ORV_COST_dCdfNormInv 18.4, 18.4, 10.8
 
 #define ORV_COST_dAtan 20, 20, 16
 #define ORV_COST_dAtanpi 24, 24, 16

@@ -75,5 +75,8 @@
     CARD(Acosh, "the inverse hyperbolic cosine of a", "Below 1 a NaN, reported as domain; 1 gives +0, plus infinity comes back.", "", "ln(a + sqrt(a^2 - 1)) in two parts") \
     CARD(Asinh, "the inverse hyperbolic sine of a", "Infinities and zeros come back.", "", "ln(a + sqrt(a^2 + 1)) in two parts") \
     CARD(Atanh, "the inverse hyperbolic tangent of a", "Beyond 1 in magnitude a NaN, reported as domain; 1 and -1 give infinities, reported as singularity; zeros come back.", "", "ln((1 + a) / (1 - a)) / 2 in two parts") \
+    CARD(ErfInv, "the inverse of the error function: the x with erf(x) = a", "-1 and 1 give an infinity of their sign, reported as singularity; values beyond them a NaN, reported as domain; zeros come back.", "Keeps its relative accuracy next to zero.", "Expansions about the middles of short intervals") \
+    CARD(ErfcInv, "the inverse of the complementary error function: the x with erfc(x) = a", "0 gives infinity and 2 minus infinity, reported as singularity; values below 0 or above 2 a NaN, reported as domain.", "Keeps its relative accuracy next to a = 1.", "As ErfInv") \
+    CARD(CdfNormInv, "the inverse of the cumulative normal distribution: the quantile of a", "0 gives minus infinity and 1 infinity, reported as singularity; values below 0 or above 1 a NaN, reported as domain.", "Keeps its relative accuracy next to a = 1/2.", "As ErfInv") \
     CARD(Conj, "the complex conjugate of a", "The sign bit of the imaginary part is turned whatever it is the sign of; no flag is raised.", "", "C99 7.3.9.4")
 // clang-format on

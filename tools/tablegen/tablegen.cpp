@@ -60,6 +60,7 @@ int main(int argc, char** argv) {
     tablegen::roots_tables(output);
     tablegen::inverse_tables(output);
     tablegen::power_tables(output);
+    tablegen::special_tables(output);
     tablegen::trig_tables(output);
     return 0;
 }

@@ -1,0 +1,33 @@
+// Scalar work on the x87 unit in its full precision of 64 bits, whatever precision the caller came with.
+#pragma once
+
+#include "frame/fp_frame.h"
+
+namespace orv::vecmath {
+
+// 64 significant bits while the guard lives; the caller's precision afterwards.
+struct ExtendedPrecision {
+    static constexpr uint16_t precision = 0x0300;
+    uint16_t saved = frame::read_x87_control();
+
+    ExtendedPrecision() {
+        if ((saved & precision) != precision) frame::write_x87_control(static_cast<uint16_t>(saved | precision));
+    }
+    ~ExtendedPrecision() {
+        if ((saved & precision) != precision) frame::write_x87_control(saved);
+    }
+    ExtendedPrecision(const ExtendedPrecision&) = delete;
+    ExtendedPrecision& operator=(const ExtendedPrecision&) = delete;
+};
+
+inline long double x87_ln(long double x) {
+    long double y;
+    __asm__("fyl2x" : "=t"(y) : "0"(x), "u"(0.693147180559945309417232121458176568L) : "st(1)");
+    return y;
+}
+inline long double x87_root(long double x) {
+    __asm__("fsqrt" : "+t"(x));
+    return x;
+}
+
+}  // namespace orv::vecmath
