@@ -20,6 +20,7 @@ struct Request {
     std::string accuracy;  // "la", "ha" or "ep"; empty leaves the choice to the entry or the mode
     bool by_mode = false;
     std::vector<std::string> columns;
+    std::vector<double> constants;
     std::string output;
     std::vector<std::string> files;
 };
@@ -63,7 +64,7 @@ void append_value(std::string& text, double value) {
 int32_t report(ArqErrorContext* context) {
     std::string values;
     append_value(values, context->arg1);
-    if (reports.function->shape == Shape::TWO) append_value(values += ", ", context->arg2);
+    if (inputs_of(reports.function->shape) == 2) append_value(values += ", ", context->arg2);
     const std::string line = "orv: " + reports.head->source + ":" +
                              std::to_string((*reports.lines)[static_cast<size_t>(context->index)]) + ": row " +
                              std::to_string(reports.rows_before + context->index + 1) + ": " +
@@ -86,8 +87,15 @@ orv_arq_kernel choose_kernel(const Request& request, const Function& function) {
     return function.entries[index < 0 ? ha : index];
 }
 
+// What a function takes besides arrays: one scalar, or scalea, shifta, scaleb and shiftb.
+constexpr size_t most_constants = 4;
+size_t constants_of(Shape shape) { return shape == Shape::LINEAR ? 4 : shape == Shape::SCALAR ? 1 : 0; }
+
+size_t inputs_of(Shape shape) { return shape == Shape::TWO || shape == Shape::LINEAR ? 2 : 1; }
+
 template <class T>
-void apply(orv_arq_kernel kernel, Shape shape, const std::vector<T> (&in)[2], std::vector<T> (&out)[2]) {
+void apply(orv_arq_kernel kernel, Shape shape, const std::vector<T> (&in)[2], const T (&c)[most_constants],
+           std::vector<T> (&out)[2]) {
     const int32_t n = static_cast<int32_t>(in[0].size());
     const T *const a = in[0].data(), *const b = in[1].data();
     T *const y = out[0].data(), *const z = out[1].data();
@@ -97,6 +105,13 @@ void apply(orv_arq_kernel kernel, Shape shape, const std::vector<T> (&in)[2], st
             break;
         case Shape::TWO_OUT:
             reinterpret_cast<void (*)(int32_t, const T*, T*, T*)>(kernel)(n, a, y, z);
+            break;
+        case Shape::SCALAR:
+            reinterpret_cast<void (*)(int32_t, const T*, T, T*)>(kernel)(n, a, c[0], y);
+            break;
+        case Shape::LINEAR:
+            reinterpret_cast<void (*)(int32_t, const T*, const T*, T, T, T, T, T*)>(kernel)(n, a, b, c[0], c[1], c[2],
+                                                                                            c[3], y);
             break;
         default:
             reinterpret_cast<void (*)(int32_t, const T*, T*)>(kernel)(n, a, y);
@@ -108,6 +123,7 @@ struct Block {
     const Function& function;
     orv_arq_kernel kernel;
     size_t inputs, outputs;
+    T constants[most_constants];
     std::vector<T> in[2], out[2];
     std::vector<int64_t> lines;
 };
@@ -119,7 +135,7 @@ void flush(Block<T>& block, std::string& text, Output& output) {
     constexpr size_t piece = 1 << 18;
     const size_t n = block.lines.size();
     for (size_t i = 0; i < block.outputs; ++i) block.out[i].resize(n);
-    apply(block.kernel, block.function.shape, block.in, block.out);
+    apply(block.kernel, block.function.shape, block.in, block.constants, block.out);
     for (size_t row = 0; row < n; ++row) {
         for (size_t i = 0; i < block.inputs; ++i) append_number(text, block.in[i][row]), text += ',';
         for (size_t i = 0; i < block.outputs; ++i)
@@ -145,10 +161,11 @@ std::vector<size_t> choose_columns(const Head& head, const std::vector<std::stri
 
 template <class T>
 int run(const Request& request, const Function& function) {
-    const size_t inputs = function.shape == Shape::TWO ? 2 : 1;
+    const size_t inputs = inputs_of(function.shape);
     const size_t outputs = function.shape == Shape::TWO_OUT ? 2 : 1;
     Output output(request.output);
-    Block<T> block = {function, choose_kernel(request, function), inputs, outputs, {}, {}, {}};
+    Block<T> block = {function, choose_kernel(request, function), inputs, outputs, {}, {}, {}, {}};
+    for (size_t i = 0; i < request.constants.size(); ++i) block.constants[i] = static_cast<T>(request.constants[i]);
     reports = {&function, nullptr, &block.lines, 0, 0};
     Progress progress = start_progress(size_of_files(request.files));
     int64_t bytes_before = 0, rows = 0;
@@ -194,8 +211,12 @@ int run(const Request& request) {
     const Function* function = find_function(request.function, request.type);
     if (!function)
         fail("no function " + request.function + " of type " + request.type + "; `orv info` lists what is here");
-    if (function->shape != Shape::ONE && function->shape != Shape::TWO && function->shape != Shape::TWO_OUT)
+    const Shape shape = function->shape;
+    if (shape != Shape::ONE && shape != Shape::TWO && shape != Shape::TWO_OUT && constants_of(shape) == 0)
         fail(std::string(function->name) + " takes more than columns of numbers");
+    if (request.constants.size() != constants_of(shape))
+        fail(std::string(function->name) + " takes " + std::to_string(constants_of(shape)) + " --constants, not " +
+             std::to_string(request.constants.size()));
     return request.type == 's' ? run<float>(request, *function) : run<double>(request, *function);
 }
 
@@ -218,6 +239,10 @@ void add_math(CLI::App& app, int& status) {
     math->add_flag("--by-mode", request->by_mode, "take the kernel from the table by the thread's mode word");
     math->add_option("--column", request->columns,
                      "an input column, by name or by position from 1; once for each input")
+        ->allow_extra_args(false);
+    math->add_option("--constants", request->constants,
+                     "what the function takes besides columns: scalea,shifta,scaleb,shiftb of LinearFrac, b of Powx")
+        ->delimiter(',')
         ->allow_extra_args(false);
     math->add_option("--output", request->output, "the file to write; standard output if not given");
     math->add_option("file", request->files, "CSV files; standard input if none or -");
