@@ -4,10 +4,9 @@ namespace orv::accuracy {
 
 const std::vector<Family>& families() {
     static const std::vector<Family> all = {
-        {"Rounding and arithmetic", basic_functions()},
-        {"Roots, quotients, remainders", roots_functions()},
-        {"Exponentials and logarithms", exp_log_functions()},
-        {"Powers", power_functions()},
+        {"Rounding and arithmetic", basic_functions()},           {"Roots, quotients, remainders", roots_functions()},
+        {"Exponentials and logarithms", exp_log_functions()},     {"Powers", power_functions()},
+        {"Inverse trigonometric functions", inverse_functions()}, {"Hyperbolic functions", hyperbolic_functions()},
         {"Sines, cosines, tangents", trig_functions()},
     };
     return all;

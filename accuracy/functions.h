@@ -87,6 +87,8 @@ const Function* find_function(std::string_view name, char type);
 std::vector<Function> basic_functions();
 std::vector<Function> roots_functions();
 std::vector<Function> exp_log_functions();
+std::vector<Function> inverse_functions();
+std::vector<Function> hyperbolic_functions();
 std::vector<Function> power_functions();
 std::vector<Function> trig_functions();
 

@@ -65,15 +65,15 @@
     ROW(HERE,  s, Cos,        ONE,        EACH,  MEASURED(sCos))                  \
     ROW(HERE,  s, Sin,        ONE,        EACH,  COST(7.451, 13.009, 5.954))      \
     ROW(HERE,  s, Tan,        ONE,        LA_EP, MEASURED(sTan))                  \
-    ROW(LATER, s, Acos,       ONE,        EACH,  MEASURED(sAcos))                 \
-    ROW(LATER, s, Acosh,      ONE,        LA_HA, MEASURED(sAcosh))                \
-    ROW(LATER, s, Asin,       ONE,        EACH,  MEASURED(sAsin))                 \
-    ROW(LATER, s, Asinh,      ONE,        LA_HA, MEASURED(sAsinh))                \
-    ROW(LATER, s, Atan,       ONE,        EACH,  MEASURED(sAtan))                 \
-    ROW(LATER, s, Atanh,      ONE,        EACH,  MEASURED(sAtanh))                \
-    ROW(LATER, s, Cosh,       ONE,        EACH,  MEASURED(sCosh))                 \
-    ROW(LATER, s, Sinh,       ONE,        EACH,  MEASURED(sSinh))                 \
-    ROW(LATER, s, Tanh,       ONE,        EACH,  MEASURED(sTanh))                 \
+    ROW(HERE,  s, Acos,       ONE,        EACH,  MEASURED(sAcos))                 \
+    ROW(HERE,  s, Acosh,      ONE,        LA_HA, MEASURED(sAcosh))                \
+    ROW(HERE,  s, Asin,       ONE,        EACH,  MEASURED(sAsin))                 \
+    ROW(HERE,  s, Asinh,      ONE,        LA_HA, MEASURED(sAsinh))                \
+    ROW(HERE,  s, Atan,       ONE,        EACH,  MEASURED(sAtan))                 \
+    ROW(HERE,  s, Atanh,      ONE,        EACH,  MEASURED(sAtanh))                \
+    ROW(HERE,  s, Cosh,       ONE,        EACH,  MEASURED(sCosh))                 \
+    ROW(HERE,  s, Sinh,       ONE,        EACH,  MEASURED(sSinh))                 \
+    ROW(HERE,  s, Tanh,       ONE,        EACH,  MEASURED(sTanh))                 \
     ROW(LATER, s, Erf,        ONE,        EACH,  MEASURED(sErf))                  \
     ROW(LATER, s, Erfc,       ONE,        EACH,  MEASURED(sErfc))                 \
     ROW(LATER, s, ErfInv,     ONE,        EACH,  MEASURED(sErfInv))               \
@@ -91,9 +91,9 @@
     ROW(HERE,  s, Sinpi,      ONE,        EACH,  MEASURED(sSinpi))                \
     ROW(HERE,  s, Cospi,      ONE,        EACH,  MEASURED(sCospi))                \
     ROW(HERE,  s, Tanpi,      ONE,        EACH,  MEASURED(sTanpi))                \
-    ROW(LATER, s, Acospi,     ONE,        EACH,  MEASURED(sAcospi))               \
-    ROW(LATER, s, Asinpi,     ONE,        EACH,  MEASURED(sAsinpi))               \
-    ROW(LATER, s, Atanpi,     ONE,        EACH,  MEASURED(sAtanpi))               \
+    ROW(HERE,  s, Acospi,     ONE,        EACH,  MEASURED(sAcospi))               \
+    ROW(HERE,  s, Asinpi,     ONE,        EACH,  MEASURED(sAsinpi))               \
+    ROW(HERE,  s, Atanpi,     ONE,        EACH,  MEASURED(sAtanpi))               \
     ROW(HERE,  s, Exp2,       ONE,        ALL,   MEASURED(sExp2))                 \
     ROW(HERE,  s, Exp10,      ONE,        ALL,   MEASURED(sExp10))                \
     ROW(HERE,  s, Log2,       ONE,        EACH,  MEASURED(sLog2))                 \
@@ -120,15 +120,15 @@
     ROW(HERE,  d, Cos,        ONE,        LA_HA, MEASURED(dCos))                  \
     ROW(HERE,  d, Sin,        ONE,        EACH,  COST(20.147, 21.88, 14.681))     \
     ROW(HERE,  d, Tan,        ONE,        EACH,  COST(23.031, 60.573, 20.467))    \
-    ROW(LATER, d, Acos,       ONE,        EACH,  MEASURED(dAcos))                 \
-    ROW(LATER, d, Acosh,      ONE,        LA_EP, MEASURED(dAcosh))                \
-    ROW(LATER, d, Asin,       ONE,        EACH,  MEASURED(dAsin))                 \
-    ROW(LATER, d, Asinh,      ONE,        LA_EP, MEASURED(dAsinh))                \
-    ROW(LATER, d, Atan,       ONE,        LA_HA, MEASURED(dAtan))                 \
-    ROW(LATER, d, Atanh,      ONE,        EACH,  MEASURED(dAtanh))                \
-    ROW(LATER, d, Cosh,       ONE,        EACH,  MEASURED(dCosh))                 \
-    ROW(LATER, d, Sinh,       ONE,        LA_EP, MEASURED(dSinh))                 \
-    ROW(LATER, d, Tanh,       ONE,        LA_EP, MEASURED(dTanh))                 \
+    ROW(HERE,  d, Acos,       ONE,        EACH,  MEASURED(dAcos))                 \
+    ROW(HERE,  d, Acosh,      ONE,        LA_EP, MEASURED(dAcosh))                \
+    ROW(HERE,  d, Asin,       ONE,        EACH,  MEASURED(dAsin))                 \
+    ROW(HERE,  d, Asinh,      ONE,        LA_EP, MEASURED(dAsinh))                \
+    ROW(HERE,  d, Atan,       ONE,        LA_HA, MEASURED(dAtan))                 \
+    ROW(HERE,  d, Atanh,      ONE,        EACH,  MEASURED(dAtanh))                \
+    ROW(HERE,  d, Cosh,       ONE,        EACH,  MEASURED(dCosh))                 \
+    ROW(HERE,  d, Sinh,       ONE,        LA_EP, MEASURED(dSinh))                 \
+    ROW(HERE,  d, Tanh,       ONE,        LA_EP, MEASURED(dTanh))                 \
     ROW(LATER, d, Erf,        ONE,        EACH,  MEASURED(dErf))                  \
     ROW(LATER, d, Erfc,       ONE,        ALL,   MEASURED(dErfc))                 \
     ROW(LATER, d, ErfInv,     ONE,        EACH,  MEASURED(dErfInv))               \
@@ -146,9 +146,9 @@
     ROW(HERE,  d, Sinpi,      ONE,        EACH,  MEASURED(dSinpi))                \
     ROW(HERE,  d, Cospi,      ONE,        EACH,  MEASURED(dCospi))                \
     ROW(HERE,  d, Tanpi,      ONE,        EACH,  MEASURED(dTanpi))                \
-    ROW(LATER, d, Acospi,     ONE,        EACH,  MEASURED(dAcospi))               \
-    ROW(LATER, d, Asinpi,     ONE,        EACH,  MEASURED(dAsinpi))               \
-    ROW(LATER, d, Atanpi,     ONE,        EACH,  MEASURED(dAtanpi))               \
+    ROW(HERE,  d, Acospi,     ONE,        EACH,  MEASURED(dAcospi))               \
+    ROW(HERE,  d, Asinpi,     ONE,        EACH,  MEASURED(dAsinpi))               \
+    ROW(HERE,  d, Atanpi,     ONE,        EACH,  MEASURED(dAtanpi))               \
     ROW(HERE,  d, Exp2,       ONE,        ALL,   MEASURED(dExp2))                 \
     ROW(HERE,  d, Exp10,      ONE,        ALL,   MEASURED(dExp10))                \
     ROW(HERE,  d, Log2,       ONE,        EACH,  MEASURED(dLog2))                 \
@@ -198,12 +198,12 @@
     ROW(LATER, z, Arg,        TO_REAL,    EACH,  MEASURED(zArg))                  \
     ROW(HERE,  s, Div,        TWO,        ALL,   MEASURED(sDiv))                  \
     ROW(HERE,  s, Pow,        TWO,        LA_HA, MEASURED(sPow))                  \
-    ROW(LATER, s, Atan2,      TWO,        EACH,  MEASURED(sAtan2))                \
+    ROW(HERE,  s, Atan2,      TWO,        EACH,  MEASURED(sAtan2))                \
     ROW(HERE,  s, Hypot,      TWO,        EACH,  MEASURED(sHypot))                \
     ROW(HERE,  s, Add,        TWO,        ALL,   COST(0.89, 0.89, 0.89))          \
     ROW(HERE,  s, Sub,        TWO,        ALL,   MEASURED(sSub))                  \
     ROW(HERE,  s, Mul,        TWO,        ALL,   MEASURED(sMul))                  \
-    ROW(LATER, s, Atan2pi,    TWO,        EACH,  MEASURED(sAtan2pi))              \
+    ROW(HERE,  s, Atan2pi,    TWO,        EACH,  MEASURED(sAtan2pi))              \
     ROW(HERE,  s, CopySign,   TWO,        ALL,   MEASURED(sCopySign))             \
     ROW(HERE,  s, NextAfter,  TWO,        ALL,   MEASURED(sNextAfter))            \
     ROW(HERE,  s, Fdim,       TWO,        ALL,   MEASURED(sFdim))                 \
@@ -216,12 +216,12 @@
     ROW(HERE,  s, Fmod,       TWO,        ALL,   MEASURED(sFmod))                 \
     ROW(HERE,  d, Div,        TWO,        ALL,   MEASURED(dDiv))                  \
     ROW(HERE,  d, Pow,        TWO,        LA_HA, COST(53.66, 53.66, 29.628))      \
-    ROW(LATER, d, Atan2,      TWO,        EACH,  MEASURED(dAtan2))                \
+    ROW(HERE,  d, Atan2,      TWO,        EACH,  MEASURED(dAtan2))                \
     ROW(HERE,  d, Hypot,      TWO,        EACH,  MEASURED(dHypot))                \
     ROW(HERE,  d, Add,        TWO,        ALL,   MEASURED(dAdd))                  \
     ROW(HERE,  d, Sub,        TWO,        ALL,   MEASURED(dSub))                  \
     ROW(HERE,  d, Mul,        TWO,        ALL,   MEASURED(dMul))                  \
-    ROW(LATER, d, Atan2pi,    TWO,        EACH,  MEASURED(dAtan2pi))              \
+    ROW(HERE,  d, Atan2pi,    TWO,        EACH,  MEASURED(dAtan2pi))              \
     ROW(HERE,  d, CopySign,   TWO,        ALL,   MEASURED(dCopySign))             \
     ROW(HERE,  d, NextAfter,  TWO,        ALL,   MEASURED(dNextAfter))            \
     ROW(HERE,  d, Fdim,       TWO,        ALL,   MEASURED(dFdim))                 \

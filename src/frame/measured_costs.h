@@ -103,4 +103,33 @@
 #define ORV_COST_sPowx 25, 25, 13
 #define ORV_COST_dPowx 36, 36, 26
 
+#define ORV_COST_dAtan 20, 20, 16
+#define ORV_COST_dAtanpi 24, 24, 16
+#define ORV_COST_dAtan2 36, 36, 20
+#define ORV_COST_dAtan2pi 40, 40, 20
+#define ORV_COST_dAsin 20, 26, 16
+#define ORV_COST_dAcos 20, 26, 16
+#define ORV_COST_dAsinpi 24, 30, 16
+#define ORV_COST_dAcospi 24, 30, 16
+#define ORV_COST_dSinh 30, 36, 30
+#define ORV_COST_dCosh 26, 30, 26
+#define ORV_COST_dTanh 20, 22, 20
+#define ORV_COST_dAsinh 60, 60, 60
+#define ORV_COST_dAcosh 56, 56, 56
+#define ORV_COST_dAtanh 60, 60, 60
+#define ORV_COST_sAsin 20, 20, 20
+#define ORV_COST_sAcos 20, 20, 20
+#define ORV_COST_sAtan 20, 20, 20
+#define ORV_COST_sAsinpi 20, 20, 20
+#define ORV_COST_sAcospi 20, 20, 20
+#define ORV_COST_sAtanpi 20, 20, 20
+#define ORV_COST_sAtan2 20, 20, 20
+#define ORV_COST_sAtan2pi 20, 20, 20
+#define ORV_COST_sSinh 20, 20, 20
+#define ORV_COST_sCosh 20, 20, 20
+#define ORV_COST_sTanh 20, 20, 20
+#define ORV_COST_sAsinh 20, 20, 20
+#define ORV_COST_sAcosh 20, 20, 20
+#define ORV_COST_sAtanh 20, 20, 20
+
 #endif

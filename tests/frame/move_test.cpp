@@ -24,21 +24,21 @@ struct Guarded {
 };
 
 // n elements of `bytes` each, all of them signalling NaNs whatever they are taken for, and all different.
-Guarded elements(size_t n, size_t bytes) {
-    Guarded a(n * bytes);
-    for (size_t i = 0; i < n * bytes / 4; ++i) {
-        const uint32_t word = 0x7FA00000u + static_cast<uint32_t>(i);
-        std::memcpy(a.start + 4 * i, &word, 4);
+struct Elements : Guarded {
+    Elements(size_t n, size_t bytes) : Guarded(n * bytes) {
+        for (size_t i = 0; i < n * bytes / 4; ++i) {
+            const uint32_t word = 0x7FA00000u + static_cast<uint32_t>(i);
+            std::memcpy(start + 4 * i, &word, 4);
+        }
     }
-    return a;
-}
+};
 
 // Masks or indices of 32 or 64 bits.
-Guarded list(const std::vector<int64_t>& values, bool wide) {
-    Guarded l(values.size() * (wide ? 8 : 4));
-    for (size_t i = 0; i < values.size(); ++i) std::memcpy(l.start + i * (wide ? 8 : 4), &values[i], wide ? 8 : 4);
-    return l;
-}
+struct List : Guarded {
+    List(const std::vector<int64_t>& values, bool wide) : Guarded(values.size() * (wide ? 8 : 4)) {
+        for (size_t i = 0; i < values.size(); ++i) std::memcpy(start + i * (wide ? 8 : 4), &values[i], wide ? 8 : 4);
+    }
+};
 
 using ByStride = void(int64_t n, const void* a, int64_t inca, void* y, int32_t flag);
 using ByList = void(int64_t n, const void* a, const void* list, void* y, int32_t flag);
@@ -59,7 +59,9 @@ void check(const Row& row, int32_t flag, int64_t n, int64_t stride, const std::v
     size_t a_count = static_cast<size_t>(last_from + 1);
     if (row.function() == "PackM") a_count = values.size();
     const size_t y_count = row.function() == "UnpackM" ? values.size() : static_cast<size_t>(last_to + 1);
-    const Guarded a = elements(a_count, bytes), l = list(values, flag != 1), y(y_count * bytes);
+    const Elements a(a_count, bytes);
+    const List l(values, flag != 1);
+    const Guarded y(y_count * bytes);
     std::memset(y.start, 0x5A, y_count * bytes);
     std::vector<char> expected(y_count * bytes, 0x5A);
     for (const Move& m : moves)

@@ -67,5 +67,19 @@
     CARD(UnpackI, "a[i / incy] for the multiples of incy", "y[i * incy] = a[i], and nothing else of y is touched; a negative stride goes down from y. The arrays do not overlap; bits are moved, and no flag is raised.", "", "A strided copy") \
     CARD(UnpackM, "the next element of a where the mask in list is not zero", "Other elements of y are not touched, and of a as many are read as there are such masks. The arrays do not overlap; bits are moved, and no flag is raised.", "", "An expanding copy") \
     CARD(UnpackV, "a[j] for the j with list[j] = i", "y[list[j]] = a[j], and nothing else of y is touched. The arrays do not overlap; bits are moved, and no flag is raised.", "", "A scattering copy") \
+    CARD(Acos, "the arc cosine of a, in radians", "Beyond 1 in magnitude a NaN, reported as domain; 1 gives +0.", "", "Half-angle reduction, after W. J. Cody and W. Waite, Software Manual for the Elementary Functions, 1980") \
+    CARD(Acospi, "the arc cosine of a in multiples of pi", "Beyond 1 in magnitude a NaN, reported as domain; 1 gives +0, -1 gives 1.", "", "IEC 60559 acosPi") \
+    CARD(Asin, "the arc sine of a, in radians", "Beyond 1 in magnitude a NaN, reported as domain; zeros come back.", "", "Half-angle reduction, after W. J. Cody and W. Waite, Software Manual for the Elementary Functions, 1980") \
+    CARD(Asinpi, "the arc sine of a in multiples of pi", "Beyond 1 in magnitude a NaN, reported as domain; zeros come back; subnormal results are rounded once and not reported.", "", "IEC 60559 asinPi") \
+    CARD(Atan, "the arc tangent of a, in radians", "Infinities give pi/2 with their sign, zeros come back.", "", "P. T. P. Tang, Table-lookup algorithms for elementary functions, ARITH 10 (1991)") \
+    CARD(Atanpi, "the arc tangent of a in multiples of pi", "Infinities give 1/2 with their sign, zeros come back; subnormal results are rounded once and not reported.", "", "IEC 60559 atanPi") \
+    CARD(Atan2, "the angle of the point (b, a), in radians, from -pi to pi", "Zeros and infinities as C99 has them; a quotient below the normal range is rounded once and not reported.", "", "P. T. P. Tang, Table-lookup algorithms for elementary functions, ARITH 10 (1991)") \
+    CARD(Atan2pi, "the angle of the point (b, a) in multiples of pi, from -1 to 1", "Zeros and infinities as C99 has them for the angle in radians, exact fractions here; subnormal results are rounded once and not reported.", "", "IEC 60559 atan2Pi") \
+    CARD(Cosh, "the hyperbolic cosine of a", "Above 710.47 (s: 89.41) in magnitude infinity, reported as overflow; infinities give infinity.", "", "P. T. P. Tang, Table-driven implementation of the expm1 function, ACM TOMS 18 (1992)") \
+    CARD(Sinh, "the hyperbolic sine of a", "Above 710.47 (s: 89.41) in magnitude an infinity, reported as overflow; infinities and zeros come back.", "", "P. T. P. Tang, Table-driven implementation of the expm1 function, ACM TOMS 18 (1992)") \
+    CARD(Tanh, "the hyperbolic tangent of a", "Infinities give 1 with their sign, zeros come back.", "", "P. T. P. Tang, Table-lookup algorithms for elementary functions, ARITH 10 (1991)") \
+    CARD(Acosh, "the inverse hyperbolic cosine of a", "Below 1 a NaN, reported as domain; 1 gives +0, plus infinity comes back.", "", "ln(a + sqrt(a^2 - 1)) in two parts") \
+    CARD(Asinh, "the inverse hyperbolic sine of a", "Infinities and zeros come back.", "", "ln(a + sqrt(a^2 + 1)) in two parts") \
+    CARD(Atanh, "the inverse hyperbolic tangent of a", "Beyond 1 in magnitude a NaN, reported as domain; 1 and -1 give infinities, reported as singularity; zeros come back.", "", "ln((1 + a) / (1 - a)) / 2 in two parts") \
     CARD(Conj, "the complex conjugate of a", "The sign bit of the imaginary part is turned whatever it is the sign of; no flag is raised.", "", "C99 7.3.9.4")
 // clang-format on
