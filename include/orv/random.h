@@ -44,6 +44,33 @@ ORV_BRNG_ENTRIES(MCG59)
  * Operations Research 47, 1999. */
 ORV_BRNG_ENTRIES(MRG32K3A)
 
+/* Sobol: points of a low-discrepancy sequence over GF(2), handed out coordinate by coordinate, in Gray code order from the
+ * first point that is not zero on. Words of 32 bits; floating numbers are (word >> 1) 2^-31 (b - a) + a, for floats in
+ * single precision throughout. Kernels return BrngStatusQrngExhausted, and do nothing, when the index of the point plus n
+ * passes 2^32 - 1. Leapfrog with nstreams 0x7FFFFFFF chooses coordinate k alone. Has skip-ahead, by coordinates.
+ *
+ * Seed: the dimension, 1 to 40 with the built-in numbers; another one, and no seed, gives 1. User data follow in a block of
+ * n words: dimension, 1, kind, data. A block that is too short for its kind or not one of these is dropped, and the
+ * built-in numbers serve:
+ *   kind 1   dimension - 1 polynomials (bit patterns) for dimensions 2 up; at most 40 dimensions. The initial numbers are
+ *            the built-in ones; a degree above 8 makes seeding return -3
+ *   kind 2   D, 1 to 32; dimension - 1 rows of D initial numbers for the built-in polynomials; at most 40 dimensions
+ *   kind 3   dimension - 1 polynomials, of degrees 1 to D; D; dimension - 1 rows of D initial numbers
+ *   kind 11  the same for `dimension` dimensions, the first included
+ *   kind 4   32 direction numbers a dimension
+ * Kinds 3, 4 and 11 put their numbers in chunks of the stream, which copies share.
+ * I. M. Sobol', USSR Computational Mathematics 7, 1967; I. A. Antonov, V. M. Saleev, the same 19, 1979; built-in numbers:
+ * P. Bratley, B. L. Fox, "Algorithm 659", ACM Transactions on Mathematical Software 14, 1988. */
+ORV_BRNG_ENTRIES(Sobol)
+
+/* Niederr: likewise Niederreiter's sequence in base 2. The built-in numbers are those of the first 318 irreducible
+ * polynomials. User data: kind 1 with `dimension` polynomials of degrees 1 to 31, kind 4 with 32 direction numbers a
+ * dimension; above 318 dimensions the numbers and the point are in a chunk.
+ * H. Niederreiter, "Low-discrepancy and low-dispersion sequences", Journal of Number Theory 30, 1988; P. Bratley,
+ * B. L. Fox, H. Niederreiter, "Implementation and tests of low-discrepancy sequences", ACM Transactions on Modeling and
+ * Computer Simulation 2, 1992. */
+ORV_BRNG_ENTRIES(Niederr)
+
 /* PHILOX4X32X10: blocks of four words, each ten rounds of multiplications applied to a 128-bit counter under a 64-bit key.
  * Seed: key (2 words), counter (4 words, lowest first); missing words are 0. Words of 32 bits, period 2^130.
  * Floating numbers count the word as signed: s x + m with s = (b - a) 2^-32 and m = (a + b) / 2, for floats in single
