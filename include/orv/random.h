@@ -235,6 +235,37 @@ enum UniformMethod {
 int32_t _kuzsRngUniform(int32_t method, Stream* stream, int32_t n, float* r, float a, float b);
 int32_t _kuzdRngUniform(int32_t method, Stream* stream, int32_t n, double* r, double a, double b);
 
+/* n numbers of a continuous distribution from uniforms u by its formula, in the order of the stream. a is a displacement,
+ * beta a scale; `method` is not read. Logarithms, powers and the like have the least accuracy of the vector mathematics in
+ * double precision (about 26 bits) and about 1 ulp in single. An n of 0 or below draws and writes nothing. Parameters are
+ * not checked. A negative status of the generator is returned at once; else the result is its last status.
+ *
+ * A uniform of 0 counts as the least positive number: no logarithm is infinite. Exceptions are masked, errors go to the
+ * distribution alone, and the thread's mode, callback, x87 control word and MXCSR are on return as before; errno is left
+ * alone. Cauchy works in the caller's error mode instead, and restores the mode.
+ * L. Devroye, "Non-Uniform Random Variate Generation", 1986, chapter II.2. */
+
+/* Exponential: max(a, a - beta ln u) */
+int32_t _kuzsRngExponential(int32_t method, Stream* stream, int32_t n, float* r, float a, float beta);
+int32_t _kuzdRngExponential(int32_t method, Stream* stream, int32_t n, double* r, double a, double beta);
+/* Laplace: a - beta ln u where a second uniform is at most 1/2, otherwise a + beta ln u. The two stand side by side in the
+ * stream. The generator is asked for a last, possibly empty, part of the numbers too: one that moves on for a count of 0
+ * does so when n is a multiple of 1024. */
+int32_t _kuzsRngLaplace(int32_t method, Stream* stream, int32_t n, float* r, float a, float beta);
+int32_t _kuzdRngLaplace(int32_t method, Stream* stream, int32_t n, double* r, double a, double beta);
+/* Weibull: max(a, a + beta (-ln u)^(1/alpha)) */
+int32_t _kuzsRngWeibull(int32_t method, Stream* stream, int32_t n, float* r, float alpha, float a, float beta);
+int32_t _kuzdRngWeibull(int32_t method, Stream* stream, int32_t n, double* r, double alpha, double a, double beta);
+/* Cauchy: a + beta tan u with u uniform on (-pi/2, pi/2) */
+int32_t _kuzsRngCauchy(int32_t method, Stream* stream, int32_t n, float* r, float a, float beta);
+int32_t _kuzdRngCauchy(int32_t method, Stream* stream, int32_t n, double* r, double a, double beta);
+/* Rayleigh: max(a, a + beta sqrt(-ln u)), which has the density 2 (x - a) / beta^2 exp(-((x - a) / beta)^2) */
+int32_t _kuzsRngRayleigh(int32_t method, Stream* stream, int32_t n, float* r, float a, float beta);
+int32_t _kuzdRngRayleigh(int32_t method, Stream* stream, int32_t n, double* r, double a, double beta);
+/* Gumbel: a + beta ln e with e exponential of displacement 0 and scale 1 */
+int32_t _kuzsRngGumbel(int32_t method, Stream* stream, int32_t n, float* r, float a, float beta);
+int32_t _kuzdRngGumbel(int32_t method, Stream* stream, int32_t n, double* r, double a, double beta);
+
 /* n integers, uniform on a to b - 1: the double-precision uniforms rounded down. `method` is not read. An n of 0 draws
  * nothing. */
 int32_t _kuziRngUniform(int32_t method, Stream* stream, int32_t n, int32_t* r, int32_t a, int32_t b);
