@@ -35,7 +35,7 @@
     ROW(HERE,   SFMT19937,     sfmt19937,     FIGURES( 2536,   625, 1,  4, 32), 1,    WORDS, TESTED)  \
     ROW(HERE,   TRNG,          trng,          FIGURES(   24,     1, 0,  4, 32), 1,    WORDS, TRUSTED) \
     ROW(HERE,   ARS5,          ars5,          FIGURES(   72,     8, 1,  4, 32), 1,    WORDS, TESTED)  \
-    ROW(HERE,   PHILOX4X32X10, philox4x32x10, FIGURES(   64,     8, 1,  4, 32), 1,    WORDS, TESTED)  
+    ROW(HERE,   PHILOX4X32X10, philox4x32x10, FIGURES(   64,     8, 1,  4, 32), 1,    WORDS, TESTED)
 // clang-format on
 
 namespace orv::streams {

@@ -80,7 +80,7 @@ void check(const Row& row, int32_t flag, int64_t n, int64_t stride, const std::v
     else
         reinterpret_cast<UnpackByList*>(kernel)(n, a.start, y.start, l.start, flag);
     EXPECT_EQ(_mm_getcsr(), 0x1F80u) << row.name();
-    ASSERT_EQ(std::memcmp(expected.data(), y.start, expected.size()), 0)
+    ASSERT_TRUE(expected.empty() || std::memcmp(expected.data(), y.start, expected.size()) == 0)
         << row.name() << " flag " << flag << " n " << n << " stride " << stride;
 }
 
