@@ -3,8 +3,6 @@
 #include "services/export.h"
 
 using namespace orv::distrib;
-namespace simd = orv::simd;
-
 namespace {
 
 template <class T>
