@@ -22,6 +22,12 @@ void sgemm_(const char*, const char*, const int32_t*, const int32_t*, const int3
 #ifndef ORV_OPENBLAS
 // The reference routines report an argument that is out of range by this name. The kernels pass none.
 void xerbla_(const char*, const int32_t*) {}
+
+// Two option letters joined: all that LAPACK asks of the Fortran runtime.
+void _gfortran_concat_string(size_t length, char* to, size_t first_length, const char* first, size_t,
+                             const char* second) {
+    for (size_t i = 0; i < length; ++i) to[i] = i < first_length ? first[i] : second[i - first_length];
+}
 #endif
 }
 

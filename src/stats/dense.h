@@ -4,6 +4,10 @@
 #include "services/blas.h"
 #include "services/lapack.h"
 
+#include <stddef.h>
+
+#include <limits>
+
 namespace orv::stats {
 
 template <class T>
@@ -36,5 +40,18 @@ struct Dense<float> {
     static constexpr auto syev = orv_lapack_xssyev;
     static constexpr auto spevd = orv_lapack_xsspevd;
 };
+
+// Cholesky factor in place: a = u'u in the upper triangle, by columns. False where a is not positive definite, which a NaN or an
+// infinity is not: the pivots are looked at again, since a NaN passes some LAPACKs' own test.
+template <class T>
+bool cholesky(int32_t n, T* a) {
+    int32_t info = 0;
+    Dense<T>::potrf("u", &n, a, &n, &info);
+    for (int32_t i = 0; info == 0 && i < n; ++i) {
+        const T pivot = a[static_cast<size_t>(i) * n + i];
+        if (!(pivot > 0 && pivot <= std::numeric_limits<T>::max())) info = i + 1;
+    }
+    return info == 0;
+}
 
 }  // namespace orv::stats
