@@ -17,14 +17,14 @@ constexpr double last_quantile = 5.8635847487551676;
 template <>
 constexpr double last_quantile<float> = 3.832507f;
 
-// Which kernel has the pole is settled by the method, not by the reported argument: an argument that its result has
-// overwritten is reported as that result, of which just the sign can be relied on.
-template <class T, bool of_logarithm>
+// The logarithm has its pole at 0, the inverse error function at -1 and 1, the ends of its domain.
+template <class T>
 int32_t stay_finite(ArqErrorContext* error) {
-    if (of_logarithm && error->code == ORV_STATUS_SINGULARITY)
+    const double x = error->arg1;
+    if (error->code == ORV_STATUS_SINGULARITY && x == 0)
         set_results(error, least_logarithm<T>);
     else if (error->code == ORV_STATUS_SINGULARITY || error->code == ORV_STATUS_DOMAIN)
-        set_results(error, error->arg1 < 0 ? -last_quantile<T> : last_quantile<T>);
+        set_results(error, x < 0 ? -last_quantile<T> : last_quantile<T>);
     return 0;
 }
 
@@ -171,15 +171,10 @@ int32_t invert(Stream* stream, int32_t n, T* r, T a, T sigma) {
 
 template <class T>
 int32_t gaussian(int32_t method, Stream* stream, int32_t n, T* r, T a, T sigma) {
-    struct Method {
-        int32_t (*draw)(Stream* stream, int32_t n, T* r, T a, T sigma);
-        orv_arq_callback callback;
-    };
-    static constexpr Method methods[] = {{box_muller<T>, stay_finite<T, true>},
-                                         {box_muller_paired<T>, stay_finite<T, true>},
-                                         {invert<T>, stay_finite<T, false>}};
-    const ErrorFrame frame(methods[method].callback);
-    return methods[method].draw(stream, n, r, a, sigma);
+    using Method = int32_t (*)(Stream * stream, int32_t n, T * r, T a, T sigma);
+    static constexpr Method methods[] = {box_muller<T>, box_muller_paired<T>, invert<T>};
+    const ErrorFrame frame(stay_finite<T>);
+    return methods[method](stream, n, r, a, sigma);
 }
 
 }  // namespace
