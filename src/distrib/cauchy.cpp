@@ -3,6 +3,7 @@
 #include "services/export.h"
 
 using namespace orv::distrib;
+
 namespace {
 
 template <class T>

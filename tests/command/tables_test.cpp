@@ -124,7 +124,6 @@ TEST_F(Command, Refuses) {
         {"math Abs --column b", "\"a\nb\",b\n1,x\n", "<stdin>:3: column b: 'x' is not a number\n"},
         {"math Abs", "x\n\"1\n2\n", "<stdin>:4: broken quoting\n"},
         {"math Sine", "1\n", "no function of type d, Sine; did you mean Sin? There are Abs, "},
-        {"math Conj", "1\n", "no function of type d, Conj; "},
         {"math Abs --column hight", "height,width\n1,2\n",
          "<stdin>:1: no column hight; did you mean height? There are height, width\n"},
         {"math Abs --sep tab --decimal ,", "1\n1.5\n", "<stdin>:2: column 1: '1.5' is not a number\n"},
