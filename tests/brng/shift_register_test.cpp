@@ -1,6 +1,7 @@
 // The generators that are linear over GF(2), MT19937, MT2203, SFMT19937 and R250, against plain recurrences and published
 // values; cuts, jumps and seeds.
 #include "streams/streams.h"
+#include "support/effort.h"
 
 #include <algorithm>
 #include <functional>
@@ -251,6 +252,7 @@ TEST(ShiftRegisters, SkipsFromEveryPosition) {
 // g(A) on the sequence itself: x(c + j) is the sum of x(i + j) over the terms t^i of t^c modulo the characteristic
 // polynomial u v^31 + a_0 u v^30 + ... + a_30 u + a_31, with u = t^624 + t^397 and v = t^623 + t^396.
 TEST(ShiftRegisters, FarSkipsByPlainPolynomials) {
+    if (sanitized) GTEST_SKIP() << "minutes of plain polynomials";
     constexpr size_t degree = 19937;
     using Bits = std::vector<bool>;
     const auto times_binomial = [](const Bits& p, size_t high, size_t low) {
