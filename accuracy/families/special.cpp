@@ -102,12 +102,51 @@ void exact_cdf_norm_inv(mpfr_t* y, mpfr_t* x) {
     if (!mpfr_zero_p(y[0])) mpfr_neg(y[0], y[0], MPFR_RNDN);
 }
 
+void exact_cdf_norm(mpfr_t* y, mpfr_t* x) {
+    Scratch root_2(mpfr_get_prec(y[0]) + 20), at(mpfr_get_prec(y[0]) + 20);
+    mpfr_sqrt_ui(root_2.value, 2, MPFR_RNDN);
+    mpfr_div(at.value, x[0], root_2.value, MPFR_RNDN);
+    mpfr_neg(at.value, at.value, MPFR_RNDN);
+    mpfr_erfc(y[0], at.value, MPFR_RNDN);
+    mpfr_div_2ui(y[0], y[0], 1, MPFR_RNDN);
+}
+void exact_exp_int(mpfr_t* y, mpfr_t* x) {
+    if (mpfr_zero_p(x[0])) {
+        mpfr_set_inf(y[0], 1);
+        return;
+    }
+    mpfr_t negative;
+    mpfr_init2(negative, mpfr_get_prec(x[0]));
+    mpfr_neg(negative, x[0], MPFR_RNDN);
+    // Of a negative argument E1 is a NaN.
+    if (mpfr_sgn(x[0]) < 0)
+        mpfr_set_nan(y[0]);
+    else
+        mpfr_eint(y[0], negative, MPFR_RNDN);
+    mpfr_neg(y[0], y[0], MPFR_RNDN);
+    mpfr_clear(negative);
+}
+
 #endif
 
 }  // namespace
 
 std::vector<Function> special_functions() {
     return {
+        {"Erf", "sd", EXACT(mpfr_erf), nullptr, {{-6, 6}, {0, 0.05}}, {5.9921875, 0.00390625, 0.01171875}},
+        {"Erfc", "sd", EXACT(mpfr_erfc), nullptr, {{-6, 27}, {9, 10.1}, {-1, 1}}, {9, 9.19, 26, 26.54, 27.2, 6}},
+        {"CdfNorm",
+         "sd",
+         EXACT_BY(exact_cdf_norm),
+         nullptr,
+         {{-38.5, 9}, {-14.2, -12}, {-1, 1}},
+         {12, 12.98, 37, 37.52, 38.4}},
+        {"ExpInt1",
+         "sd",
+         EXACT_BY(exact_exp_int),
+         nullptr,
+         {{0, 50}, {0, 1}, {50, 740}},
+         {0.0625, 82, 82.9, 700, 701.8}},
         {"ErfInv", "sd", EXACT_BY(exact_erf_inv), nullptr, {{-1, 1}, {0.4, 0.6}, {0.99, 1}}, {0.5, 0.9990234375, 1}},
         {"ErfcInv", "sd", EXACT_BY(exact_erfc_inv), nullptr, {{0, 2}, {0.4, 0.6}, {0, 0.01}}, {0.5, 1.5, 0x1p-10, 2}},
         {"CdfNormInv", "sd", EXACT_BY(exact_cdf_norm_inv), nullptr, {{0, 1}, {0.2, 0.3}}, {0.25, 0.75, 0.5, 0x1p-11}},

@@ -72,5 +72,13 @@
 #define ORV_COST_dErfInv 14.5, 14.5, 9.6
 #define ORV_COST_dErfcInv 17.6, 17.6, 14
 #define ORV_COST_dCdfNormInv 18.4, 18.4, 10.8
+#define ORV_COST_sErf 8, 8, 7
+#define ORV_COST_dErf 14, 18, 10
+#define ORV_COST_sErfc 16, 16, 14
+#define ORV_COST_dErfc 28, 28, 28
+#define ORV_COST_sCdfNorm 16, 16, 14
+#define ORV_COST_dCdfNorm 28, 28, 18
+#define ORV_COST_sExpInt1 14, 14, 12
+#define ORV_COST_dExpInt1 26, 26, 16
 
 #endif

@@ -83,12 +83,53 @@ void inverse_tail(const Output& output) {
     expansions(table, 1, 4, [](const Real& s) { return erfc_inverse_of_log(s * s); });
 }
 
+// ---- Error functions and the normal distribution ---------------------------------------------------------------------
+
+// Row i: erf(i/128) and its derivative there; `wide`: to two parts, the derivative's first of 26 bits.
+void erf_rows(const Output& output) {
+    Table table(output, "erf_768", "erf(i/128) and its derivative");
+    Table wide(output, "erf_768_wide", "erf(i/128), its derivative's leading part; the rests");
+    for (int i = 0; i < 768; ++i) {
+        const Real c = Real(i) / Real(128);
+        const Real e = erf(c), g = two_over_root_pi() * exp(-(c * c));
+        table.row({to_double(e), to_double(g)});
+        const Real g_high = to_bits(g, 26);
+        wide.row({to_double(e), to_double(g_high), to_double(e - Real(to_double(e))) + 0.0, to_double(g - g_high)});
+    }
+}
+// In t = x + 1: e^(x^2) erfc x, and e^(x^2/2) of the lower tail of the normal distribution at -x.
+void scaled_tails(const Output& output) {
+    Table erfcx(output, "erfcx", "the expansion's constant term high and low, then its coefficients");
+    expansions(erfcx, 0, 4, [](const Real& t) {
+        const Real x = t - Real(1);
+        return exp(x * x) * erfc(x);
+    });
+    Table normal(output, "cdf_norm_scaled", "the expansion's constant term high and low, then its coefficients");
+    expansions(normal, 0, 5, [](const Real& t) {
+        const Real x = (t - Real(1)) / sqrt(Real(2));
+        return exp(x * x) * erfc(x) / Real(2);
+    });
+}
+
+// In x: e^x E1(x).
+void exp_int(const Output& output) {
+    Table table(output, "exp_int", "the expansion's constant term high and low, then its coefficients");
+    expansions(table, -4, 9, [](const Real& x) {
+        Real value = -x;
+        mpfr_eint(value.value, value.value, MPFR_RNDN);
+        return -(value * exp(x));
+    });
+}
+
 }  // namespace
 
 void special_tables(const Output& output) {
     inverse(output, "erf_inv", Real(1));
     inverse(output, "cdf_norm_inv", sqrt(Real(2)));
     inverse_tail(output);
+    erf_rows(output);
+    scaled_tails(output);
+    exp_int(output);
 }
 
 }  // namespace tablegen
