@@ -5,6 +5,12 @@ namespace orv::accuracy {
 const std::vector<Family>& families() {
     static const std::vector<Family> all = {
         {"Rounding and arithmetic", basic_functions()},
+        {"Roots, quotients, remainders", roots_functions()},
+        {"Exponentials and logarithms", exp_log_functions()},
+        {"Powers", power_functions()},
+        {"Inverse trigonometric functions", inverse_functions()},
+        {"Hyperbolic functions", hyperbolic_functions()},
+        {"Rounding and arithmetic", basic_functions()},
         {"Exponentials and logarithms", exp_log_functions()},
         {"Powers", power_functions()},
         {"Error functions, gamma functions, exponential integral", special_functions()},

@@ -85,7 +85,10 @@ const Function* find_function(std::string_view name, char type);
 
 // One table a family.
 std::vector<Function> basic_functions();
+std::vector<Function> roots_functions();
 std::vector<Function> exp_log_functions();
+std::vector<Function> inverse_functions();
+std::vector<Function> hyperbolic_functions();
 std::vector<Function> power_functions();
 std::vector<Function> special_functions();
 std::vector<Function> trig_functions();

@@ -57,11 +57,19 @@ std::string place(const Kernel& kernel, const double* at) {
     return list;
 }
 
-std::string machine() {
+std::string processor() {
     std::ifstream processors("/proc/cpuinfo");
     for (std::string line; std::getline(processors, line);)
         if (line.rfind("model name", 0) == 0) return line.substr(line.find(':') + 2);
     return "an x86 processor";
+}
+
+std::string references() {
+#ifdef _WIN32
+    return "against 80-bit arithmetic";
+#else
+    return text("exact values by MPFR %s, 80-bit ones by C library %s", mpfr_get_version(), gnu_get_libc_version());
+#endif
 }
 
 // What stands behind an accuracy of a type: all kernels that serve it.
@@ -95,10 +103,7 @@ void write_page(const std::vector<Line>& lines) {
         "by\n"
         "at most 0.5. Errors of more than %.0f ulp are given relative to the result. Written by `accuracy_report`.\n\n",
         count, swept ? ";\nfunctions of type s with one argument over all 2^32 floats" : "", many);
-#ifndef _WIN32
-    std::printf("On %s, compiled by GCC %s; exact values by MPFR %s, C library %s.\n\n", machine().c_str(), __VERSION__,
-                mpfr_get_version(), gnu_get_libc_version());
-#endif
+    std::printf("On %s, compiled by GCC %s; %s.\n\n", processor().c_str(), __VERSION__, references().c_str());
 
     std::printf(
         "## Summary\n\n"

@@ -3,7 +3,10 @@
 #include "commands.h"
 #include "failure.h"
 #include "functions.h"
+#include "json.h"
+#include "options.h"
 #include "plot.h"
+#include "progress.h"
 
 #include <algorithm>
 #include <cmath>
@@ -22,6 +25,7 @@ struct Request {
     std::vector<double> range, second;
     int64_t points = 200'000;
     std::string plot;
+    bool json = false;
 };
 
 constexpr const char* accuracies[] = {"la", "ha", "ep"};
@@ -85,6 +89,38 @@ void add_errors(std::string& data, int accuracy, const std::vector<T>& x, const 
     data += "EOD\n";
 }
 
+// The worst error of an accuracy, and the argument of one component or two where it was met.
+struct Worst {
+    const char* accuracy;
+    double ulp, at, and_at;
+};
+
+std::string as_csv(const std::vector<Worst>& table, bool plane) {
+    std::string text = plane ? "accuracy,worst_ulp,at,and\n" : "accuracy,worst_ulp,at\n";
+    for (const Worst& worst : table) {
+        char figures[128];
+        std::snprintf(figures, sizeof figures, "%s,%.4g,%.17g", worst.accuracy, worst.ulp, worst.at);
+        text += figures;
+        std::snprintf(figures, sizeof figures, ",%.17g", worst.and_at);
+        text += plane ? figures + std::string("\n") : "\n";
+    }
+    return text;
+}
+
+std::string as_json(std::string_view function, char type, const std::vector<Worst>& table, bool plane) {
+    std::string text = "{\"function\": ";
+    append_json(text, function);
+    text += std::string(", \"type\": \"") + type + "\", \"accuracies\": [";
+    for (const Worst& worst : table) {
+        append_json(text += &worst == &table.front() ? "\n  {\"accuracy\": " : ",\n  {\"accuracy\": ", worst.accuracy);
+        append_json(text += ", \"worst_ulp\": ", worst.ulp);
+        append_json(text += ", \"at\": ", worst.at);
+        if (plane) append_json(text += ", \"and\": ", worst.and_at);
+        text += '}';
+    }
+    return text + "]}\n";
+}
+
 template <class T>
 int run(const Request& request, const std::vector<const accuracy::Kernel*>& kernels) {
     std::optional<Output> plot;
@@ -112,7 +148,9 @@ int run(const Request& request, const std::vector<const accuracy::Kernel*>& kern
         if (plane) x.push_back(spread(second, i % side, side));
     }
 
-    std::string table = plane ? "accuracy,worst_ulp,at,and\n" : "accuracy,worst_ulp,at\n", data;
+    std::string data;
+    std::vector<Worst> table;
+    Progress progress = start_progress(static_cast<int64_t>(3 * n));
     for (int index = 0; index < 3; ++index) {
         const accuracy::Kernel* kernel = nullptr;
         for (const accuracy::Kernel* k : kernels)
@@ -128,26 +166,26 @@ int run(const Request& request, const std::vector<const accuracy::Kernel*>& kern
             judge.fast(&x[inputs * i], &y[outputs * i], parts);
             for (const accuracy::Error& part : parts) errors[i] = std::max(errors[i], part.ulp);
             if (errors[i] > errors[worst]) worst = i;
+            constexpr size_t now_and_then = 1 << 12;
+            if (i % now_and_then == 0)
+                tell_progress(progress, static_cast<int64_t>(static_cast<size_t>(index) * n + i),
+                              std::string("measuring ") + accuracies[index]);
         }
-        char figures[128];
-        std::snprintf(figures, sizeof figures, "%s,%.4g,%.17g", accuracies[index], errors[worst],
-                      static_cast<double>(x[inputs * worst]));
-        table += figures;
-        std::snprintf(figures, sizeof figures, ",%.17g", static_cast<double>(x[inputs * worst + 1 % inputs]));
-        table += plane ? figures + std::string("\n") : "\n";
+        table.push_back({accuracies[index], errors[worst], static_cast<double>(x[inputs * worst]),
+                         static_cast<double>(x[inputs * worst + 1 % inputs])});
         add_errors(data, index, x, errors, plane);
     }
-    write_output("", table);
+    end_progress(progress);
+    write_output("", request.json ? as_json(function.name, kernels[0]->type, table, plane) : as_csv(table, plane));
     if (plot) draw(std::string(function.name), data, plane, *plot);
     return 0;
 }
 
 int run(const Request& request) {
-    const Function* found = find_function(request.function, request.type);
-    if (!found) fail("no function " + request.function + " of type " + request.type);
+    const Function& found = find_function(request.function, request.type);
     std::vector<const accuracy::Kernel*> kernels;
     for (const accuracy::Kernel& kernel : accuracy::kernels())
-        if (kernel.type == found->type && kernel.name == found->name) kernels.push_back(&kernel);
+        if (kernel.type == found.type && kernel.name == found.name) kernels.push_back(&kernel);
     if (kernels.empty()) fail("nothing to measure " + request.function + " against");
     return kernels[0]->single() ? run<float>(request, kernels) : run<double>(request, kernels);
 }
@@ -165,9 +203,8 @@ void add_accuracy(CLI::App& app, int& status) {
     command->add_option("--range", request->range, "the first and the last argument")->expected(2);
     command->add_option("--second", request->second, "the same for the second argument, or the imaginary part")
         ->expected(2);
-    command->add_option("--points", request->points, "how many arguments, evenly spread")
-        ->check(CLI::Range(int64_t{1}, int64_t{50'000'000}))
-        ->capture_default_str();
+    add_count(*command, "--points", request->points, 1, 50'000'000, "how many arguments, evenly spread");
+    command->add_flag("--json", request->json, "write JSON");
     command->add_option("--plot", request->plot, "an SVG file for a picture of the error against the argument");
     command->callback([request, &status] { status = run(*request); });
 }

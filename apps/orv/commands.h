@@ -7,6 +7,7 @@
 namespace orv::command {
 
 void add_accuracy(CLI::App& app, int& status);
+void add_bench(CLI::App& app, int& status);
 void add_fit(CLI::App& app, int& status);
 void add_info(CLI::App& app, int& status);
 void add_math(CLI::App& app, int& status);

@@ -3,6 +3,7 @@
 
 #include "commands.h"
 #include "failure.h"
+#include "options.h"
 
 #include <charconv>
 
@@ -19,7 +20,12 @@ bool parse_whole(std::string_view text, Number& value) {
 void move_stream(Stream* stream, const DrawRequest& request) {
     if (!request.skip.empty()) {
         uint64_t count;
-        if (!parse_whole(request.skip, count)) fail("--skip: '" + request.skip + "' is not a count");
+        int64_t written;
+        if (!parse_whole(request.skip, count)) {
+            if (!parse_count(request.skip, written) || written < 0)
+                fail("--skip: '" + request.skip + "' is not a count");
+            count = static_cast<uint64_t>(written);
+        }
         require(__kuzSkipAheadStream(stream, count), "--skip");
     }
     if (!request.leapfrog.empty()) {
@@ -70,13 +76,11 @@ void add_draw_options(CLI::App& draw, DrawRequest& request) {
     draw.add_option("--save", request.save, "save the stream as it is after the draw");
     draw.add_option("--skip", request.skip, "pass over so many elements first");
     draw.add_option("--leapfrog", request.leapfrog, "K/N: from there, every N-th element from the K-th on, from 0");
-    draw.add_option("--n", request.n, "how many numbers")
-        ->check(CLI::Range(int64_t{1}, int64_t{1} << 53))
-        ->capture_default_str();
+    add_count(draw, "--n", request.n, 1, int64_t{1} << 53, "how many numbers");
     draw.add_flag("--histogram", request.histogram,
                   "print a histogram; the numbers too only if --output says where to");
     draw.add_option("--plot", request.plot, "draw the histogram to this SVG file, with gnuplot");
-    draw.add_option("--bins", request.bins, "of the histogram")->check(CLI::Range(1, 10000))->capture_default_str();
+    add_count(draw, "--bins", request.bins, 1, 10000, "of the histogram");
     draw.add_option("--output", request.output, "the file to write; standard output if not given");
 }
 

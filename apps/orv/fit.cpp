@@ -4,11 +4,11 @@
 #include "commands.h"
 #include "failure.h"
 #include "numbers.h"
+#include "options.h"
 #include "output.h"
 #include "plot.h"
 #include "table.h"
 
-#include <charconv>
 #include <cmath>
 #include <memory>
 #include <optional>
@@ -20,27 +20,28 @@ namespace {
 template <class T>
 Data<T> read_data(const FitRequest& request) {
     Data<T> data;
-    size_t x = 0, y = 0, internal = 0;
+    std::vector<size_t> columns;
+    std::vector<T> values;
     const auto begin = [&](const Head& head) {
-        x = find_column(head, request.x);
-        y = find_column(head, request.y);
-        data.x_name = column_name(head, x);
-        data.y_name = column_name(head, y);
-        if (!request.internal.empty()) internal = find_column(head, request.internal);
+        columns = {find_column(head, request.x), find_column(head, request.y)};
+        data.x_name = column_name(head, columns[0]);
+        data.y_name = column_name(head, columns[1]);
+        if (!request.internal.empty()) columns.push_back(find_column(head, request.internal));
     };
     const auto take = [&](const Head& head, const Row& row) {
-        data.x.push_back(number<T>(head, row, x));
-        data.y.push_back(number<T>(head, row, y));
-        if (!request.internal.empty()) data.internal.push_back(number<T>(head, row, internal));
+        if (!read_numbers(head, row, columns, values)) return false;
+        data.x.push_back(values[0]);
+        data.y.push_back(values[1]);
+        if (!request.internal.empty()) data.internal.push_back(values[2]);
         if (!std::isfinite(data.x.back()) || !std::isfinite(data.y.back()))
             fail_at(head.source, row.line, "a spline needs finite numbers");
-        if (data.x.size() < 2 || data.x[data.x.size() - 2] < data.x.back()) return;
+        if (data.x.size() < 2 || data.x[data.x.size() - 2] < data.x.back()) return true;
         const bool repeated = data.x[data.x.size() - 2] == data.x.back();
         std::string text = repeated ? "abscissa " : "abscissae must ascend, and ";
         append_number(text, data.x.back());
         fail_at(head.source, row.line, text + (repeated ? " is repeated" : " is below that of the row before"));
     };
-    read_table(request.file, begin, take);
+    read_table(request.file, request.format, begin, take);
     if (data.x.empty()) fail(source_name(request.file) + ": no rows of numbers");
     return data;
 }
@@ -48,19 +49,22 @@ Data<T> read_data(const FitRequest& request) {
 template <class T>
 std::vector<T> sites_of(const FitRequest& request, const Data<T>& data) {
     int64_t count;
-    const char* const end = request.sites.data() + request.sites.size();
-    const auto parsed = std::from_chars(request.sites.data(), end, count);
     std::vector<T> sites;
-    if (parsed.ec != std::errc() || parsed.ptr != end) {
+    if (!parse_count(request.sites, count)) {
+        std::vector<T> value;
         const auto begin = [](const Head& head) {
             if (head.width != 1)
                 fail_at(head.source, 1, std::to_string(head.width) + " columns where one of sites is wanted");
         };
-        read_table(request.sites, begin,
-                   [&](const Head& head, const Row& row) { sites.push_back(number<T>(head, row, 0)); });
+        const auto take = [&](const Head& head, const Row& row) {
+            if (!read_numbers(head, row, {0}, value)) return false;
+            sites.push_back(value[0]);
+            return true;
+        };
+        read_table(request.sites, request.format, begin, take);
         return sites;
     }
-    if (count < 1 || count > 10000000) fail("--sites: a count from 1 to 10000000, or a file");
+    if (count < 1 || count > 10000000) fail("--sites: a whole number from 1 to 10,000,000, or a file");
     const T first = data.x.front(), last = data.x.back();
     for (int64_t i = 0; i < count; ++i)
         sites.push_back(i + 1 == count && count > 1
@@ -177,15 +181,14 @@ void add_fit(CLI::App& app, int& status) {
     CLI::Option* sites = fit->add_option("--sites", request->sites,
                                          "how many sites, evenly from end to end, or a CSV file with a column of them")
                              ->capture_default_str();
-    fit->add_option("--derivatives", request->derivatives, "derivatives beside the value")
-        ->check(CLI::Range(0, 3))
-        ->capture_default_str();
+    add_count(*fit, "--derivatives", request->derivatives, 0, 3, "derivatives beside the value");
     fit->add_option("--integrate", request->intervals, "limits A,B of an integral; may be given again")
         ->allow_extra_args(false)
         ->excludes(sites);
     fit->add_option("--type", request->type, "s (float) or d (double)")
         ->check(CLI::IsMember({"s", "d"}))
         ->capture_default_str();
+    add_format(*fit, request->format);
     fit->add_option("--output", request->output, "the file to write; standard output if not given");
     fit->add_option("--plot", request->plot, "an SVG file for a picture of data, spline and derivative");
     fit->callback([request, &status] { status = run(*request); });

@@ -1,6 +1,7 @@
 #include "fit_spline.h"
 
 #include "failure.h"
+#include "names.h"
 #include "numbers.h"
 
 #include <algorithm>
@@ -67,7 +68,11 @@ int64_t parse_boundary(const std::string& text, std::vector<T>& ends) {
     const size_t colon = text.find(':');
     const auto* boundary = std::find_if(std::begin(boundaries), std::end(boundaries),
                                         [&](const auto& known) { return text.substr(0, colon) == known.name; });
-    if (boundary == std::end(boundaries)) fail("--bc: " + text + " is none of the ends; see orv fit --help");
+    if (boundary == std::end(boundaries)) {
+        std::vector<std::string> known;
+        for (const auto& end : boundaries) known.emplace_back(end.name);
+        fail("--bc: " + no_such("kind of ends", text.substr(0, colon), known));
+    }
     if (colon != std::string::npos) ends = parse_pair<T>(text.substr(colon + 1), "--bc");
     if (boundary->takes_values && ends.empty()) fail("--bc: " + text + " takes two values, as in " + text + ":0,0");
     return boundary->code;
@@ -78,7 +83,9 @@ int64_t parse_boundary(const std::string& text, std::vector<T>& ends) {
 const Spline& find_spline(const std::string& name) {
     for (const Spline& spline : splines)
         if (name == spline.name) return spline;
-    fail("--spline: no spline " + name + "; see orv fit --help");
+    std::vector<std::string> known;
+    for (const Spline& spline : splines) known.emplace_back(spline.name);
+    fail("--spline: " + no_such("spline", name, known));
 }
 
 template <class T>

@@ -1,6 +1,8 @@
 // A spline through columns of numbers, as `orv fit` asks for it: the kinds and the ends by name, the task, and its values.
 #pragma once
 
+#include "rows.h"
+
 #include <orv/fitting.h>
 
 #include <string>
@@ -13,6 +15,7 @@ struct FitRequest {
     std::vector<std::string> intervals;
     int derivatives = 0;
     char type = 'd';
+    Format format;
 };
 
 template <class T>

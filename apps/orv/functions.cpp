@@ -1,7 +1,11 @@
 #include "functions.h"
 
+#include "failure.h"
+#include "names.h"
+
 #include <algorithm>
-#include <cctype>
+#include <string>
+#include <vector>
 
 namespace orv::command {
 
@@ -20,19 +24,50 @@ namespace {
 
 const Function all[] = {ORV_VECMATH_ROWS(MATH_ROW) ORV_VECMATH_MOVE_ROWS(MOVE_ROW)};
 
-bool same_letters(std::string_view a, std::string_view b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](unsigned char x, unsigned char y) { return std::tolower(x) == std::tolower(y); });
+template <class X>
+void call_typed(const Function& function, orv_arq_kernel kernel, int32_t n, const void* a, const void* b, void* y,
+                void* z) {
+    const X *const xa = static_cast<const X*>(a), *const xb = static_cast<const X*>(b);
+    X *const xy = static_cast<X*>(y), *const xz = static_cast<X*>(z);
+    switch (function.shape) {
+        case Shape::TWO:
+            return reinterpret_cast<void (*)(int32_t, const X*, const X*, X*)>(kernel)(n, xa, xb, xy);
+        case Shape::TWO_OUT:
+            return reinterpret_cast<void (*)(int32_t, const X*, X*, X*)>(kernel)(n, xa, xy, xz);
+        case Shape::SCALAR:
+            return reinterpret_cast<void (*)(int32_t, const X*, X, X*)>(kernel)(n, xa, *xb, xy);
+        default:
+            // One array in and one out, of whatever they hold.
+            return reinterpret_cast<void (*)(int32_t, const void*, void*)>(kernel)(n, a, y);
+    }
 }
 
 }  // namespace
 
 std::span<const Function> functions() { return all; }
 
-const Function* find_function(std::string_view name, char type) {
-    const auto found = std::find_if(std::begin(all), std::end(all),
-                                    [&](const Function& f) { return f.type == type && same_letters(f.name, name); });
-    return found == std::end(all) ? nullptr : found;
+const Function& find_function(std::string_view name, char type) {
+    std::vector<std::string> known;
+    for (const Function& function : all) {
+        if (function.type != type) continue;
+        if (same_letters(function.name, name)) return function;
+        known.emplace_back(function.name);
+    }
+    std::sort(known.begin(), known.end());
+    fail(no_such(std::string("function of type ") + type + ",", name, known));
+}
+
+void call(const Function& function, orv_arq_kernel kernel, int32_t n, const void* a, const void* b, void* y, void* z) {
+    switch (function.type) {
+        case 's':
+            return call_typed<float>(function, kernel, n, a, b, y, z);
+        case 'd':
+            return call_typed<double>(function, kernel, n, a, b, y, z);
+        case 'c':
+            return call_typed<orv_complex_s>(function, kernel, n, a, b, y, z);
+        default:
+            return call_typed<orv_complex_d>(function, kernel, n, a, b, y, z);
+    }
 }
 
 }  // namespace orv::command

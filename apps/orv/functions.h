@@ -33,7 +33,11 @@ struct Function {
 
 std::span<const Function> functions();
 
-// Null if the library does not hold it. Letters of either case match.
-const Function* find_function(std::string_view name, char type);
+// Letters of either case match. Ends the command if the library does not hold it.
+const Function& find_function(std::string_view name, char type);
+
+// Calls a kernel of the function on arrays of its shape; those that it has not are null. A scalar input is the first element
+// of b. LINEAR and the moves are not called this way.
+void call(const Function& function, orv_arq_kernel kernel, int32_t n, const void* a, const void* b, void* y, void* z);
 
 }  // namespace orv::command

@@ -1,9 +1,9 @@
 #include "generators.h"
 
 #include "failure.h"
+#include "names.h"
 
 #include <algorithm>
-#include <cctype>
 #include <charconv>
 
 namespace orv::command {
@@ -40,21 +40,16 @@ constexpr struct {
     {ArsStatusNotSupported, "the processor has no AES instructions"},
 };
 
-bool same_letters(const std::string& a, const std::string& b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](unsigned char x, unsigned char y) { return std::tolower(x) == std::tolower(y); });
-}
-
 int32_t id_of(const std::string& text) {
     const size_t colon = text.find(':');
     const std::string name = text.substr(0, colon);
     const auto* found = std::find_if(std::begin(generators), std::end(generators),
                                      [&](const auto& generator) { return same_letters(generator.name, name); });
     if (found == std::end(generators)) {
-        std::string known;
+        std::vector<std::string> known;
         for (const auto& generator : generators)
-            if (__RegBrngsNew[(generator.id >> 20) - 1].initStream) known += std::string(" ") + generator.name;
-        fail("no generator " + name + "; there are" + known);
+            if (__RegBrngsNew[(generator.id >> 20) - 1].initStream) known.emplace_back(generator.name);
+        fail(no_such("generator", name, known));
     }
     if (colon == std::string::npos) return found->id;
     int32_t member = -1;

@@ -1,10 +1,12 @@
 // `orv info`: which kernels are here, and what the thread's mode word says.
 #include "commands.h"
 #include "functions.h"
+#include "json.h"
 #include "output.h"
 
 #include <cstdio>
 #include <map>
+#include <memory>
 
 namespace orv::command {
 
@@ -47,28 +49,53 @@ std::string describe_mode(uint32_t mode) {
            "traps        " + names_of(traps, mode) + "\n";
 }
 
-void run() {
-    std::string text = "tier         " + std::to_string(dll_cpu_version()) + " (SSE4.1)\n";
-    text += describe_mode(orv_arq_kernel_GetMode());
+// The types of each function, by name.
+std::map<std::string_view, std::string> types_by_name() {
+    std::map<std::string_view, std::string> types;
+    for (const Function& function : functions()) types[function.name] += function.type;
+    return types;
+}
+
+size_t row_count() {
     size_t rows = 0;
-    std::map<std::string_view, std::string> types_by_name;
-    for (const Function& function : functions()) {
-        rows += function.has_strided ? 2 : 1;
-        types_by_name[function.name] += std::string(" ") + function.type;
-    }
-    text += "rows         " + std::to_string(rows) + " of " + std::to_string(ORV_VECMATH_ROW_COUNT) + "\n\n";
-    for (const auto& [name, types] : types_by_name) {
+    for (const Function& function : functions()) rows += function.has_strided ? 2 : 1;
+    return rows;
+}
+
+std::string as_text() {
+    std::string text =
+        "version      " ORV_VERSION "\ntier         " + std::to_string(dll_cpu_version()) + " (SSE4.1)\n";
+    text += describe_mode(orv_arq_kernel_GetMode());
+    text += "rows         " + std::to_string(row_count()) + " of " + std::to_string(ORV_VECMATH_ROW_COUNT) + "\n\n";
+    for (const auto& [name, types] : types_by_name()) {
         text += name;
         text.append(name.size() < 12 ? 12 - name.size() : 0, ' ');
-        text += types + "\n";
+        for (const char type : types) (text += ' ') += type;
+        text += '\n';
     }
-    write_output("", text);
+    return text;
+}
+
+std::string as_json() {
+    std::string text = "{\"version\": \"" ORV_VERSION "\", \"tier\": " + std::to_string(dll_cpu_version()) +
+                       ", \"mode\": " + std::to_string(orv_arq_kernel_GetMode()) +
+                       ", \"rows\": " + std::to_string(row_count()) + ",\n \"functions\": {";
+    bool first = true;
+    for (const auto& [name, types] : types_by_name()) {
+        append_json(text += first ? "\n  " : ",\n  ", name);
+        append_json(text += ": ", types);
+        first = false;
+    }
+    return text + "}}\n";
 }
 
 }  // namespace
 
 void add_info(CLI::App& app, int&) {
-    app.add_subcommand("info", "Tell the tier, the mode word and the functions that are here")->callback(run);
+    const auto json = std::make_shared<bool>(false);
+    CLI::App* info = app.add_subcommand("info", "Tell the tier, the mode word and the functions that are here");
+    info->add_flag("--json", *json, "write JSON");
+    info->callback([json] { write_output("", *json ? as_json() : as_text()); });
 }
 
 }  // namespace orv::command

@@ -3,8 +3,8 @@
 #include "failure.h"
 #include "functions.h"
 #include "numbers.h"
+#include "options.h"
 #include "output.h"
-#include "progress.h"
 #include "table.h"
 
 #include <cstdio>
@@ -18,8 +18,9 @@ struct Request {
     std::string function;
     char type = 'd';
     std::string accuracy;  // "la", "ha" or "ep"; empty leaves the choice to the entry or the mode
-    bool by_mode = false;
+    bool by_mode = false, append = false;
     std::vector<std::string> columns;
+    Format format;
     std::string output;
     std::vector<std::string> files;
 };
@@ -87,44 +88,34 @@ orv_arq_kernel choose_kernel(const Request& request, const Function& function) {
 }
 
 template <class T>
-void apply(orv_arq_kernel kernel, Shape shape, const std::vector<T> (&in)[2], std::vector<T> (&out)[2]) {
-    const int32_t n = static_cast<int32_t>(in[0].size());
-    const T *const a = in[0].data(), *const b = in[1].data();
-    T *const y = out[0].data(), *const z = out[1].data();
-    switch (shape) {
-        case Shape::TWO:
-            reinterpret_cast<void (*)(int32_t, const T*, const T*, T*)>(kernel)(n, a, b, y);
-            break;
-        case Shape::TWO_OUT:
-            reinterpret_cast<void (*)(int32_t, const T*, T*, T*)>(kernel)(n, a, y, z);
-            break;
-        default:
-            reinterpret_cast<void (*)(int32_t, const T*, T*)>(kernel)(n, a, y);
-    }
-}
-
-template <class T>
 struct Block {
     const Function& function;
     orv_arq_kernel kernel;
     size_t inputs, outputs;
     std::vector<T> in[2], out[2];
     std::vector<int64_t> lines;
+    std::vector<std::string> kept;  // what of each row stands before the results, where that is all of it
 };
 
 // Computes the block, hands its rows on and empties it. Text is held back until there is a good piece of it, so that a
 // small table comes whole or not at all on standard output too.
 template <class T>
-void flush(Block<T>& block, std::string& text, Output& output) {
+void flush(Block<T>& block, const Format& format, std::string& text, Output& output) {
     constexpr size_t piece = 1 << 18;
     const size_t n = block.lines.size();
     for (size_t i = 0; i < block.outputs; ++i) block.out[i].resize(n);
-    apply(block.kernel, block.function.shape, block.in, block.out);
+    call(block.function, block.kernel, static_cast<int32_t>(n), block.in[0].data(), block.in[1].data(),
+         block.out[0].data(), block.out[1].data());
     for (size_t row = 0; row < n; ++row) {
-        for (size_t i = 0; i < block.inputs; ++i) append_number(text, block.in[i][row]), text += ',';
-        for (size_t i = 0; i < block.outputs; ++i)
-            append_number(text, block.out[i][row]), text += i + 1 < block.outputs ? ',' : '\n';
+        if (!block.kept.empty()) text += block.kept[row];
+        for (size_t i = 0; i < block.inputs && block.kept.empty(); ++i)
+            append_number(text, block.in[i][row], format.decimal), text += format.separator;
+        for (size_t i = 0; i < block.outputs; ++i) {
+            append_number(text, block.out[i][row], format.decimal);
+            text += i + 1 < block.outputs ? format.separator : '\n';
+        }
     }
+    block.kept.clear();
     if (text.size() >= piece) write(output, text), text.clear();
     for (std::vector<T>& in : block.in) in.clear();
     block.lines.clear();
@@ -148,15 +139,13 @@ int run(const Request& request, const Function& function) {
     const size_t inputs = function.shape == Shape::TWO ? 2 : 1;
     const size_t outputs = function.shape == Shape::TWO_OUT ? 2 : 1;
     Output output(request.output);
-    Block<T> block = {function, choose_kernel(request, function), inputs, outputs, {}, {}, {}};
+    Block<T> block = {function, choose_kernel(request, function), inputs, outputs, {}, {}, {}, {}};
     reports = {&function, nullptr, &block.lines, 0, 0};
-    Progress progress = start_progress(size_of_files(request.files));
-    int64_t bytes_before = 0, rows = 0;
     std::string text;
     bool first = true;
     for (const std::string& file : request.files) {
         std::vector<size_t> columns;
-        int64_t bytes = 0;
+        std::vector<T> values;
         const auto begin = [&](const Head& head) {
             columns = choose_columns(head, request.columns, inputs);
             reports.head = &head;
@@ -164,39 +153,38 @@ int run(const Request& request, const Function& function) {
             // The first file says whether there is a header.
             if (first && !head.names.empty()) {
                 std::vector<std::string> names;
-                for (const size_t column : columns) names.push_back(head.names[column]);
+                if (request.append) names = head.names;
+                for (size_t i = 0; i < inputs && !request.append; ++i) names.push_back(head.names[columns[i]]);
                 for (size_t i = 0; i < outputs; ++i)
                     names.push_back(std::string(function.name) + (outputs == 1 ? "" : "." + std::to_string(i + 1)));
-                append_row(text, names);
+                append_row(text, names, request.format.separator);
             }
             first = false;
         };
         const auto take = [&](const Head& head, const Row& row) {
-            for (size_t i = 0; i < inputs; ++i) block.in[i].push_back(number<T>(head, row, columns[i]));
+            if (!read_numbers(head, row, columns, values)) return false;
+            for (size_t i = 0; i < inputs; ++i) block.in[i].push_back(values[i]);
             block.lines.push_back(row.line);
-            bytes = row.bytes;
-            ++rows;
-            if (block.lines.size() < block_rows) return;
-            flush(block, text, output);
-            tell_progress(progress, bytes_before + bytes, megabytes_and_rows(bytes_before + bytes, rows));
+            if (request.append) {
+                append_row(block.kept.emplace_back(), row.fields, request.format.separator);
+                block.kept.back().back() = request.format.separator;
+            }
+            if (block.lines.size() == block_rows) flush(block, request.format, text, output);
+            return true;
         };
-        const auto end = [&](const Head&) { flush(block, text, output); };
-        read_table(file, begin, take, end);
-        bytes_before += bytes;
+        const auto end = [&](const Head&) { flush(block, request.format, text, output); };
+        read_table(file, request.format, begin, take, end);
     }
-    end_progress(progress);
     write(output, text);
     finish(output);
     return reports.count == 0 ? 0 : 1;
 }
 
 int run(const Request& request) {
-    const Function* function = find_function(request.function, request.type);
-    if (!function)
-        fail("no function " + request.function + " of type " + request.type + "; `orv info` lists what is here");
-    if (function->shape != Shape::ONE && function->shape != Shape::TWO && function->shape != Shape::TWO_OUT)
-        fail(std::string(function->name) + " takes more than columns of numbers");
-    return request.type == 's' ? run<float>(request, *function) : run<double>(request, *function);
+    const Function& function = find_function(request.function, request.type);
+    if (function.shape != Shape::ONE && function.shape != Shape::TWO && function.shape != Shape::TWO_OUT)
+        fail(std::string(function.name) + " takes more than columns of numbers");
+    return request.type == 's' ? run<float>(request, function) : run<double>(request, function);
 }
 
 }  // namespace
@@ -205,7 +193,8 @@ void add_math(CLI::App& app, int& status) {
     const auto request = std::make_shared<Request>();
     CLI::App* math = app.add_subcommand("math", "Apply a vector function to columns of CSV files");
     math->footer(
-        "Writes the input columns and the result as CSV. Numbers are rounded to the type as they are read. Elements "
+        "Writes the input columns and the result in the form of the table. Numbers are rounded to the type as they are "
+        "read. Elements "
         "without\n"
         "a proper result are listed on standard error, and the exit status is 1; it is 2 where nothing was done.");
     math->add_option("function", request->function, "such as Ceil or Add")->required();
@@ -219,6 +208,8 @@ void add_math(CLI::App& app, int& status) {
     math->add_option("--column", request->columns,
                      "an input column, by name or by position from 1; once for each input")
         ->allow_extra_args(false);
+    math->add_flag("--append", request->append, "keep all columns of the table, with the results behind them");
+    add_format(*math, request->format);
     math->add_option("--output", request->output, "the file to write; standard output if not given");
     math->add_option("file", request->files, "CSV files; standard input if none or -");
     math->callback([request, &status] {

@@ -27,6 +27,18 @@ Parsed parse_number(std::string_view text, T& value) {
     return Parsed::number;
 }
 
+bool parse_count(std::string_view text, int64_t& count) {
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, count);
+    if (error == std::errc() && stop == end) return true;
+    double value;
+    constexpr double limit = 0x1p53;  // up to here a double is the number that was written
+    if (parse_number(text, value) != Parsed::number || !(std::fabs(value) <= limit) || value != std::trunc(value))
+        return false;
+    count = static_cast<int64_t>(value);
+    return true;
+}
+
 template <class T>
 void append_number(std::string& text, T value) {
     // The fewest digits that give the number back; without an exponent where a person would write none.

@@ -47,19 +47,10 @@ void end_progress(Progress& progress) {
     if (progress.terminal && progress.told != 0) std::fputc('\n', stderr);
 }
 
-int64_t size_of_files(const std::vector<std::string>& files) {
-    int64_t bytes = 0;
-    for (const std::string& file : files) {
-        std::error_code error;
-        const uintmax_t size = std::filesystem::file_size(file, error);
-        if (error) return 0;
-        bytes += static_cast<int64_t>(size);
-    }
-    return bytes;
-}
-
-std::string megabytes_and_rows(int64_t bytes, int64_t rows) {
-    return std::to_string(bytes / 1000000) + " MB, " + std::to_string(rows) + " rows";
+int64_t size_of_file(const std::string& file) {
+    std::error_code error;
+    const uintmax_t size = std::filesystem::file_size(file, error);
+    return error ? 0 : static_cast<int64_t>(size);
 }
 
 }  // namespace orv::command

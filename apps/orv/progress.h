@@ -4,7 +4,6 @@
 #include <chrono>
 #include <cstdint>
 #include <string>
-#include <vector>
 
 namespace orv::command {
 
@@ -21,8 +20,7 @@ Progress start_progress(int64_t total);
 void tell_progress(Progress& progress, int64_t done, const std::string& what);
 void end_progress(Progress& progress);
 
-// For what reads files: the bytes of all of them, or 0 where one cannot tell; and how far it is in words.
-int64_t size_of_files(const std::vector<std::string>& files);
-std::string megabytes_and_rows(int64_t bytes, int64_t rows);
+// For what reads a file: its bytes, or 0 where one cannot tell.
+int64_t size_of_file(const std::string& file);
 
 }  // namespace orv::command

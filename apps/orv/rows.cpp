@@ -1,9 +1,7 @@
 #include "rows.h"
 
 #include "failure.h"
-#include "numbers.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -64,6 +62,9 @@ struct Reading {
     }
 };
 
+// What may stand around a field beside its text: nothing.
+int is_no_blank(unsigned char) { return 0; }
+
 void close_stream(FILE* stream) {
     if (stream != stdin) std::fclose(stream);
 }
@@ -72,7 +73,7 @@ void close_stream(FILE* stream) {
 
 std::string source_name(const std::string& file) { return file == "-" ? "<stdin>" : file; }
 
-void read_rows(const std::string& file, const std::function<void(const Row&)>& take) {
+void read_rows(const std::string& file, const Format& format, const std::function<void(const Row&)>& take) {
     const std::unique_ptr<FILE, void (*)(FILE*)> stream(file == "-" ? stdin : std::fopen(file.c_str(), "rb"),
                                                         close_stream);
     if (!stream) fail(file + ": " + std::strerror(errno));
@@ -82,8 +83,12 @@ void read_rows(const std::string& file, const std::function<void(const Row&)>& t
     csv_parser parser;
     if (csv_init(&parser, CSV_STRICT | CSV_STRICT_FINI) != 0) fail(source + ": no memory");
     const std::unique_ptr<csv_parser, void (*)(csv_parser*)> release(&parser, csv_free);
+    csv_set_delim(&parser, static_cast<unsigned char>(format.separator));
+    // A tab between fields is no blank around one.
+    if (format.separator == '\t' || format.separator == ' ') csv_set_space_func(&parser, is_no_blank);
 
     std::vector<char> block(1 << 18);
+    bool line_begins = true, in_comment = false;
     while (const size_t got = std::fread(block.data(), 1, block.size(), stream.get())) {
         // A byte order mark is no part of the first name.
         size_t start = reading.bytes == 0 && std::string_view(block.data(), got).starts_with("\xEF\xBB\xBF") ? 3 : 0;
@@ -94,9 +99,14 @@ void read_rows(const std::string& file, const std::function<void(const Row&)>& t
             const size_t end =
                 newline ? static_cast<size_t>(static_cast<const char*>(newline) - block.data()) + 1 : got;
             const size_t length = end - start;
-            if (csv_parse(&parser, block.data() + start, length, take_field, take_row, &reading.gathered) != length)
+            constexpr int between_rows = 0;
+            if (line_begins)
+                in_comment = format.comment != '\0' && block[start] == format.comment && parser.pstate == between_rows;
+            if (!in_comment &&
+                csv_parse(&parser, block.data() + start, length, take_field, take_row, &reading.gathered) != length)
                 fail_at(source, reading.line, "broken quoting");
             reading.hand_on();
+            line_begins = newline != nullptr;
             if (newline) ++reading.line;
             start = end;
         }
@@ -105,13 +115,6 @@ void read_rows(const std::string& file, const std::function<void(const Row&)>& t
     if (csv_fini(&parser, take_field, take_row, &reading.gathered) != 0)
         fail_at(source, reading.line, "broken quoting");
     reading.hand_on();
-}
-
-bool is_header(std::span<const std::string_view> fields) {
-    return std::none_of(fields.begin(), fields.end(), [](std::string_view field) {
-        double value;
-        return parse_number(field, value) != Parsed::not_a_number;
-    });
 }
 
 }  // namespace orv::command

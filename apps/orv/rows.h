@@ -15,13 +15,19 @@ struct Row {
     int64_t bytes;                             // read so far
 };
 
+// How the rows are written.
+struct Format {
+    enum class Header { GUESS, YES, NO };
+
+    char separator = ',', decimal = '.', comment = '\0';  // no comments where it is 0
+    Header header = Header::GUESS;
+    bool skip_missing = false;
+};
+
 // "<stdin>" for "-", which stands for standard input.
 std::string source_name(const std::string& file);
 
 // Calls `take` for each row. A file that cannot be read, broken quoting and rows of different widths end the command.
-void read_rows(const std::string& file, const std::function<void(const Row&)>& take);
-
-// The first row of a file names the columns if no field of it is a number.
-bool is_header(std::span<const std::string_view> fields);
+void read_rows(const std::string& file, const Format& format, const std::function<void(const Row&)>& take);
 
 }  // namespace orv::command

@@ -1,8 +1,9 @@
 // `orv stats`: moments and matrices of the columns of a CSV file, which is read once, block by block.
 #include "commands.h"
 #include "failure.h"
+#include "json.h"
+#include "options.h"
 #include "output.h"
-#include "progress.h"
 #include "stats_tables.h"
 #include "table.h"
 
@@ -21,7 +22,8 @@ struct Request {
     std::vector<std::string> columns;
     std::string weights;
     int32_t threads = 0;
-    bool csv = false;
+    bool csv = false, json = false;
+    Format format;
     std::string output, plot;
 };
 
@@ -58,6 +60,7 @@ struct Accumulation {
     size_t weight_column = SIZE_MAX;
     int32_t p = 0, n = 0, form = StorageColumns, full = SSMatrixFull;
     int64_t rows = 0;
+    std::vector<int64_t> nans;  // in each column
     std::vector<double> x, w, minimum, maximum, cov, cor;
     std::vector<double> moments[9];  // mean to skewness, in the order of their ids
     double weights[2] = {0, 0};
@@ -80,6 +83,7 @@ void start(Accumulation& data) {
     const size_t p = data.columns.size();
     data.p = static_cast<int32_t>(p);
     data.x.reserve(block_values + p);
+    data.nans.assign(p, 0);
     data.minimum.assign(p, std::numeric_limits<double>::infinity());
     data.maximum.assign(p, -std::numeric_limits<double>::infinity());
     data.cov.resize(p * p);
@@ -105,35 +109,41 @@ void flush(Accumulation& data) {
     data.w.clear();
 }
 
-void add_row(Accumulation& data, const Head& head, const Row& row) {
-    for (size_t j = 0; j < data.columns.size(); ++j) {
-        const double value = number<double>(head, row, data.columns[j]);
+// Puts the row's numbers, the weight behind them if there is one, into the block.
+void add_row(Accumulation& data, const Head& head, const Row& row, const std::vector<double>& numbers) {
+    const size_t p = data.columns.size();
+    for (size_t j = 0; j < p; ++j) {
+        const double value = numbers[j];
         if (value < data.minimum[j]) data.minimum[j] = value;
         if (value > data.maximum[j]) data.maximum[j] = value;
+        if (std::isnan(value)) ++data.nans[j];
         data.x.push_back(value);
     }
     if (data.weight_column != SIZE_MAX) {
-        data.w.push_back(number<double>(head, row, data.weight_column));
-        if (!(data.w.back() >= 0)) fail_at(head.source, row.line, "a weight must be 0 or more");
+        data.w.push_back(numbers[p]);
+        if (!(numbers[p] >= 0)) fail_at(head.source, row.line, "a weight must be 0 or more");
     }
     ++data.rows;
     if (data.x.size() >= block_values) flush(data);
 }
 
 void read(const Request& request, Accumulation& data) {
-    Progress progress = start_progress(size_of_files({request.file}));
+    std::vector<size_t> read_columns;
+    std::vector<double> numbers;
     const auto begin = [&](const Head& head) {
         choose_columns_of(data, request, head);
         start(data);
+        read_columns = data.columns;
+        if (data.weight_column != SIZE_MAX) read_columns.push_back(data.weight_column);
     };
     const auto take = [&](const Head& head, const Row& row) {
-        add_row(data, head, row);
-        if (data.x.empty()) tell_progress(progress, row.bytes, megabytes_and_rows(row.bytes, data.rows));
+        if (!read_numbers(head, row, read_columns, numbers)) return false;
+        add_row(data, head, row, numbers);
+        return true;
     };
-    read_table(request.file, begin, take);
+    read_table(request.file, request.format, begin, take);
     if (data.rows == 0) fail(source_name(request.file) + ": no rows of numbers");
     flush(data);
-    end_progress(progress);
     if (data.weights[0] == 0) fail(source_name(request.file) + ": the weights add up to 0");
 }
 
@@ -147,6 +157,41 @@ Cells moments_table(const Accumulation& data, bool csv) {
     return cells;
 }
 
+std::string as_tables(const Accumulation& data, bool csv) {
+    std::string text;
+    append_table(text, moments_table(data, csv), csv);
+    append_table(text += '\n', matrix_table("covariance", data.names, data.cov, csv), csv);
+    append_table(text += '\n', matrix_table("correlation", data.names, data.cor, csv), csv);
+    return text;
+}
+
+std::string as_json(const Accumulation& data) {
+    std::string text = "{\"rows\": " + std::to_string(data.rows) + ",\n \"columns\": [";
+    for (size_t j = 0; j < data.names.size(); ++j) {
+        append_json(text += j == 0 ? "\n  {\"name\": " : ",\n  {\"name\": ", data.names[j]);
+        text += ", \"nan\": " + std::to_string(data.nans[j]);
+        append_json(text += ", \"mean\": ", data.moment(SSIdMean)[j]);
+        append_json(text += ", \"standard deviation\": ", std::sqrt(data.moment(SSIdCentralMoment2)[j]));
+        append_json(text += ", \"skewness\": ", data.moment(SSIdSkewness)[j]);
+        append_json(text += ", \"kurtosis\": ", data.moment(SSIdKurtosis)[j]);
+        append_json(text += ", \"minimum\": ", data.minimum[j]);
+        append_json(text += ", \"maximum\": ", data.maximum[j]);
+        text += '}';
+    }
+    append_json_matrix(text += "],\n \"covariance\": ", data.cov, data.names.size());
+    append_json_matrix(text += ",\n \"correlation\": ", data.cor, data.names.size());
+    return text + "}\n";
+}
+
+// Where a result is nan because the data are.
+void name_nans(const Accumulation& data) {
+    for (size_t j = 0; j < data.names.size(); ++j)
+        if (data.nans[j] > 0)
+            std::fprintf(stderr, "orv: column %s: %lld of %lld values are nan, and so is what they enter\n",
+                         data.names[j].c_str(), static_cast<long long>(data.nans[j]),
+                         static_cast<long long>(data.rows));
+}
+
 void run(const Request& request) {
     asked_threads = request.threads;
     Output output(request.output);
@@ -154,10 +199,8 @@ void run(const Request& request) {
     if (!request.plot.empty()) plot.emplace(request.plot);
     Accumulation data;
     read(request, data);
-    std::string text;
-    append_table(text, moments_table(data, request.csv), request.csv);
-    append_table(text += '\n', matrix_table("covariance", data.names, data.cov, request.csv), request.csv);
-    append_table(text += '\n', matrix_table("correlation", data.names, data.cor, request.csv), request.csv);
+    const std::string text = request.json ? as_json(data) : as_tables(data, request.csv);
+    if (!request.json) name_nans(data);
     if (plot) draw_matrix("Correlation", data.names, data.cor, *plot);
     write(output, text);
     finish(output);
@@ -178,9 +221,11 @@ void add_stats(CLI::App& app, int& status) {
         ->delimiter(',')
         ->allow_extra_args(false);
     stats->add_option("--weights", request->weights, "the column that holds the weights of the rows");
-    stats->add_option("--threads", request->threads, "at most so many threads; all processors if not given")
-        ->check(CLI::PositiveNumber);
-    stats->add_flag("--csv", request->csv, "write CSV, each number in full");
+    add_count(*stats, "--threads", request->threads, 1, INT32_MAX,
+              "at most so many threads; all processors if not given");
+    CLI::Option* csv = stats->add_flag("--csv", request->csv, "write CSV, each number in full");
+    stats->add_flag("--json", request->json, "write JSON, each number in full; null stands for nan")->excludes(csv);
+    add_format(*stats, request->format);
     stats->add_option("--output", request->output, "the file to write; standard output if not given");
     stats->add_option("--plot", request->plot, "an SVG file for a picture of the correlation matrix");
     stats->callback([request, &status] {

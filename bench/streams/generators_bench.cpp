@@ -69,6 +69,11 @@ ORV_GENERATOR(MRG32K3A);
 ORV_BLOCK_GENERATOR(PHILOX4X32X10);
 ORV_BLOCK_GENERATOR(ARS5);
 ORV_BLOCK_GENERATOR(TRNG);
+ORV_BLOCK_GENERATOR(MT19937);
+ORV_BLOCK_GENERATOR(MT2203);
+ORV_BLOCK_GENERATOR(SFMT19937);
+ORV_BLOCK_GENERATOR(R250);
+ORV_BLOCK_GENERATOR(WH);
 
 // The loop that TRNG is measured against: one word after the other, asked again until it is ready.
 __attribute__((target("rdrnd"))) void bare_rdrand(benchmark::State& state) {

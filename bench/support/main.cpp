@@ -6,6 +6,7 @@
 #include <sleef.h>
 #endif
 #ifdef ORV_BENCH_GSL
+#include <gsl/gsl_errno.h>
 #include <gsl/gsl_version.h>
 #endif
 #ifdef __GLIBC__
@@ -64,6 +65,7 @@ int main(int argc, char** argv) {
 #endif
 #ifdef ORV_BENCH_GSL
     benchmark::AddCustomContext("GSL", GSL_VERSION);
+    gsl_set_error_handler_off();  // which would end the program at the first argument outside a domain
 #endif
 #ifdef __GLIBC__
     benchmark::AddCustomContext("C library", std::string("glibc ") + gnu_get_libc_version());

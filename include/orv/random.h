@@ -62,6 +62,71 @@ ORV_BRNG_ENTRIES(ARS5)
  * without the instruction, and TrngStatusRetriesExhausted with the numbers before written. */
 ORV_BRNG_ENTRIES(TRNG)
 
+/* MT19937: the Mersenne twister of period 2^19937 - 1.
+ * Seed: the published initialisation by an array, the seed words being the key; no words are the key of the word 1. Words
+ * of 32 bits. Has skip-ahead, which may return StatusNoMemory: the stream then stands at the end of its current block,
+ * not yet at the target.
+ * M. Matsumoto, T. Nishimura, "Mersenne twister: a 623-dimensionally equidistributed uniform pseudo-random number
+ * generator", ACM Transactions on Modeling and Computer Simulation 8, 1998. */
+int32_t __kuzBRngMT19937InitStream(int32_t method, Stream* stream, int32_t n, const void* params);
+int32_t __kuzsBRngMT19937(Stream* stream, int32_t n, float* r, float a, float b);
+int32_t __kuzdBRngMT19937(Stream* stream, int32_t n, double* r, double a, double b);
+int32_t __kuziBRngMT19937(Stream* stream, int32_t n, void* r);
+
+/* MT2203: 6024 Mersenne twisters of period 2^2203 - 1 with different characteristic polynomials, for as many independent
+ * streams; the member is added to the id. Seed as for MT19937. Words of 32 bits. No jumps.
+ * M. Matsumoto, T. Nishimura, "Dynamic creation of pseudorandom number generators", Monte Carlo and Quasi-Monte Carlo
+ * Methods 1998. */
+int32_t __kuzBRngMT2203InitStream(int32_t method, Stream* stream, int32_t n, const void* params);
+int32_t __kuzsBRngMT2203(Stream* stream, int32_t n, float* r, float a, float b);
+int32_t __kuzdBRngMT2203(Stream* stream, int32_t n, double* r, double a, double b);
+int32_t __kuziBRngMT2203(Stream* stream, int32_t n, void* r);
+
+/* SFMT19937: the SIMD-oriented Mersenne twister, of a period that is a multiple of 2^19937 - 1.
+ * Seed: its published initialisation by an array. Words of 32 bits. The floating-point kernels read a word as a signed
+ * integer: a word below 2^31 lands in the upper half of the interval. Single precision is computed in single precision.
+ * Has skip-ahead; StatusNoMemory as for MT19937.
+ * M. Saito, M. Matsumoto, "SIMD-oriented fast Mersenne twister: a 128-bit pseudorandom number generator", Monte Carlo and
+ * Quasi-Monte Carlo Methods 2006. */
+int32_t __kuzBRngSFMT19937InitStream(int32_t method, Stream* stream, int32_t n, const void* params);
+int32_t __kuzsBRngSFMT19937(Stream* stream, int32_t n, float* r, float a, float b);
+int32_t __kuzdBRngSFMT19937(Stream* stream, int32_t n, double* r, double a, double b);
+int32_t __kuziBRngSFMT19937(Stream* stream, int32_t n, void* r);
+
+/* R250: the generalised feedback shift register x(n) = x(n - 250) xor x(n - 147), of period 2^250 - 1.
+ * Seed: 250 words or more are the register. Otherwise seed[0], where 0 becomes 1 as no seed does, starts the congruence
+ * t = 69069 t mod 2^32 that fills it, and 32 of its words are made linearly independent. Words of 32 bits. No jumps.
+ * S. Kirkpatrick, E. Stoll, "A very fast shift-register sequence random number generator", Journal of Computational
+ * Physics 40, 1981. */
+int32_t __kuzBRngR250InitStream(int32_t method, Stream* stream, int32_t n, const void* params);
+int32_t __kuzsBRngR250(Stream* stream, int32_t n, float* r, float a, float b);
+int32_t __kuzdBRngR250(Stream* stream, int32_t n, double* r, double a, double b);
+int32_t __kuziBRngR250(Stream* stream, int32_t n, void* r);
+
+/* WH: 273 generators, each the sum of four multiplicative congruences modulo primes just below 2^24, of period about 2^93;
+ * the member is added to the id. The state's residues are the first output.
+ * Seed: a word for each residue, taken modulo its modulus, where 0 becomes 1; missing ones are 1. A raw word is the four
+ * residues in 16 bytes, and n counts such words. Floating-point numbers are the fraction of the sum of the residues over
+ * their moduli, computed toward zero whatever the rounding mode. Has leapfrog and skip-ahead.
+ * B. A. Wichmann, I. D. Hill, "An efficient and portable pseudo-random number generator", Applied Statistics 31, 1982;
+ * N. M. Maclaren, "The generation of multiple independent sequences of pseudorandom numbers", Applied Statistics 38, 1989. */
+int32_t __kuzBRngWHInitStream(int32_t method, Stream* stream, int32_t n, const void* params);
+int32_t __kuzsBRngWH(Stream* stream, int32_t n, float* r, float a, float b);
+int32_t __kuzdBRngWH(Stream* stream, int32_t n, double* r, double a, double b);
+int32_t __kuziBRngWH(Stream* stream, int32_t n, void* r);
+
+/* The generators behind abstract streams, whose creators (streams.h) make the block that seeding takes. The kernel for the
+ * type of the ring hands out its numbers, floating-point ones mapped from the ring's interval to the one asked for, and
+ * calls the callback whenever the ring is empty. Returns StatusNullFunction for a null ring, AbstractStatusBadUpdate
+ * for a callback's result below 0 or above *nmax, AbstractStatusNoNumbers for 0; the stream then stands as before the
+ * call. No jumps. */
+int32_t __kuzBRngiAbstractInitStream(int32_t method, Stream* stream, int32_t n, const void* params);
+int32_t __kuzBRngdAbstractInitStream(int32_t method, Stream* stream, int32_t n, const void* params);
+int32_t __kuzBRngsAbstractInitStream(int32_t method, Stream* stream, int32_t n, const void* params);
+int32_t __kuziBRngiAbstract(Stream* stream, int32_t n, void* r);
+int32_t __kuzdBRngdAbstract(Stream* stream, int32_t n, double* r, double a, double b);
+int32_t __kuzsBRngsAbstract(Stream* stream, int32_t n, float* r, float a, float b);
+
 /* The kernels of an abstract stream for numbers of another type than its ring's: they return AbstractStatusWrongKernel
  * and write nothing. */
 int32_t __kuzdBRngiAbstract(Stream* stream, int32_t n, double* r, double a, double b);

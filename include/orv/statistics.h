@@ -152,6 +152,13 @@ enum {
     SSIdCor = 21,
     SSIdCorStorage = 22,
     SSIdAccumWeight = 23,
+    SSIdQuantOrderCount = 24,
+    SSIdQuantOrders = 25,
+    SSIdQuantiles = 26,
+    SSIdOrderStats = 27,
+    SSIdOrderStatsStorage = 44,
+    SSIdExtraData = 78,
+    SSIdExtraInt = 79,
     SSIdSum = 67,
     SSIdRawSum2 = 68,
     SSIdRawSum3 = 69,
@@ -425,6 +432,54 @@ enum {
  * (1983); P. Pebay, Sandia report SAND2008-6212 (2008). */
 int32_t _kuzdSSBasic(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
 int32_t _kuzsSSBasic(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
+
+/* Methods of the order statistics: 0 the plain one, ORV_SS_METHOD_FAST the fast one, which are the same today. With
+ * ORV_SS_METHOD_JOIN _kuz[sd]SSMinmax folds in what the result arrays hold, so that blocks of observations can be joined. */
+#define ORV_SS_METHOD_FAST ((uint64_t)0x1)
+#define ORV_SS_METHOD_JOIN ((uint64_t)0x4)
+
+/* Order statistics of each component that takes part (`indices`); the others keep their old results. All take (task,
+ * estimates, method, services) as the basic pass does, read p, n, x and its storage form, and ignore the estimates of other
+ * entries: without their own bit they return 0. `services` may be null: one thread. Work is divided by components, and
+ * results do not depend on the number of threads. In the order of the sorted results -0 stands before +0 and NaNs stand
+ * last.
+ *
+ * _kuz[sd]SSQuantiles   ORV_SS_QUANTILES: `quantOrderCount` orders in [0, 1] in `quantOrders` to `quantiles`, p rows of that many.
+ *                       The quantile of order q is a (1 - d) + b d at position q (n - 1), i its whole part and d the rest, a and b
+ *                       the observations of order i and i + 1; it is formed in double. An infinite b gives a NaN also where its
+ *                       share is 0. Where `orderStats` is set, the sorted observations go there, n by p, in the form of
+ *                       `orderStatsStorage`, or that of x where this is null.
+ * _kuz[sd]SSSort        ORV_SS_SORT: the sorted observations to `extraData` (id 78), in the form at `extraInt` (id 79).
+ * _kuz[sd]SSMinmax      ORV_SS_MINIMUM, ORV_SS_MAXIMUM: the least and the greatest observation, p values each. A NaN shows in both.
+ *                       Weights are not looked at.
+ * _kuz[sd]SSWMedian     ORV_SS_WEIGHTED_MEDIAN: to `quantiles`, p values: the least observation whose cumulated weight passes
+ *                       half the whole; where it equals the half, the mean of that one and the next of positive weight.
+ *                       `w` null: each weight is 1. A whole weight not above 0 is SSStatusW.
+ *
+ * Return 0, or, with nothing written: SSStatusEstimates, SSStatusMethod, SSStatusP, SSStatusN, SSStatusX, SSStatusStorage,
+ * SSStatusStorageValue, the status of a missing array, SSStatusQuantOrderCount for a count below 1, SSStatusQuantOrders
+ * for an order outside [0, 1] or NaN, SSStatusAllocation.
+ *
+ * Source: R. J. Hyndman, Y. Fan, Sample quantiles in statistical packages, The American Statistician 50 (1996), definition 7. */
+int32_t _kuzdSSQuantiles(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
+int32_t _kuzsSSQuantiles(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
+int32_t _kuzdSSSort(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
+int32_t _kuzsSSSort(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
+int32_t _kuzdSSMinmax(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
+int32_t _kuzsSSMinmax(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
+int32_t _kuzdSSWMedian(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
+int32_t _kuzsSSWMedian(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
+
+/* Sort n numbers in place, ascending; the Step form has them `stride` elements apart. Select returns the element of order k,
+ * from 0, and parts the data by it: none before place k is larger, none behind it smaller. No element may be a NaN.
+ *
+ * Source: R. Sedgewick, Implementing quicksort programs, Communications of the ACM 21 (1978). */
+void __kuzdQSort(int32_t n, double* data);
+void __kuzsQSort(int32_t n, float* data);
+void __kuzdQSortStep(int32_t n, double* data, int32_t stride);
+void __kuzsQSortStep(int32_t n, float* data, int32_t stride);
+double __kuzdQSortSelect(int32_t n, double* data, int32_t k);
+float __kuzsQSortSelect(int32_t n, float* data, int32_t k);
 
 #ifdef __cplusplus
 }

@@ -98,6 +98,12 @@ using RoundUpFrame = ControlFrame<mxcsr_round_up>;
 using RoundDownFrame = ControlFrame<mxcsr_round_down>;
 using RoundToZeroFrame = ControlFrame<mxcsr_round_to_zero>;
 
+// The frame of kernels that work on the bits of numbers: as the general one, and denormals are numbers in every mode.
+struct DenormalsFrame {
+    X87Guard x87;
+    MxcsrGuard mxcsr{mxcsr_control, mxcsr_masks};
+};
+
 // The frame of kernels that follow the caller's rounding and denormal settings: the exception masks of MXCSR alone.
 struct MasksOnlyFrame {
     MxcsrGuard mxcsr{mxcsr_masks, mxcsr_masks};

@@ -35,7 +35,8 @@
 //   TWO_INPUTS(row, accuracy, Kernel)   TWO: x... is a, b
 //   SCALAR_INPUT(row, accuracy, Kernel) SCALAR: x... is a, b
 //   TWO_OUTPUTS(row, accuracy, Kernel)  TWO_OUT: x is a
-//   LINEAR(row, accuracy, Kernel)       LINEAR: x... is a, b, scalea, shifta, scaleb, shiftb
+//   LINEAR(row, accuracy, Kernel, function)
+//                                       LINEAR: x... is a, b, scalea, shifta, scaleb, shiftb; `function` makes the call
 //
 // each with ORV_ before it. `row` is the name in the row list, from which reports take the function's; `accuracy` the first
 // that the kernel serves.

@@ -350,19 +350,19 @@ inline void map(const char* name, int32_t n, Outputs<Out, Count> out, In... in) 
         map<Kernel>(rows::row.name, n, to(Strided{y, incy}, Strided{z, incz}), Strided{a, inca});           \
     }
 
-#define ORV_LINEAR(row, accuracy, Kernel)                                                                           \
+// Which kernel serves depends on the scalars: `function` chooses, given the name, n, a, b, the scalars and y.
+#define ORV_LINEAR(row, accuracy, Kernel, function)                                                                 \
     ORV_DEFINE_KERNEL(row, accuracy, Kernel, LINEAR)                                                                \
     (int32_t n, const Kernel::Element* a, const Kernel::Element* b, Kernel::Element scalea, Kernel::Element shifta, \
      Kernel::Element scaleb, Kernel::Element shiftb, Kernel::Result* y) {                                           \
         using namespace orv::frame;                                                                                 \
-        map<Kernel>(rows::row.name, n, to(Dense{y}), Dense{a}, Dense{b}, Scalar{scalea}, Scalar{shifta},            \
-                    Scalar{scaleb}, Scalar{shiftb});                                                                \
+        function(rows::row.name, n, Dense{a}, Dense{b}, scalea, shifta, scaleb, shiftb, Dense{y});                  \
     }                                                                                                               \
     ORV_DEFINE_KERNEL_I(row, accuracy)                                                                              \
     (int32_t n, const Kernel::Element* a, int32_t inca, const Kernel::Element* b, int32_t incb,                     \
      Kernel::Element scalea, Kernel::Element shifta, Kernel::Element scaleb, Kernel::Element shiftb,                \
      Kernel::Result* y, int32_t incy) {                                                                             \
         using namespace orv::frame;                                                                                 \
-        map<Kernel>(rows::row.name, n, to(Strided{y, incy}), Strided{a, inca}, Strided{b, incb}, Scalar{scalea},    \
-                    Scalar{shifta}, Scalar{scaleb}, Scalar{shiftb});                                                \
+        function(rows::row.name, n, Strided{a, inca}, Strided{b, incb}, scalea, shifta, scaleb, shiftb,             \
+                 Strided{y, incy});                                                                                 \
     }

@@ -54,17 +54,18 @@
     ROW(HERE,  s, Round,      ONE,        ALL,   MEASURED(sRound))                \
     ROW(HERE,  s, Trunc,      ONE,        ALL,   MEASURED(sTrunc))                \
     ROW(HERE,  s, Abs,        ONE,        ALL,   MEASURED(sAbs))                  \
-    ROW(LATER, s, Inv,        ONE,        LA_HA, MEASURED(sInv))                  \
-    ROW(LATER, s, Sqrt,       ONE,        EACH,  MEASURED(sSqrt))                 \
-    ROW(LATER, s, InvSqrt,    ONE,        EACH,  MEASURED(sInvSqrt))              \
-    ROW(LATER, s, Cbrt,       ONE,        EACH,  MEASURED(sCbrt))                 \
-    ROW(LATER, s, InvCbrt,    ONE,        EACH,  MEASURED(sInvCbrt))              \
+    ROW(HERE,  s, Inv,        ONE,        LA_HA, MEASURED(sInv))                  \
+    ROW(HERE,  s, Sqrt,       ONE,        EACH,  MEASURED(sSqrt))                 \
+    ROW(HERE,  s, InvSqrt,    ONE,        EACH,  MEASURED(sInvSqrt))              \
+    ROW(HERE,  s, Cbrt,       ONE,        EACH,  MEASURED(sCbrt))                 \
+    ROW(HERE,  s, InvCbrt,    ONE,        EACH,  MEASURED(sInvCbrt))              \
     ROW(HERE,  s, Exp,        ONE,        EACH,  COST(5.667, 6.42, 3.633))        \
     ROW(HERE,  s, Ln,         ONE,        EACH,  COST(6.823, 8.138, 4.498))       \
     ROW(HERE,  s, Log10,      ONE,        EACH,  MEASURED(sLog10))                \
     ROW(HERE,  s, Cos,        ONE,        EACH,  MEASURED(sCos))                  \
     ROW(HERE,  s, Sin,        ONE,        EACH,  COST(7.451, 13.009, 5.954))      \
     ROW(HERE,  s, Tan,        ONE,        LA_EP, MEASURED(sTan))                  \
+<<<<<<< HEAD
     ROW(LATER, s, Acos,       ONE,        EACH,  MEASURED(sAcos))                 \
     ROW(LATER, s, Acosh,      ONE,        LA_HA, MEASURED(sAcosh))                \
     ROW(LATER, s, Asin,       ONE,        EACH,  MEASURED(sAsin))                 \
@@ -77,6 +78,20 @@
     ROW(HERE,  s, Erf,        ONE,        EACH,  MEASURED(sErf))                  \
     ROW(HERE,  s, Erfc,       ONE,        EACH,  MEASURED(sErfc))                 \
     ROW(HERE,  s, ErfInv,     ONE,        EACH,  MEASURED(sErfInv))               \
+=======
+    ROW(HERE,  s, Acos,       ONE,        EACH,  MEASURED(sAcos))                 \
+    ROW(HERE,  s, Acosh,      ONE,        LA_HA, MEASURED(sAcosh))                \
+    ROW(HERE,  s, Asin,       ONE,        EACH,  MEASURED(sAsin))                 \
+    ROW(HERE,  s, Asinh,      ONE,        LA_HA, MEASURED(sAsinh))                \
+    ROW(HERE,  s, Atan,       ONE,        EACH,  MEASURED(sAtan))                 \
+    ROW(HERE,  s, Atanh,      ONE,        EACH,  MEASURED(sAtanh))                \
+    ROW(HERE,  s, Cosh,       ONE,        EACH,  MEASURED(sCosh))                 \
+    ROW(HERE,  s, Sinh,       ONE,        EACH,  MEASURED(sSinh))                 \
+    ROW(HERE,  s, Tanh,       ONE,        EACH,  MEASURED(sTanh))                 \
+    ROW(LATER, s, Erf,        ONE,        EACH,  MEASURED(sErf))                  \
+    ROW(LATER, s, Erfc,       ONE,        EACH,  MEASURED(sErfc))                 \
+    ROW(LATER, s, ErfInv,     ONE,        EACH,  MEASURED(sErfInv))               \
+>>>>>>> main
     ROW(HERE,  s, Sqr,        ONE,        ALL,   COST(0.37, 0.37, 0.37))          \
     ROW(HERE,  s, Expm1,      ONE,        ALL,   MEASURED(sExpm1))                \
     ROW(HERE,  s, Log1p,      ONE,        EACH,  MEASURED(sLog1p))                \
@@ -91,9 +106,9 @@
     ROW(HERE,  s, Sinpi,      ONE,        EACH,  MEASURED(sSinpi))                \
     ROW(HERE,  s, Cospi,      ONE,        EACH,  MEASURED(sCospi))                \
     ROW(HERE,  s, Tanpi,      ONE,        EACH,  MEASURED(sTanpi))                \
-    ROW(LATER, s, Acospi,     ONE,        EACH,  MEASURED(sAcospi))               \
-    ROW(LATER, s, Asinpi,     ONE,        EACH,  MEASURED(sAsinpi))               \
-    ROW(LATER, s, Atanpi,     ONE,        EACH,  MEASURED(sAtanpi))               \
+    ROW(HERE,  s, Acospi,     ONE,        EACH,  MEASURED(sAcospi))               \
+    ROW(HERE,  s, Asinpi,     ONE,        EACH,  MEASURED(sAsinpi))               \
+    ROW(HERE,  s, Atanpi,     ONE,        EACH,  MEASURED(sAtanpi))               \
     ROW(HERE,  s, Exp2,       ONE,        ALL,   MEASURED(sExp2))                 \
     ROW(HERE,  s, Exp10,      ONE,        ALL,   MEASURED(sExp10))                \
     ROW(HERE,  s, Log2,       ONE,        EACH,  MEASURED(sLog2))                 \
@@ -109,17 +124,18 @@
     ROW(HERE,  d, Round,      ONE,        ALL,   MEASURED(dRound))                \
     ROW(HERE,  d, Trunc,      ONE,        ALL,   MEASURED(dTrunc))                \
     ROW(HERE,  d, Abs,        ONE,        ALL,   MEASURED(dAbs))                  \
-    ROW(LATER, d, Inv,        ONE,        ALL,   MEASURED(dInv))                  \
-    ROW(LATER, d, Sqrt,       ONE,        ALL,   MEASURED(dSqrt))                 \
-    ROW(LATER, d, InvSqrt,    ONE,        LA_EP, MEASURED(dInvSqrt))              \
-    ROW(LATER, d, Cbrt,       ONE,        LA_EP, MEASURED(dCbrt))                 \
-    ROW(LATER, d, InvCbrt,    ONE,        ALL,   MEASURED(dInvCbrt))              \
+    ROW(HERE,  d, Inv,        ONE,        ALL,   MEASURED(dInv))                  \
+    ROW(HERE,  d, Sqrt,       ONE,        ALL,   MEASURED(dSqrt))                 \
+    ROW(HERE,  d, InvSqrt,    ONE,        LA_EP, MEASURED(dInvSqrt))              \
+    ROW(HERE,  d, Cbrt,       ONE,        LA_EP, MEASURED(dCbrt))                 \
+    ROW(HERE,  d, InvCbrt,    ONE,        ALL,   MEASURED(dInvCbrt))              \
     ROW(HERE,  d, Exp,        ONE,        EACH,  COST(11.07, 16.065, 8.56))       \
     ROW(HERE,  d, Ln,         ONE,        LA_HA, COST(18, 18, 11.07))             \
     ROW(HERE,  d, Log10,      ONE,        LA_EP, MEASURED(dLog10))                \
     ROW(HERE,  d, Cos,        ONE,        LA_HA, MEASURED(dCos))                  \
     ROW(HERE,  d, Sin,        ONE,        EACH,  COST(20.147, 21.88, 14.681))     \
     ROW(HERE,  d, Tan,        ONE,        EACH,  COST(23.031, 60.573, 20.467))    \
+<<<<<<< HEAD
     ROW(LATER, d, Acos,       ONE,        EACH,  MEASURED(dAcos))                 \
     ROW(LATER, d, Acosh,      ONE,        LA_EP, MEASURED(dAcosh))                \
     ROW(LATER, d, Asin,       ONE,        EACH,  MEASURED(dAsin))                 \
@@ -132,6 +148,20 @@
     ROW(HERE,  d, Erf,        ONE,        EACH,  MEASURED(dErf))                  \
     ROW(HERE,  d, Erfc,       ONE,        ALL,   MEASURED(dErfc))                 \
     ROW(HERE,  d, ErfInv,     ONE,        EACH,  MEASURED(dErfInv))               \
+=======
+    ROW(HERE,  d, Acos,       ONE,        EACH,  MEASURED(dAcos))                 \
+    ROW(HERE,  d, Acosh,      ONE,        LA_EP, MEASURED(dAcosh))                \
+    ROW(HERE,  d, Asin,       ONE,        EACH,  MEASURED(dAsin))                 \
+    ROW(HERE,  d, Asinh,      ONE,        LA_EP, MEASURED(dAsinh))                \
+    ROW(HERE,  d, Atan,       ONE,        LA_HA, MEASURED(dAtan))                 \
+    ROW(HERE,  d, Atanh,      ONE,        EACH,  MEASURED(dAtanh))                \
+    ROW(HERE,  d, Cosh,       ONE,        EACH,  MEASURED(dCosh))                 \
+    ROW(HERE,  d, Sinh,       ONE,        LA_EP, MEASURED(dSinh))                 \
+    ROW(HERE,  d, Tanh,       ONE,        LA_EP, MEASURED(dTanh))                 \
+    ROW(LATER, d, Erf,        ONE,        EACH,  MEASURED(dErf))                  \
+    ROW(LATER, d, Erfc,       ONE,        ALL,   MEASURED(dErfc))                 \
+    ROW(LATER, d, ErfInv,     ONE,        EACH,  MEASURED(dErfInv))               \
+>>>>>>> main
     ROW(HERE,  d, Sqr,        ONE,        ALL,   MEASURED(dSqr))                  \
     ROW(HERE,  d, Expm1,      ONE,        EACH,  MEASURED(dExpm1))                \
     ROW(HERE,  d, Log1p,      ONE,        EACH,  MEASURED(dLog1p))                \
@@ -146,9 +176,9 @@
     ROW(HERE,  d, Sinpi,      ONE,        EACH,  MEASURED(dSinpi))                \
     ROW(HERE,  d, Cospi,      ONE,        EACH,  MEASURED(dCospi))                \
     ROW(HERE,  d, Tanpi,      ONE,        EACH,  MEASURED(dTanpi))                \
-    ROW(LATER, d, Acospi,     ONE,        EACH,  MEASURED(dAcospi))               \
-    ROW(LATER, d, Asinpi,     ONE,        EACH,  MEASURED(dAsinpi))               \
-    ROW(LATER, d, Atanpi,     ONE,        EACH,  MEASURED(dAtanpi))               \
+    ROW(HERE,  d, Acospi,     ONE,        EACH,  MEASURED(dAcospi))               \
+    ROW(HERE,  d, Asinpi,     ONE,        EACH,  MEASURED(dAsinpi))               \
+    ROW(HERE,  d, Atanpi,     ONE,        EACH,  MEASURED(dAtanpi))               \
     ROW(HERE,  d, Exp2,       ONE,        ALL,   MEASURED(dExp2))                 \
     ROW(HERE,  d, Exp10,      ONE,        ALL,   MEASURED(dExp10))                \
     ROW(HERE,  d, Log2,       ONE,        EACH,  MEASURED(dLog2))                 \
@@ -196,42 +226,42 @@
     ROW(LATER, c, Arg,        TO_REAL,    EACH,  MEASURED(cArg))                  \
     ROW(LATER, z, Abs,        TO_REAL,    EACH,  MEASURED(zAbs))                  \
     ROW(LATER, z, Arg,        TO_REAL,    EACH,  MEASURED(zArg))                  \
-    ROW(LATER, s, Div,        TWO,        ALL,   MEASURED(sDiv))                  \
+    ROW(HERE,  s, Div,        TWO,        ALL,   MEASURED(sDiv))                  \
     ROW(HERE,  s, Pow,        TWO,        LA_HA, MEASURED(sPow))                  \
-    ROW(LATER, s, Atan2,      TWO,        EACH,  MEASURED(sAtan2))                \
-    ROW(LATER, s, Hypot,      TWO,        EACH,  MEASURED(sHypot))                \
+    ROW(HERE,  s, Atan2,      TWO,        EACH,  MEASURED(sAtan2))                \
+    ROW(HERE,  s, Hypot,      TWO,        EACH,  MEASURED(sHypot))                \
     ROW(HERE,  s, Add,        TWO,        ALL,   COST(0.89, 0.89, 0.89))          \
     ROW(HERE,  s, Sub,        TWO,        ALL,   MEASURED(sSub))                  \
     ROW(HERE,  s, Mul,        TWO,        ALL,   MEASURED(sMul))                  \
-    ROW(LATER, s, Atan2pi,    TWO,        EACH,  MEASURED(sAtan2pi))              \
-    ROW(LATER, s, CopySign,   TWO,        ALL,   MEASURED(sCopySign))             \
-    ROW(LATER, s, NextAfter,  TWO,        ALL,   MEASURED(sNextAfter))            \
-    ROW(LATER, s, Fdim,       TWO,        ALL,   MEASURED(sFdim))                 \
-    ROW(LATER, s, Fmax,       TWO,        ALL,   MEASURED(sFmax))                 \
-    ROW(LATER, s, Fmin,       TWO,        ALL,   MEASURED(sFmin))                 \
-    ROW(LATER, s, MaxMag,     TWO,        ALL,   MEASURED(sMaxMag))               \
-    ROW(LATER, s, MinMag,     TWO,        ALL,   MEASURED(sMinMag))               \
+    ROW(HERE,  s, Atan2pi,    TWO,        EACH,  MEASURED(sAtan2pi))              \
+    ROW(HERE,  s, CopySign,   TWO,        ALL,   MEASURED(sCopySign))             \
+    ROW(HERE,  s, NextAfter,  TWO,        ALL,   MEASURED(sNextAfter))            \
+    ROW(HERE,  s, Fdim,       TWO,        ALL,   MEASURED(sFdim))                 \
+    ROW(HERE,  s, Fmax,       TWO,        ALL,   MEASURED(sFmax))                 \
+    ROW(HERE,  s, Fmin,       TWO,        ALL,   MEASURED(sFmin))                 \
+    ROW(HERE,  s, MaxMag,     TWO,        ALL,   MEASURED(sMaxMag))               \
+    ROW(HERE,  s, MinMag,     TWO,        ALL,   MEASURED(sMinMag))               \
     ROW(HERE,  s, Powr,       TWO,        LA_HA, MEASURED(sPowr))                 \
-    ROW(LATER, s, Remainder,  TWO,        ALL,   MEASURED(sRemainder))            \
-    ROW(LATER, s, Fmod,       TWO,        ALL,   MEASURED(sFmod))                 \
-    ROW(LATER, d, Div,        TWO,        ALL,   MEASURED(dDiv))                  \
+    ROW(HERE,  s, Remainder,  TWO,        ALL,   MEASURED(sRemainder))            \
+    ROW(HERE,  s, Fmod,       TWO,        ALL,   MEASURED(sFmod))                 \
+    ROW(HERE,  d, Div,        TWO,        ALL,   MEASURED(dDiv))                  \
     ROW(HERE,  d, Pow,        TWO,        LA_HA, COST(53.66, 53.66, 29.628))      \
-    ROW(LATER, d, Atan2,      TWO,        EACH,  MEASURED(dAtan2))                \
-    ROW(LATER, d, Hypot,      TWO,        EACH,  MEASURED(dHypot))                \
+    ROW(HERE,  d, Atan2,      TWO,        EACH,  MEASURED(dAtan2))                \
+    ROW(HERE,  d, Hypot,      TWO,        EACH,  MEASURED(dHypot))                \
     ROW(HERE,  d, Add,        TWO,        ALL,   MEASURED(dAdd))                  \
     ROW(HERE,  d, Sub,        TWO,        ALL,   MEASURED(dSub))                  \
     ROW(HERE,  d, Mul,        TWO,        ALL,   MEASURED(dMul))                  \
-    ROW(LATER, d, Atan2pi,    TWO,        EACH,  MEASURED(dAtan2pi))              \
-    ROW(LATER, d, CopySign,   TWO,        ALL,   MEASURED(dCopySign))             \
-    ROW(LATER, d, NextAfter,  TWO,        ALL,   MEASURED(dNextAfter))            \
-    ROW(LATER, d, Fdim,       TWO,        ALL,   MEASURED(dFdim))                 \
-    ROW(LATER, d, Fmax,       TWO,        ALL,   MEASURED(dFmax))                 \
-    ROW(LATER, d, Fmin,       TWO,        ALL,   MEASURED(dFmin))                 \
-    ROW(LATER, d, MaxMag,     TWO,        ALL,   MEASURED(dMaxMag))               \
-    ROW(LATER, d, MinMag,     TWO,        ALL,   MEASURED(dMinMag))               \
+    ROW(HERE,  d, Atan2pi,    TWO,        EACH,  MEASURED(dAtan2pi))              \
+    ROW(HERE,  d, CopySign,   TWO,        ALL,   MEASURED(dCopySign))             \
+    ROW(HERE,  d, NextAfter,  TWO,        ALL,   MEASURED(dNextAfter))            \
+    ROW(HERE,  d, Fdim,       TWO,        ALL,   MEASURED(dFdim))                 \
+    ROW(HERE,  d, Fmax,       TWO,        ALL,   MEASURED(dFmax))                 \
+    ROW(HERE,  d, Fmin,       TWO,        ALL,   MEASURED(dFmin))                 \
+    ROW(HERE,  d, MaxMag,     TWO,        ALL,   MEASURED(dMaxMag))               \
+    ROW(HERE,  d, MinMag,     TWO,        ALL,   MEASURED(dMinMag))               \
     ROW(HERE,  d, Powr,       TWO,        EACH,  MEASURED(dPowr))                 \
-    ROW(LATER, d, Remainder,  TWO,        ALL,   MEASURED(dRemainder))            \
-    ROW(LATER, d, Fmod,       TWO,        ALL,   MEASURED(dFmod))                 \
+    ROW(HERE,  d, Remainder,  TWO,        ALL,   MEASURED(dRemainder))            \
+    ROW(HERE,  d, Fmod,       TWO,        ALL,   MEASURED(dFmod))                 \
     ROW(LATER, c, Div,        TWO,        LA_HA, MEASURED(cDiv))                  \
     ROW(LATER, c, Pow,        TWO,        ALL,   MEASURED(cPow))                  \
     ROW(LATER, c, Add,        TWO,        LA_HA, MEASURED(cAdd))                  \
@@ -249,11 +279,11 @@
     ROW(HERE,  s, Powx,       SCALAR,     EACH,  MEASURED(sPowx))                 \
     ROW(HERE,  d, Powx,       SCALAR,     EACH,  MEASURED(dPowx))                 \
     ROW(HERE,  s, SinCos,     TWO_OUT,    LA_EP, MEASURED(sSinCos))               \
-    ROW(LATER, s, Modf,       TWO_OUT,    ALL,   MEASURED(sModf))                 \
+    ROW(HERE,  s, Modf,       TWO_OUT,    ALL,   MEASURED(sModf))                 \
     ROW(HERE,  d, SinCos,     TWO_OUT,    LA_HA, MEASURED(dSinCos))               \
-    ROW(LATER, d, Modf,       TWO_OUT,    ALL,   MEASURED(dModf))                 \
-    ROW(LATER, s, LinearFrac, LINEAR,     ALL,   MEASURED(sLinearFrac))           \
-    ROW(LATER, d, LinearFrac, LINEAR,     ALL,   MEASURED(dLinearFrac))
+    ROW(HERE,  d, Modf,       TWO_OUT,    ALL,   MEASURED(dModf))                 \
+    ROW(HERE,  s, LinearFrac, LINEAR,     ALL,   MEASURED(sLinearFrac))           \
+    ROW(HERE,  d, LinearFrac, LINEAR,     ALL,   MEASURED(dLinearFrac))
 
 #define ORV_MOVE_ROWS(ROW) \
     ROW(LATER, s, PackI,      PACK_STRIDE, ALL,   COST(1111, 1111, 1111))   \

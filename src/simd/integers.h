@@ -80,6 +80,9 @@ inline __m128i subtract_32(__m128i a, __m128i b) { return _mm_sub_epi32(a, b); }
 // The low words of 64-bit lanes, unsigned, to whole 64-bit products.
 inline __m128i multiply_words(__m128i a, __m128i b) { return _mm_mul_epu32(a, b); }
 
+// a with the sign of b, zero where b is zero.
+inline __m128i times_sign_32(__m128i a, __m128i b) { return _mm_sign_epi32(a, b); }
+
 inline __m128i least_32(__m128i a, __m128i b) { return _mm_min_epi32(a, b); }
 inline __m128i greatest_32(__m128i a, __m128i b) { return _mm_max_epi32(a, b); }
 inline __m128i least_unsigned_32(__m128i a, __m128i b) { return _mm_min_epu32(a, b); }
@@ -100,6 +103,17 @@ inline __m128i interleave_high_32(__m128i a, __m128i b) { return _mm_unpackhi_ep
 // The even words of a, then those of b; and the odd ones.
 inline __m128i even_words(__m128i a, __m128i b) { return bits_of(even_lanes(floats(a), floats(b))); }
 inline __m128i odd_words(__m128i a, __m128i b) { return bits_of(odd_lanes(floats(a), floats(b))); }
+// The last three words of a, then the first of b.
+inline __m128i words_after_first(__m128i a, __m128i b) { return _mm_alignr_epi8(b, a, 4); }
+// All 128 bits by whole bytes.
+template <int Bytes>
+inline __m128i shift_left_bytes(__m128i x) {
+    return _mm_slli_si128(x, Bytes);
+}
+template <int Bytes>
+inline __m128i shift_right_bytes(__m128i x) {
+    return _mm_srli_si128(x, Bytes);
+}
 // Half of a, then half of b.
 inline __m128i low_halves(__m128i a, __m128i b) { return _mm_unpacklo_epi64(a, b); }
 inline __m128i high_halves(__m128i a, __m128i b) { return _mm_unpackhi_epi64(a, b); }

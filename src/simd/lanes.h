@@ -250,6 +250,10 @@ inline __m128d not_less_equal(__m128d a, __m128d b) { return _mm_cmpnle_pd(a, b)
 inline __m128 exceeds(__m128 a, __m128 last) { return floats(_mm_sub_epi32(bits_of(last), bits_of(a))); }
 inline __m128d exceeds(__m128d a, __m128d last) { return doubles(_mm_sub_epi64(bits_of(last), bits_of(a))); }
 
+// All ones in the lanes where either is a NaN; a quiet one raises nothing.
+inline __m128 unordered(__m128 a, __m128 b) { return _mm_cmpunord_ps(a, b); }
+inline __m128d unordered(__m128d a, __m128d b) { return _mm_cmpunord_pd(a, b); }
+
 // All ones in the lanes of infinities and NaNs, zero elsewhere.
 inline __m128 not_finite(__m128 x) {
     const __m128i exponent = _mm_set1_epi32(0x7F800000);

@@ -4,8 +4,7 @@
 //   ROW(mark, name, space, figures, members, width, state)
 //
 //   mark    HERE, or LATER while the generator is not written: such a row keeps its place and figures, and creation
-//           refuses its id. RING_i, RING_d and RING_s: an abstract generator of which only the kernels for the types
-//           that its ring does not hold are written. Marks only ever turn into HERE.
+//           refuses its id. Marks only ever turn into HERE.
 //   name    as in its id and its entries: BrngMCG59, __kuziBRngMCG59
 //   space   the generator's namespace in orv::brng
 //   figures stateBytes, seedCount, includesZero, wordBytes, bitCount
@@ -21,18 +20,18 @@
 // clang-format off
 #define ORV_BUILTIN_GENERATORS(ROW) \
     ROW(HERE,   MCG31M1,       mcg31m1,       FIGURES(   24,     1, 0,  4, 31), 1,    NONE,  TESTED)  \
-    ROW(LATER,  R250,          r250,          FIGURES( 1024,   252, 1,  4, 32), 1,    NONE,  TRUSTED) \
+    ROW(HERE,   R250,          r250,          FIGURES( 1024,   252, 1,  4, 32), 1,    NONE,  TESTED)  \
     ROW(HERE,   MRG32K3A,      mrg32k3a,      FIGURES(   40,     6, 1,  4, 32), 1,    NONE,  TESTED)  \
     ROW(HERE,   MCG59,         mcg59,         FIGURES(   32,     1, 0,  8, 59), 1,    UPPER, TESTED)  \
-    ROW(LATER,  WH,            wh,            FIGURES(   48,     4, 1, 16, 24), 273,  NONE,  TRUSTED) \
+    ROW(HERE,   WH,            wh,            FIGURES(   48,     4, 1, 16, 24), 273,  NONE,  TESTED)  \
     ROW(LATER,  Sobol,         sobol,         FIGURES(11712,  2604, 0,  4, 32), 1,    NONE,  TRUSTED) \
     ROW(LATER,  Niederr,       niederr,       FIGURES(84288, 10498, 0,  4, 32), 1,    NONE,  TRUSTED) \
-    ROW(LATER,  MT19937,       mt19937,       FIGURES( 2520,   625, 1,  4, 32), 1,    WORDS, TRUSTED) \
-    ROW(LATER,  MT2203,        mt2203,        FIGURES(  312,    70, 1,  4, 32), 6024, WORDS, TRUSTED) \
-    ROW(RING_i, iAbstract,     abstract,      FIGURES(   40,     0, 1,  4, 32), 1,    NONE,  TRUSTED) \
-    ROW(RING_d, dAbstract,     abstract,      FIGURES(   56,     0, 1,  4, 32), 1,    NONE,  TRUSTED) \
-    ROW(RING_s, sAbstract,     abstract,      FIGURES(   48,     0, 1,  4, 32), 1,    NONE,  TRUSTED) \
-    ROW(LATER,  SFMT19937,     sfmt19937,     FIGURES( 2536,   625, 1,  4, 32), 1,    WORDS, TRUSTED) \
+    ROW(HERE,   MT19937,       mt19937,       FIGURES( 2520,   625, 1,  4, 32), 1,    WORDS, TESTED)  \
+    ROW(HERE,   MT2203,        mt2203,        FIGURES(  312,    70, 1,  4, 32), 6024, WORDS, TESTED)  \
+    ROW(HERE,   iAbstract,     abstract,      FIGURES(   40,     0, 1,  4, 32), 1,    NONE,  TESTED)  \
+    ROW(HERE,   dAbstract,     abstract,      FIGURES(   56,     0, 1,  4, 32), 1,    NONE,  TESTED)  \
+    ROW(HERE,   sAbstract,     abstract,      FIGURES(   48,     0, 1,  4, 32), 1,    NONE,  TESTED)  \
+    ROW(HERE,   SFMT19937,     sfmt19937,     FIGURES( 2536,   625, 1,  4, 32), 1,    WORDS, TESTED)  \
     ROW(HERE,   TRNG,          trng,          FIGURES(   24,     1, 0,  4, 32), 1,    WORDS, TRUSTED) \
     ROW(HERE,   ARS5,          ars5,          FIGURES(   72,     8, 1,  4, 32), 1,    WORDS, TESTED)  \
     ROW(HERE,   PHILOX4X32X10, philox4x32x10, FIGURES(   64,     8, 1,  4, 32), 1,    WORDS, TESTED )

@@ -13,9 +13,6 @@ constexpr int32_t small_row_limit = 281;
 // What a row's mark makes of the four functions.
 #define ORV_FUNCTIONS_HERE(name) __kuzBRng##name##InitStream, __kuzsBRng##name, __kuzdBRng##name, __kuziBRng##name
 #define ORV_FUNCTIONS_LATER(name) nullptr, nullptr, nullptr, nullptr
-#define ORV_FUNCTIONS_RING_i(name) nullptr, __kuzsBRng##name, __kuzdBRng##name, nullptr
-#define ORV_FUNCTIONS_RING_d(name) nullptr, __kuzsBRng##name, nullptr, __kuziBRng##name
-#define ORV_FUNCTIONS_RING_s(name) nullptr, nullptr, __kuzdBRng##name, __kuziBRng##name
 
 // Both tables hold copies of these.
 #define FIGURES(...) __VA_ARGS__

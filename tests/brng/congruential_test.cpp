@@ -84,15 +84,6 @@ const struct {
 constexpr int32_t lengths[] = {1,  2,  3,   4,   5,   7,   11,  12,  13,  16,   31,   32,   33,
                                63, 64, 127, 128, 129, 145, 511, 512, 640, 2047, 2048, 2049, 5000};
 
-template <class Element>
-struct Guarded {
-    // One element off a 16-byte boundary, with a sentinel on both sides.
-    explicit Guarded(int32_t n) : all(static_cast<size_t>(n) + 2, Element(99)) {}
-    Element* data() { return all.data() + 1; }
-    bool sentinels_stand() const { return all.front() == Element(99) && all.back() == Element(99); }
-    std::vector<Element> all;
-};
-
 TEST(Congruential, KernelsWalkThePlainRecurrence) {
     for (const auto& start : starts) {
         OwnedStream words(start.id, start.seed), doubles(start.id, start.seed), floats(start.id, start.seed);

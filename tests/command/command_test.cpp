@@ -5,6 +5,8 @@
 #include <cmath>
 #include <cstdio>
 #include <sstream>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -54,11 +56,52 @@ TEST_F(Command, InfoTellsTheMode) {
         set(c.value);
         const Outcome outcome = orv("info");
         EXPECT_EQ(outcome.status, 0);
-        EXPECT_EQ(outcome.out.substr(0, 23), "tier         6 (SSE4.1)");
+        EXPECT_EQ(outcome.out.substr(0, 42), "version      0.1.0\ntier         6 (SSE4.1)");
         EXPECT_NE(outcome.out.find(c.shown), std::string::npos) << outcome.out;
         EXPECT_NE(outcome.out.find("\nAbs          s d"), std::string::npos) << outcome.out;
     }
     set("");
+}
+
+TEST_F(Command, MissingAndNanAreCounted) {
+    put("a.csv", "x,y\n1,2\n,3\n3,NA\n-4,4\nnan,6\n");
+    Outcome outcome = orv("math Abs --column x --na skip a.csv");
+    EXPECT_EQ(outcome.out, "x,Abs\n1,1\n3,3\n-4,4\nnan,nan\n");
+    EXPECT_EQ(outcome.err, "orv: a.csv: 1 of 5 rows skipped for missing values\n");
+    outcome = orv("stats --csv --na skip a.csv");
+    EXPECT_NE(outcome.out.find("\nx,3,nan,nan,nan,nan,-4,1\ny,3,4,2,0,"), std::string::npos) << outcome.out;
+    EXPECT_EQ(outcome.err,
+              "orv: a.csv: 2 of 5 rows skipped for missing values\n"
+              "orv: column x: 1 of 3 values are nan, and so is what they enter\n");
+    EXPECT_EQ(orv("stats a.csv").err, "orv: a.csv:3: column x: missing value\n");
+}
+
+TEST_F(Command, BenchMeasures) {
+    const Outcome outcome = orv("bench Exp --type d --n 1e2 --csv");
+    double la = 0, ha = 0, ep = 0;
+    ASSERT_EQ(std::sscanf(outcome.out.c_str(), "function,type,LA,HA,EP Exp,d,%lf,%lf,%lf", &la, &ha, &ep), 3)
+        << outcome.out << outcome.err;
+    EXPECT_GT(std::min({la, ha, ep}), 0.05);
+}
+
+// The pages are well formed, and name what --help does.
+TEST_F(Command, PagesAndCompletion) {
+    std::filesystem::create_directory("pages");
+    ASSERT_EQ(orv("--write-pages pages").status, 0);
+    for (const auto& [page, parts] : {std::pair<const char*, std::vector<const char*>>{"orv.1", {"math", "stats"}},
+                                      {"orv-math.1", {"accuracy", "append", "decimal"}},
+                                      {"orv-draw-uniform.1", {"leapfrog", "10 if not given"}}}) {
+        const std::string text = get(("pages/" + std::string(page)).c_str());
+        EXPECT_EQ(text.substr(0, 4), ".TH ") << page;
+        for (const char* part : parts) EXPECT_NE(text.find(part), std::string::npos) << page << part;
+    }
+#ifndef _WIN32
+    const std::string complete =
+        "bash -c '. pages/orv; COMP_WORDS=(orv draw uni); COMP_CWORD=2; _orv; echo ${COMPREPLY[@]}; "
+        "COMP_WORDS=(orv stats --js); _orv; echo ${COMPREPLY[@]}' >said 2>&1";
+    EXPECT_EQ(std::system(complete.c_str()), 0);
+    EXPECT_EQ(get("said"), "uniform\n--json\n");
+#endif
 }
 
 TEST_F(Command, AccuracyMeasures) {

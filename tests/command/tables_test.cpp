@@ -28,6 +28,16 @@ TEST_F(Command, Prints) {
         {"math Abs", "\xEF\xBB\xBFx\r\n\r\n-1\r\n  -2  \r\n\n\"-3\"", "x,Abs\n-1,1\n-2,2\n-3,3\n"},
         {"math Abs", "", ""},
         {"math Abs", "x\n", "x,Abs\n"},
+        {"math Abs --sep \";\" --decimal , --column a", "a;b\n-1,5;x\n1e3;y\n", "a;Abs\n-1,5;1,5\n1000;1000\n"},
+        {"math Abs --sep tab --column 2", "-1\t-2\n\t-3\n", "-2\t2\n-3\t3\n"},
+        {"math Abs --sep space --column 2", "-1 -2\n", "-2 2\n"},
+        {"math Abs --header", "1\n-2\n", "1,Abs\n-2,2\n"},
+        {"math Abs --no-header --column 2", "x,-1\n", "-1,1\n"},
+        {"math Abs --comment \"#\"", "# a table\nx\n#-1\n-2\n\"-3\"\n#", "x,Abs\n-2,2\n-3,3\n"},
+        {"math Abs --comment \"#\" --column 2", "\"a\n#b\",-1\n", "-1,1\n"},
+        {"math Abs --append --column b", "a,b,\"c,d\"\n\"x,y\",-01.50,\n", "a,b,\"c,d\",Abs\n\"x,y\",-01.50,,1.5\n"},
+        {"math SinCos --append", "0\n", "0,0,1\n"},
+        {"--version", "", "orv 0.1.0\n"},
 
         {"fit --x t --y v --spline linear --sites 3", parabola, "t,v\n0,0\n3,9\n6,36\n"},
         {"fit --x t --y v --spline hermite --internal w --bc second:2,2 --sites at.csv --derivatives 2", parabola,
@@ -43,7 +53,7 @@ TEST_F(Command, Prints) {
         {"draw bits --brng MCG59 --seed 1 --n 1 --skip 1 --width 32", "", "2256595\n"},
         {"draw uniform --brng mrg32k3a --seed 12345,12345,12345,12345,12345,12345 --n 2 --type s", "",
          "0.12701112\n0.31852758\n"},
-        {"draw uniform --type i --from 5 --to 6 --n 3", "", "5\n5\n5\n"},
+        {"draw uniform --type i --from 5 --to 6 --n 0.3e1", "", "5\n5\n5\n"},
         {"draw uniform --type i --from -1 --to 1 --n 1000 --histogram --bins 1 --seed 7", "",
          "          -1         1000 ##################################################\n"},
 
@@ -54,6 +64,13 @@ TEST_F(Command, Prints) {
          "\"y,1\",5,2,2,0,-2.2,0,4\n\n"
          "covariance,x,\"y,1\"\nx,1,2\n\"y,1\",2,4\n\n"
          "correlation,x,\"y,1\"\nx,1,1\n\"y,1\",1,1\n"},
+        {"stats --json", "x,\"y \\\"\"1\"\n2,nan\n0,0\n2,4\n0,0\n1,2\n",
+         "{\"rows\": 5,\n \"columns\": [\n"
+         "  {\"name\": \"x\", \"nan\": 0, \"mean\": 1, \"standard deviation\": 1, \"skewness\": 0, \"kurtosis\": -2.2, "
+         "\"minimum\": 0, \"maximum\": 2},\n"
+         "  {\"name\": \"y \\\\\\\"1\", \"nan\": 1, \"mean\": null, \"standard deviation\": null, \"skewness\": null, "
+         "\"kurtosis\": null, \"minimum\": 0, \"maximum\": 4}],\n"
+         " \"covariance\": [[1, null], [null, null]],\n \"correlation\": [[1, null], [null, null]]}\n"},
         {"stats --columns 3,1", "a,b,c\n1,-,5\n2,-,7\n",
          "column  count  mean  standard deviation  skewness  kurtosis  minimum  maximum\n"
          "c           2     6         1.414213562         0     -2.75        5        7\n"
@@ -75,7 +92,9 @@ TEST_F(Command, Refuses) {
         const char *arguments, *input, *message;  // the message from its start on
     } cases[] = {
         {"", "", ""},
-        {"nothing", "", ""},
+        {"nothing", "", "no subcommand nothing; there are accuracy, bench"},
+        {"stast", "", "no subcommand stast; did you mean stats? There are accuracy, bench"},
+        {"draw unifrom", "", "no draw of unifrom; did you mean uniform? There are uniform, bits"},
         {"info more", "", ""},
         {"math", "", ""},
         {"math Abs --type x", "", ""},
@@ -96,8 +115,15 @@ TEST_F(Command, Refuses) {
         {"math Add", "a,b\n1,2\n\n3\n", "<stdin>:4: 1 fields where the rows above have 2\n"},
         {"math Abs --column b", "\"a\nb\",b\n1,x\n", "<stdin>:3: column b: 'x' is not a number\n"},
         {"math Abs", "x\n\"1\n2\n", "<stdin>:4: broken quoting\n"},
-        {"math Nothing", "1\n", "no function Nothing of type d; `orv info` lists what is here\n"},
-        {"math Conj", "1\n", "no function Conj of type d; `orv info` lists what is here\n"},
+        {"math Sine", "1\n", "no function of type d, Sine; did you mean Sin? There are Abs, "},
+        {"math Conj", "1\n", "no function of type d, Conj; "},
+        {"math Abs --column hight", "height,width\n1,2\n",
+         "<stdin>:1: no column hight; did you mean height? There are height, width\n"},
+        {"math Abs --sep tab --decimal ,", "1\n1.5\n", "<stdin>:2: column 1: '1.5' is not a number\n"},
+        {"math Abs --decimal ,", "1\n", "--decimal: the sign stands between fields too; choose another --sep\n"},
+        {"math Abs --sep ab", "", "--sep: 'ab' is not one letter, nor tab nor space\n"},
+        {"math Abs --na drop", "", "--na: 'drop' is neither skip nor refuse\n"},
+        {"math Abs --header --no-header", "", ""},
 
         {"fit --x t --y v", "t,v\n0,1\n1,2\n1,3\n", "<stdin>:4: abscissa 1 is repeated\n"},
         {"fit --x t --y v", "t,v\n0,1\n2,2\n\n1,3\n",
@@ -110,18 +136,23 @@ TEST_F(Command, Refuses) {
          "natural: periodic ends, but the first and the last value differ, status -1018\n"},
         {"fit --x t --y v --bc first", parabola, "--bc: first takes two values, as in first:0,0\n"},
         {"fit --x t --y v --bc first:1", parabola, "--bc: 1 is not two numbers with a comma between them\n"},
-        {"fit --x t --y v --bc knot", parabola, "--bc: knot is none of the ends; see orv fit --help\n"},
+        {"fit --x t --y v --bc knot", parabola, "--bc: no kind of ends knot; there are none, not-a-knot"},
         {"fit --x t --y v --spline bessel --bc none", parabola,
          "bessel: this spline does not take these ends, status -1014\n"},
         {"fit --x t --y v --spline default", parabola,
          "the default spline takes its interior second derivatives from --internal\n"},
-        {"fit --x t --y v --spline wavy", parabola, "--spline: no spline wavy; see orv fit --help\n"},
-        {"fit --x t --y v --sites 0", parabola, "--sites: a count from 1 to 10000000, or a file\n"},
+        {"fit --x t --y v --spline wavy", parabola, "--spline: no spline wavy; there are linear, quadratic"},
+        {"fit --x t --y v --derivatives 4", parabola, "--derivatives: '4' is not a whole number from 0 to 3\n"},
+        {"fit --x t --y v --sites 0", parabola, "--sites: a whole number from 1 to 10,000,000, or a file\n"},
         {"fit --x t --y v --integrate 1", parabola, "--integrate: 1 is not two numbers with a comma between them\n"},
 
         {"draw uniform --brng MT", "", "no generator MT; there are"},
         {"draw uniform --brng MCG59:1", "", "MCG59:1: no such generator in this build\n"},
         {"draw uniform --brng MCG59:x", "", "'x' is not a member of MCG59\n"},
+        {"draw uniform --brng MRG32KA", "", "no generator MRG32KA; did you mean MRG32K3A? There are"},
+        {"draw uniform --n 0", "", "--n: '0' is not a whole number from 1 to 9,007,199,254,740,992\n"},
+        {"draw uniform --n 1.5", "", "--n: '1.5' is not a whole number from 1 to"},
+        {"draw uniform --bins 1e5", "", "--bins: '1e5' is not a whole number from 1 to 10,000\n"},
         {"draw uniform --from 1 --to 1", "", "--from must be below --to"},
         {"draw uniform --from nan", "", "--from must be below --to"},
         {"draw uniform --type i --to 0.5", "", "--from and --to must be 32-bit integers"},
@@ -143,8 +174,8 @@ TEST_F(Command, Refuses) {
         {"stats", "x,y\n", "<stdin>: no rows of numbers\n"},
         {"stats", "", "<stdin>: no rows of numbers\n"},
 
-        {"accuracy Nonsense", "", "no function Nonsense of type d"},
-        {"accuracy Exp --type c", "", "no function Exp of type c"},
+        {"accuracy Nonsense", "", "no function of type d, Nonsense; "},
+        {"accuracy Exp --type c", "", "no function of type c, Exp; "},
         {"accuracy Exp --range 1 1", "", "the range is empty\n"},
 
         // A place that cannot be written to is found before the work: here the input is not there either.

@@ -132,6 +132,34 @@ TYPED_TEST(FitSearch, MethodsFollowTheConvention) {
     }
 }
 
+// Breaks and their count may be edited while the bucket table is still that of others: the cells found may then be wrong, but
+// they are cells, and nothing beyond the breaks is read.
+TYPED_TEST(FitSearch, AStaleBucketTableLeadsToNoCellThatIsNone) {
+    using T = TypeParam;
+    std::vector<T> crowded(40, T(1));
+    for (size_t i = 0; i < 39; ++i) crowded[i] = i == 0 ? T(0) : T(0.07) + T(0.001) * static_cast<T>(i);
+    for (const T width : {T(0.125), T(100)}) {
+        std::vector<T> few(9), x;
+        for (size_t i = 0; i < few.size(); ++i) few[i] = width * static_cast<T>(i);
+        for (size_t i = 0; i < 100; ++i) x.push_back(few.back() * static_cast<T>(i) / 99);
+        DFTask* task = nullptr;
+        ASSERT_EQ(
+            NewTask1D(T{}, &task, int64_t{40}, crowded.data(), int64_t{0}, int64_t{0}, nullptr, int64_t{0}, int32_t{0}),
+            0);
+        EditPtr(T{}, task, int64_t{ORV_DF_BREAKS}, few.data());
+        orv_df_kernel_iEditVal(task, ORV_DF_BREAK_COUNT, 9);
+        std::vector<int32_t> cells(100);
+        for (const int64_t block : {10, 100}) {
+            for (int64_t i = 0; i < 100; i += block)
+                ASSERT_EQ(DFSearch1D(T{}, task, int64_t{0}, block, &x[static_cast<size_t>(i)], int64_t{0}, nullptr,
+                                     static_cast<void*>(&cells[static_cast<size_t>(i)]), nullptr, nullptr, nullptr),
+                          0);
+            for (const int32_t cell : cells) EXPECT_TRUE(cell >= 0 && cell <= 9) << cell;
+        }
+        orv_df_kernel_DeleteTask(&task);
+    }
+}
+
 TYPED_TEST(FitSearch, LargeSearchesAreDividedOverThreads) {
     using T = TypeParam;
     const std::vector<T> b = breaks<T>(300);

@@ -208,8 +208,8 @@ TYPED_TEST(FitTaskEdits, AnyOrderIsSafeAndKeepsThePointers) {
     for (size_t i = 0; i < data.size(); ++i) data[i] = static_cast<T>(i) / 8 - 1;
     // A second partition, of no break more than is ever asked for, for which the first one's bucket table is wrong.
     std::vector<T> other_breaks(40);
-    for (size_t i = 0; i < 40; ++i) other_breaks[i] = static_cast<T>(i * i) / 80 - 9;
-    for (T& site : sites) site *= 12;
+    for (size_t i = 0; i < 40; ++i) other_breaks[i] = i < 39 ? T(0.001) * static_cast<T>(i) : T(1);
+    for (T& site : sites) site *= 2;
     for (unsigned seed = 0; seed < 400; ++seed) {
         std::mt19937 random(seed);
         const auto one_of = [&](auto... choices) {
@@ -280,16 +280,23 @@ TYPED_TEST(FitTaskEdits, AnyOrderIsSafeAndKeepsThePointers) {
                     construct_of<T>(spline)(task, nullptr, nullptr, 0, nullptr);
                     int64_t wide[50] = {};
                     int32_t narrow[50] = {};
-                    const int64_t count = one_of(3, 50);
+                    void* const cells = task->wideInts ? static_cast<void*>(wide) : narrow;
+                    const int64_t count = one_of(3, 50), hint = one_of(0, 0x40);
+                    const auto expect_cells = [&] {
+                        for (int64_t i = 0; i < count; ++i)
+                            ASSERT_LE(task->wideInts ? wide[i] : narrow[i], task->breakCount);
+                    };
                     Evaluation<T>{.task = task,
                                   .count = count,
                                   .sites = sites.data(),
                                   .results = results.data(),
                                   .type = one_of(1, 4, 5),
-                                  .hint = one_of(0, 0x40),
-                                  .cells = task->wideInts ? static_cast<void*>(wide) : narrow}();
-                    for (int64_t i = 0; i < count; ++i)
-                        ASSERT_LE(task->wideInts ? wide[i] : narrow[i], task->breakCount);
+                                  .hint = hint,
+                                  .cells = cells}();
+                    expect_cells();
+                    DFSearch1D(T{}, task, int64_t{0}, count, sites.data(), hint, nullptr, cells, nullptr, nullptr,
+                               nullptr);
+                    expect_cells();
                     DFIntegrate1D(T{}, task, int64_t{0}, count, sites.data(), int64_t{0}, data.data(), int64_t{0},
                                   nullptr, results.data(), int64_t{0}, nullptr);
                     break;

@@ -150,7 +150,9 @@ unsigned may_raise(const Row& row, const Components& arguments, const Components
     if (is_complex(row.type) ? all_nan(arguments) : any_nan(arguments)) return none;
     unsigned flags = none;
     if (any_nan(results)) flags |= invalid;
-    if (any_infinite(results) && !any_infinite(arguments)) flags |= divide | overflow;
+    // An infinite second argument of NextAfter is but a direction.
+    const Components operands = row.function() == "NextAfter" ? Components{arguments[0]} : arguments;
+    if (any_infinite(results) && !any_infinite(operands)) flags |= divide | overflow;
     return flags & can_raise(row);
 }
 

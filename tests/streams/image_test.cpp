@@ -68,7 +68,9 @@ TEST_F(Images, TheFormatByteByByte) {
 }
 
 TEST_F(Images, LoadedStreamsGoOnWithTheSameNumbers) {
-    for (const int32_t id : present) {
+    std::vector<int32_t> all(std::begin(present), std::end(present));
+    all.insert(all.end(), std::begin(without_skip), std::end(without_skip));
+    for (const int32_t id : all) {
         OwnedStream stream(id, {2024});
         draw(stream, 333);
         __kuzAddChunk(stream, 1, nullptr, copy_of("one"), 3);
@@ -212,6 +214,25 @@ TEST_F(Images, StatesThatCannotBe) {
         {BrngMRG32K3A, 8, {4294967086}, true},
         {BrngMRG32K3A, 12, {4294944443}, false},
         {BrngMRG32K3A, 20, {4294944442}, true},
+        {BrngMT19937, 2496, {624}, true},
+        {BrngMT19937, 2496, {625}, false},
+        {BrngMT19937, 2496, {0xFFFFFFFF}, false},
+        {BrngMT2203 + 6023, 276, {0}, true},
+        {BrngMT2203 + 6023, 276, {70}, false},
+        {BrngSFMT19937, 2496, {620, 0, 0, 0, 1, 3}, true},
+        {BrngSFMT19937, 2496, {622}, false},
+        {BrngSFMT19937, 2496, {628}, false},
+        {BrngSFMT19937, 2496, {0, 0, 0, 0, 2, 1}, false},
+        {BrngSFMT19937, 2496, {0, 0, 0, 0, 0, 4}, false},
+        {BrngSFMT19937, 2496, {0, 0, 0, 0, 0xFFFFFFFF, 3}, false},
+        {BrngR250, 1000, {249, 102}, true},
+        {BrngR250, 1000, {250, 103}, false},
+        {BrngR250, 1000, {0, 104}, false},
+        {1, 1000, {0xFFFFFFFF, 102}, false},
+        {BrngWH, 0, {16770646, 1, 1, 1}, true},
+        {BrngWH, 0, {16770647, 1, 1, 1}, false},
+        {4, 12, {0}, false},
+        {BrngWH + 272, 16, {0}, false},
     };
     for (const auto& c : cases) {
         OwnedStream stream(c.id, {5});

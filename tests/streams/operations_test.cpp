@@ -74,6 +74,11 @@ TEST(Jumps, WhatAGeneratorCannotDo) {
         {BrngMRG32K3A, BrngStatusNoLeapfrog, StatusOk, StatusOk},
         {BrngARS5, BrngStatusNoLeapfrog, StatusOk, StatusOk},
         {BrngPHILOX4X32X10, BrngStatusNoLeapfrog, StatusOk, StatusOk},
+        {BrngWH + 9, StatusOk, StatusOk, BrngStatusNoSkipAheadEx},
+        {BrngMT19937, BrngStatusNoLeapfrog, StatusOk, BrngStatusNoSkipAheadEx},
+        {BrngSFMT19937, BrngStatusNoLeapfrog, StatusOk, BrngStatusNoSkipAheadEx},
+        {BrngMT2203 + 9, BrngStatusNoLeapfrog, BrngStatusNoSkipAhead, BrngStatusNoSkipAheadEx},
+        {BrngR250, BrngStatusNoLeapfrog, BrngStatusNoSkipAhead, BrngStatusNoSkipAheadEx},
     };
     for (const auto& c : cases) {
         OwnedStream stream(c.id, {7}), twin(c.id, {7});

@@ -104,14 +104,13 @@ TEST(Registry, IdsResolve) {
 
 // The generators of the registry that this build does not have. The list may only become shorter.
 TEST(Registry, MissingGeneratorsAreRefused) {
-    const std::vector<std::string> missing = {
-        "R250", "WH", "Sobol", "Niederr", "MT19937", "MT2203", "iAbstract", "dAbstract", "sAbstract", "SFMT19937",
-    };
+    const std::vector<std::string> missing = {"Sobol", "Niederr"};
     std::vector<std::string> found;
     for (const Row& row : builtin)
         if (!__RegBrngsNew[(row.id >> 20) - 1].initStream) found.push_back(row.name);
     EXPECT_EQ(found, missing);
     for (const Row& row : builtin) {
+        if (row.seedCount == 0) continue;  // abstract ones have creators of their own
         Stream* stream = nullptr;
         const uint32_t seed = 1;
         const int32_t status = __kuzNewStreamEx(&stream, row.id, 1, &seed);

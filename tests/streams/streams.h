@@ -42,6 +42,18 @@ inline std::vector<uint64_t> draw(Stream* stream, int32_t n) {
     return words;
 }
 
-inline constexpr int32_t present[] = {BrngMCG31M1, BrngMCG59, BrngMRG32K3A, BrngPHILOX4X32X10};
+// An array for outputs, one element off a 16-byte boundary, with a sentinel on both sides.
+template <class Element>
+struct Guarded {
+    explicit Guarded(int32_t n) : all(static_cast<size_t>(n) + 2, Element(99)) {}
+    Element* data() { return all.data() + 1; }
+    bool sentinels_stand() const { return all.front() == Element(99) && all.back() == Element(99); }
+    std::vector<Element> all;
+};
+
+// Generators that can skip ahead, and those that cannot.
+inline constexpr int32_t present[] = {BrngMCG31M1, BrngMCG59,   BrngMRG32K3A, BrngPHILOX4X32X10,
+                                      BrngWH + 3,  BrngMT19937, BrngSFMT19937};
+inline constexpr int32_t without_skip[] = {BrngR250, BrngMT2203 + 17};
 
 }  // namespace orv::test

@@ -19,6 +19,24 @@
     CARD(Add, "a + b", "As IEC 60559 addition.", "", "IEC 60559") \
     CARD(Sub, "a - b", "As IEC 60559 subtraction.", "", "IEC 60559") \
     CARD(Mul, "a * b", "As IEC 60559 multiplication.", "", "IEC 60559") \
+    CARD(Inv, "1 / a", "Zeros give an infinity of their sign, reported as singularity; an overflow an infinity, reported as such; infinities give zeros.", "", "IEC 60559 division") \
+    CARD(Sqrt, "the square root of a", "Negative values give a NaN, reported as domain; zeros and plus infinity come back.", "", "IEC 60559 squareRoot") \
+    CARD(InvSqrt, "1 / sqrt(a)", "Zeros give an infinity of their sign, reported as singularity; negative values a NaN, reported as domain; plus infinity gives +0.", "", "IEC 60559 rSqrt") \
+    CARD(Cbrt, "the cube root of a", "Zeros and infinities come back.", "", "W. J. Cody and W. Waite, Software Manual for the Elementary Functions, 1980, with a table in place of the rational approximation") \
+    CARD(InvCbrt, "1 / cbrt(a)", "Zeros give an infinity of their sign, reported as singularity; infinities give zeros.", "", "W. J. Cody and W. Waite, Software Manual for the Elementary Functions, 1980, with a table in place of the rational approximation") \
+    CARD(Div, "a / b", "A finite number other than zero over zero gives an infinity, reported as singularity; 0/0 and infinity/infinity a NaN, reported as domain; overflow and underflow are not reported.", "", "IEC 60559 division") \
+    CARD(Hypot, "the square root of a * a + b * b", "An infinity gives plus infinity, also beside a NaN; an overflow gives infinity, reported as such. Nothing in between overflows.", "", "IEC 60559 hypot") \
+    CARD(Remainder, "a - n b with n the integer nearest to a / b, ties to even", "b of zero or an infinite a give a NaN, reported as domain; an infinite b gives a; a zero has the sign of a. Denormals are numbers in every mode.", "", "IEC 60559 remainder") \
+    CARD(Fmod, "a - n b with n the integer part of a / b", "b of zero or an infinite a give a NaN, reported as domain; an infinite b gives a; a zero has the sign of a. Denormals are numbers in every mode.", "", "C99 7.12.10.1") \
+    CARD(Fdim, "a - b where a is larger, +0 elsewhere", "An overflow gives infinity, reported as such.", "", "C99 7.12.12.1") \
+    CARD(Fmax, "the larger of a and b", "Of one NaN the other argument; -0 counts below +0.", "", "IEC 60559-2008 maxNum") \
+    CARD(Fmin, "the smaller of a and b", "Of one NaN the other argument; -0 counts below +0.", "", "IEC 60559-2008 minNum") \
+    CARD(MaxMag, "the argument of the larger magnitude", "Of equal magnitudes as Fmax; of one NaN the other argument.", "", "IEC 60559-2008 maxNumMag") \
+    CARD(MinMag, "the argument of the smaller magnitude", "Of equal magnitudes as Fmin; of one NaN the other argument.", "", "IEC 60559-2008 minNumMag") \
+    CARD(CopySign, "the magnitude of a with the sign of b", "Of every argument, NaNs too; no flag is raised. Denormals are numbers in every mode.", "", "IEC 60559 copySign") \
+    CARD(NextAfter, "the number next to a in the direction of b", "b where they are equal; past the largest number an infinity, reported as overflow; a subnormal or zero is reported as underflow. Denormals are numbers in every mode.", "", "C99 7.12.11.3") \
+    CARD(Modf, "the integral part of a, and z[i] the fraction", "Both have the sign of a; an infinity gives itself and a zero.", "", "C99 7.12.6.12") \
+    CARD(LinearFrac, "(scalea * a + shifta) / (scaleb * b + shiftb)", "Each operation is rounded once. A denominator of zero as in Div; a NaN that no argument brings is reported as domain; scaleb of 0 with shiftb of 1 takes no division.", "Of the operations one by one.", "IEC 60559") \
     CARD(Exp, "e to the power a", "Above 709.78 (s: 88.72) infinity, reported as overflow; below -708.40 (s: -87.34) a subnormal or zero, reported as underflow; minus infinity gives +0.", "", "P. T. P. Tang, Table-driven implementation of the exponential function, ACM TOMS 15 (1989)") \
     CARD(Ln, "the natural logarithm of a", "Zero gives minus infinity, reported as singularity; negative values a NaN, reported as domain; plus infinity comes back.", "", "P. T. P. Tang, Table-driven implementation of the logarithm function, ACM TOMS 16 (1990)") \
     CARD(Sin, "the sine of a", "An infinity gives a NaN and status 1, a NaN a quiet NaN; zeros come back.", "", "Payne and Hanek, Radian Reduction for Trigonometric Functions, 1983") \
@@ -43,6 +61,20 @@
     CARD(Powx, "a to the power b, b being one number for all elements", "As Pow.", "", "As Pow") \
     CARD(Pow2o3, "the square of the cube root of a", "Zeros give +0, infinities infinity; a may be negative.", "", "A table of accurate values, after S. Gal, ACM TOMS 17 (1991)") \
     CARD(Pow3o2, "the cube of the square root of a", "A negative a is a NaN, reported as domain; -0 gives +0. Beyond 2^682.67 (s: 2^85.33) infinity, reported as overflow; below 2^-681.33 (s: 2^-84) a subnormal or zero, reported as underflow.", "", "The root corrected by its residue") \
+    CARD(Acos, "the arc cosine of a, in radians", "Beyond 1 in magnitude a NaN, reported as domain; 1 gives +0.", "", "Half-angle reduction, after W. J. Cody and W. Waite, Software Manual for the Elementary Functions, 1980") \
+    CARD(Acospi, "the arc cosine of a in multiples of pi", "Beyond 1 in magnitude a NaN, reported as domain; 1 gives +0, -1 gives 1.", "", "IEC 60559 acosPi") \
+    CARD(Asin, "the arc sine of a, in radians", "Beyond 1 in magnitude a NaN, reported as domain; zeros come back.", "", "Half-angle reduction, after W. J. Cody and W. Waite, Software Manual for the Elementary Functions, 1980") \
+    CARD(Asinpi, "the arc sine of a in multiples of pi", "Beyond 1 in magnitude a NaN, reported as domain; zeros come back; subnormal results are rounded once and not reported.", "", "IEC 60559 asinPi") \
+    CARD(Atan, "the arc tangent of a, in radians", "Infinities give pi/2 with their sign, zeros come back.", "", "P. T. P. Tang, Table-lookup algorithms for elementary functions, ARITH 10 (1991)") \
+    CARD(Atanpi, "the arc tangent of a in multiples of pi", "Infinities give 1/2 with their sign, zeros come back; subnormal results are rounded once and not reported.", "", "IEC 60559 atanPi") \
+    CARD(Atan2, "the angle of the point (b, a), in radians, from -pi to pi", "Zeros and infinities as C99 has them; a quotient below the normal range is rounded once and not reported.", "", "P. T. P. Tang, Table-lookup algorithms for elementary functions, ARITH 10 (1991)") \
+    CARD(Atan2pi, "the angle of the point (b, a) in multiples of pi, from -1 to 1", "Zeros and infinities as C99 has them for the angle in radians, exact fractions here; subnormal results are rounded once and not reported.", "", "IEC 60559 atan2Pi") \
+    CARD(Cosh, "the hyperbolic cosine of a", "Above 710.47 (s: 89.41) in magnitude infinity, reported as overflow; infinities give infinity.", "", "P. T. P. Tang, Table-driven implementation of the expm1 function, ACM TOMS 18 (1992)") \
+    CARD(Sinh, "the hyperbolic sine of a", "Above 710.47 (s: 89.41) in magnitude an infinity, reported as overflow; infinities and zeros come back.", "", "P. T. P. Tang, Table-driven implementation of the expm1 function, ACM TOMS 18 (1992)") \
+    CARD(Tanh, "the hyperbolic tangent of a", "Infinities give 1 with their sign, zeros come back.", "", "P. T. P. Tang, Table-lookup algorithms for elementary functions, ARITH 10 (1991)") \
+    CARD(Acosh, "the inverse hyperbolic cosine of a", "Below 1 a NaN, reported as domain; 1 gives +0, plus infinity comes back.", "", "ln(a + sqrt(a^2 - 1)) in two parts") \
+    CARD(Asinh, "the inverse hyperbolic sine of a", "Infinities and zeros come back.", "", "ln(a + sqrt(a^2 + 1)) in two parts") \
+    CARD(Atanh, "the inverse hyperbolic tangent of a", "Beyond 1 in magnitude a NaN, reported as domain; 1 and -1 give infinities, reported as singularity; zeros come back.", "", "ln((1 + a) / (1 - a)) / 2 in two parts") \
     CARD(Erf, "the error function", "Infinities give 1 of their sign; zeros come back.", "Keeps its relative accuracy next to zero; from 5.93 on 1.", "A table of erf and its derivative, with Taylor's series between") \
     CARD(Erfc, "the complementary error function: 1 - erf(a)", "Infinity gives +0, minus infinity 2. Above 26.54 (s: 9.19) a subnormal or zero, reported as underflow.", "Keeps its relative accuracy far out.", "e^(-a^2) times an expansion of e^(a^2) erfc(a)") \
     CARD(CdfNorm, "the cumulative normal distribution function", "Infinity gives 1, minus infinity +0. Below -37.52 (s: -12.98) a subnormal or zero, reported as underflow.", "Keeps its relative accuracy in the lower tail.", "As Erfc") \

@@ -57,6 +57,8 @@ int main(int argc, char** argv) {
     }
     const tablegen::Output output{argv[1]};
     tablegen::exp_log_tables(output);
+    tablegen::roots_tables(output);
+    tablegen::inverse_tables(output);
     tablegen::power_tables(output);
     tablegen::special_tables(output);
     tablegen::trig_tables(output);

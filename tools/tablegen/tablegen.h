@@ -120,6 +120,8 @@ struct Table {
 };
 
 void exp_log_tables(const Output& output);
+void roots_tables(const Output& output);
+void inverse_tables(const Output& output);
 void power_tables(const Output& output);
 void special_tables(const Output& output);
 void trig_tables(const Output& output);

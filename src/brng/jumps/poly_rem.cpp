@@ -1,7 +1,8 @@
 // x^n modulo a polynomial P over GF(2), by squaring. A polynomial is a string of bits, bit i the coefficient of x^i.
 // Squaring spreads the bits to the even positions. Reduction goes down byte by byte over what stands at and above the
 // degree: the byte b at degree + 8 j is replaced by (b x^degree mod P) x^(8 j), whose first factor comes from a table of
-// all 256, so the work does not depend on how many terms P has.
+// all 256, so the work does not depend on how many terms P has. Where P has few, 64 bits at a time are added once for each
+// term instead.
 #include "services/export.h"
 #include "services/services.h"
 
@@ -16,10 +17,14 @@ namespace {
 
 constexpr int32_t work_alignment = 128;
 constexpr size_t vector_bytes = 16;
+// More terms cost more than the rows of a table.
+constexpr int32_t few_terms = 512;
 
-// The work area: the polynomial in hand, twice as long as a reduced one, and the 256 rows of the table.
+// The work area: the polynomial in hand, twice as long as a reduced one, and the 256 rows of the table if there is one.
 struct Work {
     uint32_t degree;
+    int32_t term_count;
+    const int32_t* terms;
     size_t words;      // of a reduced polynomial
     size_t row_bytes;  // room for a polynomial of the degree, in whole vectors
     uint8_t* r;
@@ -54,10 +59,10 @@ void shift_left(uint8_t* to, const uint8_t* from, size_t bytes) {
 
 // Row b is b x^degree mod P. Row 1 is P without its leading term; doubling is a shift, with the leading term folded back
 // where it comes up.
-void fill_rows(const Work& work, int32_t term_count, const int32_t* terms) {
+void fill_rows(const Work& work) {
     memset(work.rows, 0, 2 * work.row_bytes);
     uint8_t* const low = row(work, 1);
-    for (int32_t k = 0; k + 1 < term_count; ++k) flip(low, static_cast<uint32_t>(terms[k]));
+    for (int32_t k = 0; k + 1 < work.term_count; ++k) flip(low, static_cast<uint32_t>(work.terms[k]));
     for (uint32_t b = 2; b < 256; b += 2) {
         const uint8_t* half = row(work, b / 2);
         uint8_t* even = row(work, b);
@@ -72,7 +77,7 @@ void fill_rows(const Work& work, int32_t term_count, const int32_t* terms) {
     }
 }
 
-void reduce(const Work& work) {
+void reduce_by_rows(const Work& work) {
     const size_t first = work.degree / 8;
     const unsigned shift = work.degree % 8;
     for (size_t at = 8 * work.words; at-- > first;) {
@@ -83,6 +88,45 @@ void reduce(const Work& work) {
         work.r[at + 1] = static_cast<uint8_t>(work.r[at + 1] & ~((1u << shift) - 1));
         work.r[at] = static_cast<uint8_t>(work.r[at] & ((1u << shift) - 1));
     }
+}
+
+// With 64 zeros below the leading term, the 64 bits that are taken out do not come back among themselves.
+bool has_few_terms(const Work& work) {
+    return work.term_count >= 2 && work.term_count <= few_terms &&
+           work.degree - static_cast<uint32_t>(work.terms[work.term_count - 2]) >= 64;
+}
+
+void reduce_by_terms(const Work& work) {
+    const uint32_t first = work.degree / 64, shift = work.degree % 64;
+    for (uint32_t at = static_cast<uint32_t>(work.words); at-- > first;) {
+        uint64_t bits, kept = 0;
+        memcpy(&bits, work.r + 8 * at, sizeof bits);
+        uint32_t base = 64 * at - work.degree;  // where the terms of x^degree times the bits begin
+        if (at == first) {
+            kept = bits & ((uint64_t{1} << shift) - 1);
+            bits >>= shift;
+            base = 0;
+        }
+        memcpy(work.r + 8 * at, &kept, sizeof kept);
+        if (bits == 0) continue;
+        __m128i shifted[8];
+        for (unsigned k = 0; k < 8; ++k) {
+            const uint64_t both[2] = {bits << k, k == 0 ? 0 : bits >> (64 - k)};
+            shifted[k] = simd::load(both);
+        }
+        for (int32_t k = 0; k + 1 < work.term_count; ++k) {
+            const uint32_t place = base + static_cast<uint32_t>(work.terms[k]);
+            uint8_t* to = work.r + place / 8;
+            simd::store(to, simd::bit_xor(simd::load(to), shifted[place % 8]));
+        }
+    }
+}
+
+void reduce(const Work& work) {
+    if (work.rows)
+        reduce_by_rows(work);
+    else
+        reduce_by_terms(work);
 }
 
 // Bits of a 16-bit half to the even positions of a word.
@@ -114,12 +158,21 @@ ORV_API int32_t __kuzPolyRem(int64_t n, int64_t degree, int32_t term_count, cons
         out[exponent / 32] = uint32_t{1} << exponent % 32;
         return StatusOk;
     }
-    Work work = {static_cast<uint32_t>(degree), static_cast<size_t>(words),
-                 whole_vectors(static_cast<size_t>(degree) / 8 + 1), nullptr, nullptr};
-    work.r = static_cast<uint8_t*>(orv_serv_allocate(r_bytes(work) + 256 * work.row_bytes, work_alignment));
+    Work work = {static_cast<uint32_t>(degree),
+                 term_count,
+                 terms,
+                 static_cast<size_t>(words),
+                 whole_vectors(static_cast<size_t>(degree) / 8 + 1),
+                 nullptr,
+                 nullptr};
+    const bool by_rows = !has_few_terms(work);
+    work.r =
+        static_cast<uint8_t*>(orv_serv_allocate(r_bytes(work) + (by_rows ? 256 * work.row_bytes : 0), work_alignment));
     if (!work.r) return StatusNoMemory;
-    work.rows = work.r + r_bytes(work);
-    fill_rows(work, term_count, terms);
+    if (by_rows) {
+        work.rows = work.r + r_bytes(work);
+        fill_rows(work);
+    }
     memset(work.r, 0, r_bytes(work));
     work.r[0] = 2;
     reduce(work);  // x itself is reduced by a polynomial of degree 1 alone

@@ -71,9 +71,9 @@ struct Log2Pair {
     __m128d high, low;  // the upper 26 bits, the rest
 };
 
-// log2 a for a positive normal a.
-template <const PowDBlock& K>
-inline Log2Pair log2_pair(__m128d a) {
+// log2(a + b) for a positive normal a and a b of half an ulp of it at the most, or none, which is given times 2^-exponent(a).
+template <const PowDBlock& K, class... Rest>
+inline Log2Pair log2_pair(__m128d a, Rest... b) {
     const __m128i bits = simd::bits_of(a);
     const __m128i m_bits = _mm_or_si128(_mm_and_si128(bits, K.fraction), K.exponent_0);
     const __m128i row = _mm_and_si128(_mm_add_epi64(m_bits, K.half_row), K.row_bits);
@@ -90,7 +90,7 @@ inline Log2Pair log2_pair(__m128d a) {
     const __m128d m = simd::doubles(m_bits), m_high = simd::doubles(_mm_and_si128(m_bits, K.split));
 
     const __m128d u = rcp * m;
-    const __m128d v = (m_high * rcp - u) + (m - m_high) * rcp;
+    const __m128d v = (((m_high * rcp - u) + (m - m_high) * rcp) + ... + (b * rcp));
     const __m128d w = u - K.leading;
     const __m128d t = k + log_high;
     const __m128d z = w + v, z_lost = (w - z) + v;

@@ -1,0 +1,31 @@
+// Blocks of words in a jump: a ring that begins at an index, where the length stands for 0.
+#pragma once
+
+#include <stdint.h>
+#include <string.h>
+
+namespace orv::brng::ring {
+
+// to ^= from, each from its own first word on.
+template <int32_t Words>
+void add(uint32_t* to, int32_t to_first, const uint32_t* from, int32_t from_first) {
+    int32_t i = to_first % Words, j = from_first % Words;
+    for (int32_t left = Words; left > 0;) {
+        const int32_t before_end = Words - (i > j ? i : j);
+        const int32_t run = left < before_end ? left : before_end;
+        for (int32_t k = 0; k < run; ++k) to[i + k] ^= from[j + k];
+        i = i + run == Words ? 0 : i + run;
+        j = j + run == Words ? 0 : j + run;
+        left -= run;
+    }
+}
+
+// The ring from its first word on.
+template <int32_t Words>
+void unroll(uint32_t* to, const uint32_t* from, int32_t first) {
+    const int32_t i = first % Words;
+    memcpy(to, from + i, static_cast<size_t>(Words - i) * sizeof *to);
+    memcpy(to + (Words - i), from, static_cast<size_t>(i) * sizeof *to);
+}
+
+}  // namespace orv::brng::ring

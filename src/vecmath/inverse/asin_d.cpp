@@ -1,0 +1,97 @@
+// dAsin, dAcos, dAsinpi and dAcospi from the parts of asin_d.h: in radians, or in multiples of pi by 1/pi in two parts.
+#include "vecmath/inverse/asin_d.h"
+
+#include "frame/kernel_loops.h"
+
+#include <math.h>
+
+namespace {
+
+using namespace orv;
+using vecmath::AngleUnit;
+using vecmath::AsinForm;
+using vecmath::half_turns;
+using vecmath::radians;
+
+constexpr const vecmath::AsinBlock& K = vecmath::asin_block;
+
+inline __m128d outside(__m128d x) {
+    return simd::doubles(_mm_cmpgt_epi32(_mm_and_si128(simd::bits_of(x), K.magnitude), K.last));
+}
+
+// What the two functions do beyond their vector paths.
+template <class At>
+int32_t at_ends(double x, double* y, At at) {
+    if (vecmath::is_nan(x)) {
+        *y = vecmath::quiet(x);
+        return frame::status_ok;
+    }
+    if (std::fabs(x) > 1) {
+        *y = vecmath::invalid<double>();
+        return frame::status_domain;
+    }
+    *y = at(x);
+    return frame::status_ok;
+}
+
+template <const AngleUnit& U, AsinForm Form>
+struct Asin : frame::OneInput<double, 4, frame::Tail::masked> {
+    static __m128d doubt(__m128d x) {
+        if constexpr (!U.pi) return outside(x);
+        const __m128i high = _mm_and_si128(simd::bits_of(x), K.magnitude);
+        const __m128d tiny = simd::doubles(_mm_cmpgt_epi32(K.products_from, high));
+        return simd::bit_or(outside(x), simd::bit_and_not(simd::equal(x, _mm_setzero_pd()), tiny));
+    }
+    static __m128d lanes(__m128d x) { return vecmath::asin_lanes<U, Form>(x); }
+    static int32_t scalar(const double* at, double* y) {
+        return at_ends(*at, y, [](double x) {
+            if (std::fabs(x) == 1)
+                return std::copysign(double{U.quarter_high} + vecmath::at_run_time(double{U.quarter_low}), x);
+            int exponent;
+            __m128d high = simd::splat(4 * std::frexp(x, &exponent)), low = _mm_setzero_pd();
+            vecmath::scale_angle<U, AsinForm::exact>(high, low);
+            return std::copysign(vecmath::scaled_sum(std::fabs(_mm_cvtsd_f64(high)),
+                                                     std::copysign(1.0, x) * _mm_cvtsd_f64(low), exponent - 2),
+                                 x);
+        });
+    }
+};
+
+template <const AngleUnit& U, AsinForm Form>
+struct Acos : frame::OneInput<double, 4, frame::Tail::masked> {
+    static __m128d doubt(__m128d x) { return outside(x); }
+    static __m128d lanes(__m128d x) { return vecmath::acos_lanes<U, Form>(x); }
+    static int32_t scalar(const double* at, double* y) {
+        return at_ends(*at, y, [](double x) {
+            return x > 0 ? 0.0 : 2 * double{U.quarter_high} + vecmath::at_run_time(2 * double{U.quarter_low});
+        });
+    }
+};
+
+using AsinLa = Asin<radians, AsinForm::plain>;
+using AsinHa = Asin<radians, AsinForm::exact>;
+using AsinEp = Asin<radians, AsinForm::rough>;
+using AcosLa = Acos<radians, AsinForm::plain>;
+using AcosHa = Acos<radians, AsinForm::exact>;
+using AcosEp = Acos<radians, AsinForm::rough>;
+using AsinpiLa = Asin<half_turns, AsinForm::plain>;
+using AsinpiHa = Asin<half_turns, AsinForm::exact>;
+using AsinpiEp = Asin<half_turns, AsinForm::rough>;
+using AcospiLa = Acos<half_turns, AsinForm::plain>;
+using AcospiHa = Acos<half_turns, AsinForm::exact>;
+using AcospiEp = Acos<half_turns, AsinForm::rough>;
+
+}  // namespace
+
+ORV_ONE_INPUT(dAsin, la, AsinLa)
+ORV_ONE_INPUT(dAsin, ha, AsinHa)
+ORV_ONE_INPUT(dAsin, ep, AsinEp)
+ORV_ONE_INPUT(dAcos, la, AcosLa)
+ORV_ONE_INPUT(dAcos, ha, AcosHa)
+ORV_ONE_INPUT(dAcos, ep, AcosEp)
+ORV_ONE_INPUT(dAsinpi, la, AsinpiLa)
+ORV_ONE_INPUT(dAsinpi, ha, AsinpiHa)
+ORV_ONE_INPUT(dAsinpi, ep, AsinpiEp)
+ORV_ONE_INPUT(dAcospi, la, AcospiLa)
+ORV_ONE_INPUT(dAcospi, ha, AcospiHa)
+ORV_ONE_INPUT(dAcospi, ep, AcospiEp)

@@ -1,0 +1,63 @@
+// dAtan and dAtanpi, by rows (atan_d.h). "EP" leaves out the low parts and takes a shorter polynomial.
+#include "vecmath/inverse/atan_d.h"
+
+#include "frame/kernel_loops.h"
+
+#include <math.h>
+
+namespace {
+
+using namespace orv;
+using vecmath::atan_half_turns;
+using vecmath::atan_radians;
+using vecmath::AtanBlock;
+
+// x / pi for x next to the subnormals, rounded once.
+double tiny_over_pi(double x) {
+    constexpr const AtanBlock& K = atan_half_turns;
+    int exponent;
+    const double m = 4 * std::frexp(x, &exponent);
+    const double high = std::bit_cast<double>(std::bit_cast<uint64_t>(m) & K.upper.lanes[0]);
+    const double minor = (m - high) * double{K.inv_pi_high} + m * double{K.inv_pi_low};
+    return vecmath::scaled_sum(high * double{K.inv_pi_high}, minor, exponent - 2);
+}
+
+template <const AtanBlock& K, bool Short>
+struct Atan : frame::OneInput<double, 4, frame::Tail::masked> {
+    static __m128d doubt(__m128d x) {
+        const __m128i high = _mm_and_si128(simd::bits_of(x), K.magnitude);
+        __m128d doubt = simd::doubles(_mm_cmpgt_epi32(high, K.greatest));
+        if constexpr (K.in_pi) {
+            const __m128d tiny = simd::doubles(_mm_cmpgt_epi32(K.products_from, high));
+            doubt = simd::bit_or(doubt, simd::bit_and_not(simd::equal(x, _mm_setzero_pd()), tiny));
+        }
+        return doubt;
+    }
+
+    static __m128d lanes(__m128d x) { return vecmath::atan_lanes<K, Short>(x); }
+
+    static int32_t scalar(const double* at, double* y) {
+        const double x = *at;
+        const double* last = K.rows[vecmath::atan_last_row];
+        if (vecmath::is_nan(x))
+            *y = vecmath::quiet(x);
+        else if (vecmath::is_finite(x))
+            *y = std::copysign(tiny_over_pi(std::fabs(x)), x);
+        else
+            *y = std::copysign(last[1] + vecmath::at_run_time(last[2]), x);
+        return frame::status_ok;
+    }
+};
+
+using AtanHa = Atan<atan_radians, false>;
+using AtanEp = Atan<atan_radians, true>;
+using AtanpiHa = Atan<atan_half_turns, false>;
+using AtanpiEp = Atan<atan_half_turns, true>;
+
+}  // namespace
+
+ORV_ONE_INPUT(dAtan, la, AtanHa)
+ORV_ONE_INPUT(dAtan, ep, AtanEp)
+ORV_ONE_INPUT(dAtanpi, la, AtanpiHa)
+ORV_ONE_INPUT(dAtanpi, ha, AtanpiHa)
+ORV_ONE_INPUT(dAtanpi, ep, AtanpiEp)
