@@ -65,20 +65,6 @@
     ROW(HERE,  s, Cos,        ONE,        EACH,  MEASURED(sCos))                  \
     ROW(HERE,  s, Sin,        ONE,        EACH,  COST(7.451, 13.009, 5.954))      \
     ROW(HERE,  s, Tan,        ONE,        LA_EP, MEASURED(sTan))                  \
-<<<<<<< HEAD
-    ROW(LATER, s, Acos,       ONE,        EACH,  MEASURED(sAcos))                 \
-    ROW(LATER, s, Acosh,      ONE,        LA_HA, MEASURED(sAcosh))                \
-    ROW(LATER, s, Asin,       ONE,        EACH,  MEASURED(sAsin))                 \
-    ROW(LATER, s, Asinh,      ONE,        LA_HA, MEASURED(sAsinh))                \
-    ROW(LATER, s, Atan,       ONE,        EACH,  MEASURED(sAtan))                 \
-    ROW(LATER, s, Atanh,      ONE,        EACH,  MEASURED(sAtanh))                \
-    ROW(LATER, s, Cosh,       ONE,        EACH,  MEASURED(sCosh))                 \
-    ROW(LATER, s, Sinh,       ONE,        EACH,  MEASURED(sSinh))                 \
-    ROW(LATER, s, Tanh,       ONE,        EACH,  MEASURED(sTanh))                 \
-    ROW(HERE,  s, Erf,        ONE,        EACH,  MEASURED(sErf))                  \
-    ROW(HERE,  s, Erfc,       ONE,        EACH,  MEASURED(sErfc))                 \
-    ROW(HERE,  s, ErfInv,     ONE,        EACH,  MEASURED(sErfInv))               \
-=======
     ROW(HERE,  s, Acos,       ONE,        EACH,  MEASURED(sAcos))                 \
     ROW(HERE,  s, Acosh,      ONE,        LA_HA, MEASURED(sAcosh))                \
     ROW(HERE,  s, Asin,       ONE,        EACH,  MEASURED(sAsin))                 \
@@ -88,10 +74,9 @@
     ROW(HERE,  s, Cosh,       ONE,        EACH,  MEASURED(sCosh))                 \
     ROW(HERE,  s, Sinh,       ONE,        EACH,  MEASURED(sSinh))                 \
     ROW(HERE,  s, Tanh,       ONE,        EACH,  MEASURED(sTanh))                 \
-    ROW(LATER, s, Erf,        ONE,        EACH,  MEASURED(sErf))                  \
-    ROW(LATER, s, Erfc,       ONE,        EACH,  MEASURED(sErfc))                 \
-    ROW(LATER, s, ErfInv,     ONE,        EACH,  MEASURED(sErfInv))               \
->>>>>>> main
+    ROW(HERE,  s, Erf,        ONE,        EACH,  MEASURED(sErf))                  \
+    ROW(HERE,  s, Erfc,       ONE,        EACH,  MEASURED(sErfc))                 \
+    ROW(HERE,  s, ErfInv,     ONE,        EACH,  MEASURED(sErfInv))               \
     ROW(HERE,  s, Sqr,        ONE,        ALL,   COST(0.37, 0.37, 0.37))          \
     ROW(HERE,  s, Expm1,      ONE,        ALL,   MEASURED(sExpm1))                \
     ROW(HERE,  s, Log1p,      ONE,        EACH,  MEASURED(sLog1p))                \
@@ -135,20 +120,6 @@
     ROW(HERE,  d, Cos,        ONE,        LA_HA, MEASURED(dCos))                  \
     ROW(HERE,  d, Sin,        ONE,        EACH,  COST(20.147, 21.88, 14.681))     \
     ROW(HERE,  d, Tan,        ONE,        EACH,  COST(23.031, 60.573, 20.467))    \
-<<<<<<< HEAD
-    ROW(LATER, d, Acos,       ONE,        EACH,  MEASURED(dAcos))                 \
-    ROW(LATER, d, Acosh,      ONE,        LA_EP, MEASURED(dAcosh))                \
-    ROW(LATER, d, Asin,       ONE,        EACH,  MEASURED(dAsin))                 \
-    ROW(LATER, d, Asinh,      ONE,        LA_EP, MEASURED(dAsinh))                \
-    ROW(LATER, d, Atan,       ONE,        LA_HA, MEASURED(dAtan))                 \
-    ROW(LATER, d, Atanh,      ONE,        EACH,  MEASURED(dAtanh))                \
-    ROW(LATER, d, Cosh,       ONE,        EACH,  MEASURED(dCosh))                 \
-    ROW(LATER, d, Sinh,       ONE,        LA_EP, MEASURED(dSinh))                 \
-    ROW(LATER, d, Tanh,       ONE,        LA_EP, MEASURED(dTanh))                 \
-    ROW(HERE,  d, Erf,        ONE,        EACH,  MEASURED(dErf))                  \
-    ROW(HERE,  d, Erfc,       ONE,        ALL,   MEASURED(dErfc))                 \
-    ROW(HERE,  d, ErfInv,     ONE,        EACH,  MEASURED(dErfInv))               \
-=======
     ROW(HERE,  d, Acos,       ONE,        EACH,  MEASURED(dAcos))                 \
     ROW(HERE,  d, Acosh,      ONE,        LA_EP, MEASURED(dAcosh))                \
     ROW(HERE,  d, Asin,       ONE,        EACH,  MEASURED(dAsin))                 \
@@ -158,10 +129,9 @@
     ROW(HERE,  d, Cosh,       ONE,        EACH,  MEASURED(dCosh))                 \
     ROW(HERE,  d, Sinh,       ONE,        LA_EP, MEASURED(dSinh))                 \
     ROW(HERE,  d, Tanh,       ONE,        LA_EP, MEASURED(dTanh))                 \
-    ROW(LATER, d, Erf,        ONE,        EACH,  MEASURED(dErf))                  \
-    ROW(LATER, d, Erfc,       ONE,        ALL,   MEASURED(dErfc))                 \
-    ROW(LATER, d, ErfInv,     ONE,        EACH,  MEASURED(dErfInv))               \
->>>>>>> main
+    ROW(HERE,  d, Erf,        ONE,        EACH,  MEASURED(dErf))                  \
+    ROW(HERE,  d, Erfc,       ONE,        ALL,   MEASURED(dErfc))                 \
+    ROW(HERE,  d, ErfInv,     ONE,        EACH,  MEASURED(dErfInv))               \
     ROW(HERE,  d, Sqr,        ONE,        ALL,   MEASURED(dSqr))                  \
     ROW(HERE,  d, Expm1,      ONE,        EACH,  MEASURED(dExpm1))                \
     ROW(HERE,  d, Log1p,      ONE,        EACH,  MEASURED(dLog1p))                \
