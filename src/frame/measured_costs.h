@@ -108,14 +108,14 @@
 #define ORV_COST_dErfInv 14.5, 14.5, 9.6
 #define ORV_COST_dErfcInv 17.6, 17.6, 14
 #define ORV_COST_dCdfNormInv 18.4, 18.4, 10.8
-#define ORV_COST_sErf 8, 8, 7
-#define ORV_COST_dErf 14, 18, 10
-#define ORV_COST_sErfc 16, 16, 14
-#define ORV_COST_dErfc 28, 28, 28
-#define ORV_COST_sCdfNorm 16, 16, 14
-#define ORV_COST_dCdfNorm 28, 28, 18
-#define ORV_COST_sExpInt1 14, 14, 12
-#define ORV_COST_dExpInt1 26, 26, 16
+#define ORV_COST_sErf 6.76, 7.2, 5.62
+#define ORV_COST_dErf 11.5, 16.5, 8.19
+#define ORV_COST_sErfc 14, 14, 12.9
+#define ORV_COST_dErfc 25.3, 29.7, 29.8
+#define ORV_COST_sCdfNorm 19.6, 19.5, 16.5
+#define ORV_COST_dCdfNorm 30.2, 30.8, 20.6
+#define ORV_COST_sExpInt1 14.6, 14.7, 12.1
+#define ORV_COST_dExpInt1 18, 18, 10.3
 
 #define ORV_COST_dAtan 20, 20, 16
 #define ORV_COST_dAtanpi 24, 24, 16
