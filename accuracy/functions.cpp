@@ -10,9 +10,6 @@ const std::vector<Family>& families() {
         {"Powers", power_functions()},
         {"Inverse trigonometric functions", inverse_functions()},
         {"Hyperbolic functions", hyperbolic_functions()},
-        {"Rounding and arithmetic", basic_functions()},
-        {"Exponentials and logarithms", exp_log_functions()},
-        {"Powers", power_functions()},
         {"Error functions, gamma functions, exponential integral", special_functions()},
         {"Sines, cosines, tangents", trig_functions()},
     };

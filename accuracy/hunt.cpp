@@ -31,21 +31,28 @@ struct Interval {
     int64_t low, high;
 };
 
+uint64_t width(const Interval& interval) {
+    return static_cast<uint64_t>(interval.high) - static_cast<uint64_t>(interval.low);
+}
+
+// `by` numbers on from `from`, or the last finite one.
 template <class T>
-int64_t limited(int64_t i) {
+int64_t moved(int64_t from, int64_t by) {
     const int64_t largest = order(std::numeric_limits<T>::max());
-    return std::clamp(i, -largest, largest);
+    from = std::clamp(from, -largest, largest);
+    if (by > 0) return from > largest - by ? largest : from + by;
+    return from < -largest - by ? -largest : from + by;
 }
 
 template <class T>
 void add_distances(std::vector<Interval>& list, double point) {
     for (const double signed_point : {point, -point}) {
         const int64_t at = order(static_cast<T>(signed_point));
-        list.push_back({limited<T>(at - 2), limited<T>(at + 2)});
+        list.push_back({moved<T>(at, -2), moved<T>(at, 2)});
         for (int k = 1; k <= std::numeric_limits<T>::digits + 1; ++k) {
             const int64_t near = int64_t{1} << k, far = 2 * near - 1;
-            list.push_back({limited<T>(at + near), limited<T>(at + far)});
-            list.push_back({limited<T>(at - far), limited<T>(at - near)});
+            list.push_back({moved<T>(at, near), moved<T>(at, far)});
+            list.push_back({moved<T>(at, -far), moved<T>(at, -near)});
         }
     }
 }
@@ -67,8 +74,8 @@ std::vector<Interval> strata_of(const Function& function, const std::vector<Rang
         const int cells = cells_in_all / static_cast<int>(ranges.size());
         const double width = (range.high - range.low) / cells;
         for (int i = 0; i < cells; ++i)
-            list.push_back({limited<T>(order(static_cast<T>(range.low + i * width))),
-                            limited<T>(order(static_cast<T>(range.low + (i + 1) * width)))});
+            list.push_back({moved<T>(order(static_cast<T>(range.low + i * width)), 0),
+                            moved<T>(order(static_cast<T>(range.low + (i + 1) * width)), 0)});
     }
     for (const double point : {0.0, 1.0}) add_distances<T>(list, point);
     for (const double point : function.points) add_distances<T>(list, point);
@@ -117,7 +124,7 @@ std::vector<Stratum<T>> strata_of(const Kernel& kernel, std::mt19937_64& random)
             Stratum<T> stratum{};
             for (int c = 0; c < kernel.inputs; ++c) {
                 const int64_t at = order(static_cast<T>(arguments[i + c]));
-                stratum.sides[c] = {limited<T>(at - 1), limited<T>(at + 1)};
+                stratum.sides[c] = {moved<T>(at, -1), moved<T>(at, 1)};
             }
             list.push_back(stratum);
         }
@@ -127,8 +134,7 @@ std::vector<Stratum<T>> strata_of(const Kernel& kernel, std::mt19937_64& random)
 
 template <class T>
 T random_in(const Interval& interval, std::mt19937_64& random) {
-    return number<T>(interval.low +
-                     static_cast<int64_t>(random() % static_cast<uint64_t>(interval.high - interval.low + 1)));
+    return number<T>(static_cast<int64_t>(static_cast<uint64_t>(interval.low) + random() % (width(interval) + 1)));
 }
 
 // Runs the kernel over arguments and keeps the worst of all, and of each stratum that an argument belongs to.
@@ -215,8 +221,8 @@ std::vector<Stratum<T>> narrowed(const std::vector<Stratum<T>>& strata, int inpu
             Stratum<T> narrow = stratum;
             for (int c = 0; c < inputs; ++c) {
                 Interval& side = narrow.sides[c];
-                const int64_t at = order(stratum.at[kind][c]), reach = (side.high - side.low) / 32 + 1;
-                side = {std::max(side.low, at - reach), std::min(side.high, at + reach)};
+                const int64_t at = order(stratum.at[kind][c]), reach = static_cast<int64_t>(width(side) / 32) + 1;
+                side = {std::max(side.low, moved<T>(at, -reach)), std::min(side.high, moved<T>(at, reach))};
             }
             narrow.worst[1 - kind] = 0;
             list.push_back(narrow);
@@ -240,9 +246,9 @@ void climb(Hunter<T>& hunter, const std::vector<Stratum<T>>& strata, int kind, i
                     // One component in two stays where it is.
                     const Interval& side = climber.sides[c];
                     const int64_t at = order(climber.at[kind][c]);
-                    const int64_t reach = std::min(int64_t{1} << step, (side.high - side.low) / 4 + 1);
+                    const int64_t reach = std::min(int64_t{1} << step, static_cast<int64_t>(width(side) / 4) + 1);
                     const bool moves = hunter.kernel.inputs == 1 || random() & 1;
-                    hunter.x.push_back(moves ? random_in<T>({limited<T>(at - reach), limited<T>(at + reach)}, random)
+                    hunter.x.push_back(moves ? random_in<T>({moved<T>(at, -reach), moved<T>(at, reach)}, random)
                                              : climber.at[kind][c]);
                 }
         hunter.run(climbers, tries);

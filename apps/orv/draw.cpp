@@ -89,6 +89,7 @@ void add_draw(CLI::App& app, int&) {
     draw->require_subcommand(1);
     add_draw_uniform(*draw);
     add_draw_bits(*draw);
+    add_draw_points(*draw);
 }
 
 }  // namespace orv::command

@@ -83,5 +83,6 @@ void draw_all(Receiver& receiver, double from, double to, Fill fill) {
 // The distributions, each of which adds itself to `orv draw`.
 void add_draw_uniform(CLI::App& draw);
 void add_draw_bits(CLI::App& draw);
+void add_draw_points(CLI::App& draw);
 
 }  // namespace orv::command

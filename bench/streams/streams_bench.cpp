@@ -16,6 +16,9 @@ void skip_ahead(benchmark::State& state, int32_t id) {
 BENCHMARK_CAPTURE(skip_ahead, MCG31M1, BrngMCG31M1);
 BENCHMARK_CAPTURE(skip_ahead, MCG59, BrngMCG59);
 BENCHMARK_CAPTURE(skip_ahead, MRG32K3A, BrngMRG32K3A);
+BENCHMARK_CAPTURE(skip_ahead, MT19937, BrngMT19937);
+BENCHMARK_CAPTURE(skip_ahead, SFMT19937, BrngSFMT19937);
+BENCHMARK_CAPTURE(skip_ahead, WH, BrngWH);
 
 void skip_ahead_long(benchmark::State& state) {
     Stream* stream;

@@ -44,6 +44,33 @@ ORV_BRNG_ENTRIES(MCG59)
  * Operations Research 47, 1999. */
 ORV_BRNG_ENTRIES(MRG32K3A)
 
+/* Sobol: points of a low-discrepancy sequence over GF(2), handed out coordinate by coordinate, in Gray code order from the
+ * first point that is not zero on. Words of 32 bits; floating numbers are (word >> 1) 2^-31 (b - a) + a, for floats in
+ * single precision throughout. Kernels return BrngStatusQrngExhausted, and do nothing, when the index of the point plus n
+ * passes 2^32 - 1. Leapfrog with nstreams 0x7FFFFFFF chooses coordinate k alone. Has skip-ahead, by coordinates.
+ *
+ * Seed: the dimension, 1 to 40 with the built-in numbers; another one, and no seed, gives 1. User data follow in a block of
+ * n words: dimension, 1, kind, data. A block that is too short for its kind or not one of these is dropped, and the
+ * built-in numbers serve:
+ *   kind 1   dimension - 1 polynomials (bit patterns) for dimensions 2 up; at most 40 dimensions. The initial numbers are
+ *            the built-in ones; a degree above 8 makes seeding return -3
+ *   kind 2   D, 1 to 32; dimension - 1 rows of D initial numbers for the built-in polynomials; at most 40 dimensions
+ *   kind 3   dimension - 1 polynomials, of degrees 1 to D; D; dimension - 1 rows of D initial numbers
+ *   kind 11  the same for `dimension` dimensions, the first included
+ *   kind 4   32 direction numbers a dimension
+ * Kinds 3, 4 and 11 put their numbers in chunks of the stream, which copies share.
+ * I. M. Sobol', USSR Computational Mathematics 7, 1967; I. A. Antonov, V. M. Saleev, the same 19, 1979; built-in numbers:
+ * P. Bratley, B. L. Fox, "Algorithm 659", ACM Transactions on Mathematical Software 14, 1988. */
+ORV_BRNG_ENTRIES(Sobol)
+
+/* Niederr: likewise Niederreiter's sequence in base 2. The built-in numbers are those of the first 318 irreducible
+ * polynomials. User data: kind 1 with `dimension` polynomials of degrees 1 to 31, kind 4 with 32 direction numbers a
+ * dimension; above 318 dimensions the numbers and the point are in a chunk.
+ * H. Niederreiter, "Low-discrepancy and low-dispersion sequences", Journal of Number Theory 30, 1988; P. Bratley,
+ * B. L. Fox, H. Niederreiter, "Implementation and tests of low-discrepancy sequences", ACM Transactions on Modeling and
+ * Computer Simulation 2, 1992. */
+ORV_BRNG_ENTRIES(Niederr)
+
 /* PHILOX4X32X10: blocks of four words, each ten rounds of multiplications applied to a 128-bit counter under a 64-bit key.
  * Seed: key (2 words), counter (4 words, lowest first); missing words are 0. Words of 32 bits, period 2^130.
  * Floating numbers count the word as signed: s x + m with s = (b - a) 2^-32 and m = (a + b) / 2, for floats in single
@@ -207,6 +234,37 @@ enum UniformMethod {
  * A negative status of the generator is returned, with no clamping. */
 int32_t _kuzsRngUniform(int32_t method, Stream* stream, int32_t n, float* r, float a, float b);
 int32_t _kuzdRngUniform(int32_t method, Stream* stream, int32_t n, double* r, double a, double b);
+
+/* n numbers of a continuous distribution from uniforms u by its formula, in the order of the stream. a is a displacement,
+ * beta a scale; `method` is not read. Logarithms, powers and the like have the least accuracy of the vector mathematics in
+ * double precision (about 26 bits) and about 1 ulp in single. An n of 0 or below draws and writes nothing. Parameters are
+ * not checked. A negative status of the generator is returned at once; else the result is its last status.
+ *
+ * A uniform of 0 counts as the least positive number: no logarithm is infinite. Exceptions are masked, errors go to the
+ * distribution alone, and the thread's mode, callback, x87 control word and MXCSR are on return as before; errno is left
+ * alone. Cauchy works in the caller's error mode instead, and restores the mode.
+ * L. Devroye, "Non-Uniform Random Variate Generation", 1986, chapter II.2. */
+
+/* Exponential: max(a, a - beta ln u) */
+int32_t _kuzsRngExponential(int32_t method, Stream* stream, int32_t n, float* r, float a, float beta);
+int32_t _kuzdRngExponential(int32_t method, Stream* stream, int32_t n, double* r, double a, double beta);
+/* Laplace: a - beta ln u where a second uniform is at most 1/2, otherwise a + beta ln u. The two stand side by side in the
+ * stream. The generator is asked for a last, possibly empty, part of the numbers too: one that moves on for a count of 0
+ * does so when n is a multiple of 1024. */
+int32_t _kuzsRngLaplace(int32_t method, Stream* stream, int32_t n, float* r, float a, float beta);
+int32_t _kuzdRngLaplace(int32_t method, Stream* stream, int32_t n, double* r, double a, double beta);
+/* Weibull: max(a, a + beta (-ln u)^(1/alpha)) */
+int32_t _kuzsRngWeibull(int32_t method, Stream* stream, int32_t n, float* r, float alpha, float a, float beta);
+int32_t _kuzdRngWeibull(int32_t method, Stream* stream, int32_t n, double* r, double alpha, double a, double beta);
+/* Cauchy: a + beta tan u with u uniform on (-pi/2, pi/2) */
+int32_t _kuzsRngCauchy(int32_t method, Stream* stream, int32_t n, float* r, float a, float beta);
+int32_t _kuzdRngCauchy(int32_t method, Stream* stream, int32_t n, double* r, double a, double beta);
+/* Rayleigh: max(a, a + beta sqrt(-ln u)), which has the density 2 (x - a) / beta^2 exp(-((x - a) / beta)^2) */
+int32_t _kuzsRngRayleigh(int32_t method, Stream* stream, int32_t n, float* r, float a, float beta);
+int32_t _kuzdRngRayleigh(int32_t method, Stream* stream, int32_t n, double* r, double a, double beta);
+/* Gumbel: a + beta ln e with e exponential of displacement 0 and scale 1 */
+int32_t _kuzsRngGumbel(int32_t method, Stream* stream, int32_t n, float* r, float a, float beta);
+int32_t _kuzdRngGumbel(int32_t method, Stream* stream, int32_t n, double* r, double a, double beta);
 
 /* n integers, uniform on a to b - 1: the double-precision uniforms rounded down. `method` is not read. An n of 0 draws
  * nothing. */

@@ -25,7 +25,7 @@ struct WordRing {
     AbstractCallback callback;
     uint32_t padding;
 };
-static_assert(sizeof(WordRing) == 40 && offsetof(WordRing, buffer) == 28);
+static_assert(sizeof(void*) != 4 || (sizeof(WordRing) == 40 && offsetof(WordRing, buffer) == 28));
 
 // Numbers uniform on the interval from a to b.
 template <class Real>
@@ -38,8 +38,8 @@ struct RealRing {
     Element* buffer;
     AbstractCallback callback;
 };
-static_assert(sizeof(RealRing<float>) == 48 && offsetof(RealRing<float>, buffer) == 36);
-static_assert(sizeof(RealRing<double>) == 56 && offsetof(RealRing<double>, a) == 32);
+static_assert(sizeof(void*) != 4 || (sizeof(RealRing<float>) == 48 && offsetof(RealRing<float>, buffer) == 36));
+static_assert(sizeof(void*) != 4 || (sizeof(RealRing<double>) == 56 && offsetof(RealRing<double>, a) == 32));
 
 template <class Ring>
 Ring& ring_of(Stream* stream) {

@@ -41,4 +41,12 @@ struct Scalar {
     auto load(int32_t) const { return simd::load_splat(&value); }
 };
 
+// Not every compiler deduces these of an aggregate by itself.
+template <class T>
+Dense(T*) -> Dense<T>;
+template <class T>
+Strided(T*, int32_t) -> Strided<T>;
+template <class T>
+Scalar(T) -> Scalar<T>;
+
 }  // namespace orv::frame

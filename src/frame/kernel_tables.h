@@ -256,30 +256,30 @@
     ROW(HERE,  d, LinearFrac, LINEAR,     ALL,   MEASURED(dLinearFrac))
 
 #define ORV_MOVE_ROWS(ROW) \
-    ROW(LATER, s, PackI,      PACK_STRIDE, ALL,   COST(1111, 1111, 1111))   \
-    ROW(LATER, d, PackI,      PACK_STRIDE, ALL,   COST(1111, 1111, 1111))   \
-    ROW(LATER, c, PackI,      PACK_STRIDE, ALL,   COST(1111, 1111, 1111))   \
-    ROW(LATER, z, PackI,      PACK_STRIDE, ALL,   COST(1111, 1111, 1111))   \
-    ROW(LATER, s, PackM,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
-    ROW(LATER, d, PackM,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
-    ROW(LATER, c, PackM,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
-    ROW(LATER, z, PackM,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
-    ROW(LATER, s, PackV,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
-    ROW(LATER, d, PackV,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
-    ROW(LATER, c, PackV,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
-    ROW(LATER, z, PackV,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
-    ROW(LATER, s, UnpackI,    UNPACK_STRIDE, ALL,   COST(1111, 1111, 1111)) \
-    ROW(LATER, d, UnpackI,    UNPACK_STRIDE, ALL,   COST(1111, 1111, 1111)) \
-    ROW(LATER, c, UnpackI,    UNPACK_STRIDE, ALL,   COST(1111, 1111, 1111)) \
-    ROW(LATER, z, UnpackI,    UNPACK_STRIDE, ALL,   COST(1111, 1111, 1111)) \
-    ROW(LATER, s, UnpackM,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
-    ROW(LATER, d, UnpackM,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
-    ROW(LATER, c, UnpackM,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
-    ROW(LATER, z, UnpackM,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
-    ROW(LATER, s, UnpackV,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
-    ROW(LATER, d, UnpackV,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
-    ROW(LATER, c, UnpackV,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
-    ROW(LATER, z, UnpackV,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))
+    ROW(HERE,  s, PackI,      PACK_STRIDE, ALL,   COST(1111, 1111, 1111))   \
+    ROW(HERE,  d, PackI,      PACK_STRIDE, ALL,   COST(1111, 1111, 1111))   \
+    ROW(HERE,  c, PackI,      PACK_STRIDE, ALL,   COST(1111, 1111, 1111))   \
+    ROW(HERE,  z, PackI,      PACK_STRIDE, ALL,   COST(1111, 1111, 1111))   \
+    ROW(HERE,  s, PackM,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
+    ROW(HERE,  d, PackM,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
+    ROW(HERE,  c, PackM,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
+    ROW(HERE,  z, PackM,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
+    ROW(HERE,  s, PackV,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
+    ROW(HERE,  d, PackV,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
+    ROW(HERE,  c, PackV,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
+    ROW(HERE,  z, PackV,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
+    ROW(HERE,  s, UnpackI,    UNPACK_STRIDE, ALL,   COST(1111, 1111, 1111)) \
+    ROW(HERE,  d, UnpackI,    UNPACK_STRIDE, ALL,   COST(1111, 1111, 1111)) \
+    ROW(HERE,  c, UnpackI,    UNPACK_STRIDE, ALL,   COST(1111, 1111, 1111)) \
+    ROW(HERE,  z, UnpackI,    UNPACK_STRIDE, ALL,   COST(1111, 1111, 1111)) \
+    ROW(HERE,  s, UnpackM,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
+    ROW(HERE,  d, UnpackM,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
+    ROW(HERE,  c, UnpackM,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
+    ROW(HERE,  z, UnpackM,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
+    ROW(HERE,  s, UnpackV,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
+    ROW(HERE,  d, UnpackV,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
+    ROW(HERE,  c, UnpackV,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
+    ROW(HERE,  z, UnpackV,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))
 // clang-format on
 
 #endif

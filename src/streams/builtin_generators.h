@@ -12,7 +12,8 @@
 //   width   what the generator gives where words of exactly 32 bits are asked for: WORDS its own, UPPER the upper half
 //           of a longer one, NONE nothing
 //   state   TESTED if orv::brng::space::is_sound(stream) tells whether a state that was read from an image is one that
-//           the generator can be in; TRUSTED where nothing can tell
+//           the generator can be in; CHUNKED if it does so for the state, and chunks_are_sound(stream) for the chunks
+//           once they are there; TRUSTED where nothing can tell
 #pragma once
 
 #include <stdint.h>
@@ -24,8 +25,8 @@
     ROW(HERE,   MRG32K3A,      mrg32k3a,      FIGURES(   40,     6, 1,  4, 32), 1,    NONE,  TESTED)  \
     ROW(HERE,   MCG59,         mcg59,         FIGURES(   32,     1, 0,  8, 59), 1,    UPPER, TESTED)  \
     ROW(HERE,   WH,            wh,            FIGURES(   48,     4, 1, 16, 24), 273,  NONE,  TESTED)  \
-    ROW(LATER,  Sobol,         sobol,         FIGURES(11712,  2604, 0,  4, 32), 1,    NONE,  TRUSTED) \
-    ROW(LATER,  Niederr,       niederr,       FIGURES(84288, 10498, 0,  4, 32), 1,    NONE,  TRUSTED) \
+    ROW(HERE,   Sobol,         sobol,         FIGURES(11712,  2604, 0,  4, 32), 1,    NONE,  CHUNKED) \
+    ROW(HERE,   Niederr,       niederr,       FIGURES(84288, 10498, 0,  4, 32), 1,    NONE,  CHUNKED) \
     ROW(HERE,   MT19937,       mt19937,       FIGURES( 2520,   625, 1,  4, 32), 1,    WORDS, TESTED)  \
     ROW(HERE,   MT2203,        mt2203,        FIGURES(  312,    70, 1,  4, 32), 6024, WORDS, TESTED)  \
     ROW(HERE,   iAbstract,     abstract,      FIGURES(   40,     0, 1,  4, 32), 1,    NONE,  TESTED)  \
@@ -34,7 +35,7 @@
     ROW(HERE,   SFMT19937,     sfmt19937,     FIGURES( 2536,   625, 1,  4, 32), 1,    WORDS, TESTED)  \
     ROW(HERE,   TRNG,          trng,          FIGURES(   24,     1, 0,  4, 32), 1,    WORDS, TRUSTED) \
     ROW(HERE,   ARS5,          ars5,          FIGURES(   72,     8, 1,  4, 32), 1,    WORDS, TESTED)  \
-    ROW(HERE,   PHILOX4X32X10, philox4x32x10, FIGURES(   64,     8, 1,  4, 32), 1,    WORDS, TESTED )
+    ROW(HERE,   PHILOX4X32X10, philox4x32x10, FIGURES(   64,     8, 1,  4, 32), 1,    WORDS, TESTED)
 // clang-format on
 
 namespace orv::streams {

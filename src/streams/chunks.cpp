@@ -71,7 +71,11 @@ Chunk* copy_chunk(const Chunk* source) {
     return copy;
 }
 
-void delete_all_of_id(Stream* stream, int32_t id) {
+}  // namespace
+
+namespace orv::streams {
+
+void remove_chunks(Stream* stream, int32_t id) {
     Chunk* kept = nullptr;
     for (Chunk* chunk = first_chunk(stream); chunk;) {
         Chunk* next = chunk->next;
@@ -88,10 +92,6 @@ void delete_all_of_id(Stream* stream, int32_t id) {
     }
 }
 
-}  // namespace
-
-namespace orv::streams {
-
 Chunk* find_chunk(const Stream* stream, int32_t id) {
     Chunk* chunk = first_chunk(stream);
     while (chunk && chunk->chunkId != id) chunk = chunk->next;
@@ -107,7 +107,7 @@ Chunk* replace_chunks(Stream* stream, int32_t id, int32_t size) {
         return nullptr;
     }
     memset(data, 0, bytes);
-    delete_all_of_id(stream, id);
+    remove_chunks(stream, id);
     push_front(stream, chunk);
     return chunk;
 }

@@ -17,6 +17,9 @@ Chunk* find_or_create_chunk(Stream* stream, int32_t id, int32_t size);
 // stream's chunks are as they were.
 Chunk* replace_chunks(Stream* stream, int32_t id, int32_t size);
 
+// Deletes all chunks with this id.
+void remove_chunks(Stream* stream, int32_t id);
+
 // Adds a chunk as __kuzAddChunk does, except that data under a known key of another size is kept private; *shared tells
 // whether the table's data took the place of `data`, which is then the caller's to free.
 int32_t add_loaded_chunk(Stream* stream, int32_t id, const uint64_t* key, void* data, int32_t size, bool* shared);

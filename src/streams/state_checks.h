@@ -11,9 +11,15 @@
     namespace orv::brng::space {         \
     bool is_sound(const Stream* stream); \
     }
+#define ORV_DECLARE_CHUNKED(space)               \
+    ORV_DECLARE_TESTED(space)                    \
+    namespace orv::brng::space {                 \
+    bool chunks_are_sound(const Stream* stream); \
+    }
 #define ORV_DECLARE(mark, name, space, figures, members, width, state) ORV_DECLARE_##state(space)
 ORV_BUILTIN_GENERATORS(ORV_DECLARE)
 #undef ORV_DECLARE
+#undef ORV_DECLARE_CHUNKED
 #undef ORV_DECLARE_TESTED
 #undef ORV_DECLARE_TRUSTED
 
@@ -22,5 +28,8 @@ namespace orv::streams {
 // Whether the stream's generator can be in this state: residues below their modulus, not zero where zero would stay zero,
 // indices in range. True where nothing can tell: for abstract and registered generators.
 bool state_is_sound(const Stream* stream);
+
+// Whether the stream has the chunks that its generator wants to find in this state.
+bool chunks_are_sound(const Stream* stream);
 
 }  // namespace orv::streams

@@ -177,7 +177,7 @@ int32_t load(Source& source, int32_t bad_image, Stream** stream) {
     if (status >= 0 && !state_is_sound(*stream)) status = bad_image;
     for (uint32_t left = header.chunkCount; status >= 0 && left > 0; --left)
         status = load_chunk(source, start.version, *stream);
-    return status;
+    return status >= 0 && !chunks_are_sound(*stream) ? bad_image : status;
 }
 
 // Opens a file by a name of `length` bytes without a final zero, or with one where the length is negative.

@@ -54,6 +54,8 @@ TEST_F(Command, Prints) {
         {"draw uniform --brng mrg32k3a --seed 12345,12345,12345,12345,12345,12345 --n 2 --type s", "",
          "0.12701112\n0.31852758\n"},
         {"draw uniform --type i --from 5 --to 6 --n 0.3e1", "", "5\n5\n5\n"},
+        {"draw sobol --n 3", "", "0.5,0.5\n0.75,0.25\n0.25,0.75\n"},
+        {"draw sobol --dimension 3 --n 1 --skip 1 --brng niederr", "", "0.75,0.25,0.3125\n"},
         {"draw uniform --type i --from -1 --to 1 --n 1000 --histogram --bins 1 --seed 7", "",
          "          -1         1000 ##################################################\n"},
 
@@ -146,6 +148,10 @@ TEST_F(Command, Refuses) {
         {"fit --x t --y v --sites 0", parabola, "--sites: a whole number from 1 to 10,000,000, or a file\n"},
         {"fit --x t --y v --integrate 1", parabola, "--integrate: 1 is not two numbers with a comma between them\n"},
 
+        {"draw sobol --dimension 41", "", "--dimension: Sobol has 40 here"},
+        {"draw sobol --dimension 319 --brng Niederr", "", ""},
+        {"draw sobol --dimension 1 --plot p.svg", "", "--plot wants two dimensions or more\n"},
+        {"draw sobol --n 4294967295 --skip 4294967295", "", "--skip: the "},
         {"draw uniform --brng MT", "", "no generator MT; there are"},
         {"draw uniform --brng MCG59:1", "", "MCG59:1: no such generator in this build\n"},
         {"draw uniform --brng MCG59:x", "", "'x' is not a member of MCG59\n"},
@@ -213,6 +219,7 @@ TEST_F(Command, Draws) {
         {"accuracy Exp --type s --points 3000", "", {"Exp", "argument", "error, ulp"}},
         {"accuracy Add --points 3000", "", {"Add", "first", "second"}},
         {"draw uniform --n 100", "", {"100 uniform numbers"}},
+        {"draw sobol --n 300 --dimension 3", "", {"Sobol, 300 points", "PHILOX4X32X10, 300 points"}},
     };
     for (const auto& c : cases) {
         const Outcome outcome = orv(std::string(c.arguments) + " --plot picture\\'s.svg", c.input);

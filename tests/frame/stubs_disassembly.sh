@@ -15,7 +15,10 @@ objdump -d --no-show-raw-insn "$library" | awk '
     END {
         bad = 0
         for (e in done)
-            if (done[e] != " jump" && done[e] != " call pop jump") { print e ":" done[e]; bad++ }
+            if (e ~ /(Pack|Unpack|arqzPowx)/) {
+                # These hand their arguments on, laid out again.
+                if (done[e] !~ /^( call pop)? mov( push)+ call add ret$/) { print e ":" done[e]; bad++ }
+            } else if (done[e] != " jump" && done[e] != " call pop jump") { print e ":" done[e]; bad++ }
         print entries " entries, " bad " with anything else in them"
         exit bad || entries < 150
     }'

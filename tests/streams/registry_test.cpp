@@ -104,7 +104,7 @@ TEST(Registry, IdsResolve) {
 
 // The generators of the registry that this build does not have. The list may only become shorter.
 TEST(Registry, MissingGeneratorsAreRefused) {
-    const std::vector<std::string> missing = {"Sobol", "Niederr"};
+    const std::vector<std::string> missing;
     std::vector<std::string> found;
     for (const Row& row : builtin)
         if (!__RegBrngsNew[(row.id >> 20) - 1].initStream) found.push_back(row.name);

@@ -61,6 +61,12 @@
     CARD(Powx, "a to the power b, b being one number for all elements", "As Pow.", "", "As Pow") \
     CARD(Pow2o3, "the square of the cube root of a", "Zeros give +0, infinities infinity; a may be negative.", "", "A table of accurate values, after S. Gal, ACM TOMS 17 (1991)") \
     CARD(Pow3o2, "the cube of the square root of a", "A negative a is a NaN, reported as domain; -0 gives +0. Beyond 2^682.67 (s: 2^85.33) infinity, reported as overflow; below 2^-681.33 (s: 2^-84) a subnormal or zero, reported as underflow.", "", "The root corrected by its residue") \
+    CARD(PackI, "a[i * inca]", "A negative stride goes down from a. The arrays do not overlap; bits are moved, and no flag is raised.", "", "A strided copy") \
+    CARD(PackM, "the i-th of the elements of a whose mask in list is not zero", "As many elements are written as there are such masks. The arrays do not overlap; bits are moved, and no flag is raised.", "", "A compressing copy") \
+    CARD(PackV, "a[list[i]]", "The arrays do not overlap; bits are moved, and no flag is raised.", "", "A gathering copy") \
+    CARD(UnpackI, "a[i / incy] for the multiples of incy", "y[i * incy] = a[i], and nothing else of y is touched; a negative stride goes down from y. The arrays do not overlap; bits are moved, and no flag is raised.", "", "A strided copy") \
+    CARD(UnpackM, "the next element of a where the mask in list is not zero", "Other elements of y are not touched, and of a as many are read as there are such masks. The arrays do not overlap; bits are moved, and no flag is raised.", "", "An expanding copy") \
+    CARD(UnpackV, "a[j] for the j with list[j] = i", "y[list[j]] = a[j], and nothing else of y is touched. The arrays do not overlap; bits are moved, and no flag is raised.", "", "A scattering copy") \
     CARD(Acos, "the arc cosine of a, in radians", "Beyond 1 in magnitude a NaN, reported as domain; 1 gives +0.", "", "Half-angle reduction, after W. J. Cody and W. Waite, Software Manual for the Elementary Functions, 1980") \
     CARD(Acospi, "the arc cosine of a in multiples of pi", "Beyond 1 in magnitude a NaN, reported as domain; 1 gives +0, -1 gives 1.", "", "IEC 60559 acosPi") \
     CARD(Asin, "the arc sine of a, in radians", "Beyond 1 in magnitude a NaN, reported as domain; zeros come back.", "", "Half-angle reduction, after W. J. Cody and W. Waite, Software Manual for the Elementary Functions, 1980") \

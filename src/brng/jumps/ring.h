@@ -1,6 +1,8 @@
 // Blocks of words in a jump: a ring that begins at an index, where the length stands for 0.
 #pragma once
 
+#include "simd/integers.h"
+
 #include <stdint.h>
 #include <string.h>
 
@@ -13,7 +15,10 @@ void add(uint32_t* to, int32_t to_first, const uint32_t* from, int32_t from_firs
     for (int32_t left = Words; left > 0;) {
         const int32_t before_end = Words - (i > j ? i : j);
         const int32_t run = left < before_end ? left : before_end;
-        for (int32_t k = 0; k < run; ++k) to[i + k] ^= from[j + k];
+        int32_t k = 0;
+        for (; k + 4 <= run; k += 4)
+            simd::store(to + i + k, simd::bit_xor(simd::load(to + i + k), simd::load(from + j + k)));
+        for (; k < run; ++k) to[i + k] ^= from[j + k];
         i = i + run == Words ? 0 : i + run;
         j = j + run == Words ? 0 : j + run;
         left -= run;

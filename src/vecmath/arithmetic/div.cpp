@@ -20,7 +20,7 @@ struct Div : frame::Elementwise<T, Block, frame::Tail::masked> {
     }
 };
 
-using DivS = Div<float, 8>;
+using DivS = Div<float, 16>;
 using DivD = Div<double, 4>;
 
 }  // namespace

@@ -75,6 +75,10 @@ struct Pow2o3 : frame::OneInput<double, 4, frame::Tail::masked> {
     }
 
     static int32_t scalar(const double* at, double* y) {
+        if (vecmath::is_nan(*at)) {
+            *y = vecmath::quiet(*at);
+            return frame::status_ok;
+        }
         const double x = std::fabs(*at);
         if (x == 0 || !vecmath::is_finite(x))
             *y = x + x;

@@ -56,6 +56,10 @@ struct Pow2o3 : frame::OneInput<float, 8, frame::Tail::masked> {
     }
 
     static int32_t scalar(const float* at, float* y) {
+        if (vecmath::is_nan(*at)) {
+            *y = vecmath::quiet(*at);
+            return frame::status_ok;
+        }
         const float x = std::fabs(*at);
         if (x == 0 || !vecmath::is_finite(x))
             *y = x + x;

@@ -25,12 +25,12 @@ using simd::SplatBits;
 
 struct Constants {
     Splat<float> one{1.0f}, half{0.5f}, three_eighths{0.375f};
-    // fpminimax(expm1(-log1p(-x) / 2) / x, 3, [|SG...|], [-0.0085; 0.0085], absolute): 2^-39 of the result
-    Splat<float> p1, p2, p3;
+    // fpminimax(expm1(-log1p(-x) / 2) / x, 2, [|SG...|], [-0.0086; 0.0086], absolute): 2^-31.3 of the result
+    Splat<float> p1, p2;
     SplatBits<uint32_t> round_to_12{0x00000800}, keep_12{0xFFFFF000}, round_to_8{0x00008000}, keep_8{0xFFFF0000};
     SplatBits<uint32_t> bottom{0x80800000}, last{0x7E000000 - 0x80800000 - 1};
 };
-constexpr Constants K{.p1 = 0x1.8p-2f, .p2 = 0x1.4003e2p-2f, .p3 = 0x1.1803dep-2f};
+constexpr Constants K{.p1 = 0x1.8003fap-2f, .p2 = 0x1.40046p-2f};
 
 struct InvSqrt : frame::OneInput<float, 8, frame::Tail::masked> {
     static int32_t scalar(const float* at, float* y) {
@@ -62,7 +62,7 @@ struct InvSqrtHA : InvSqrt {
         const __m128 y = floats(simd::bit_and(near, K.keep_8));
         const __m128 x_high = floats(simd::bit_and(bits_of(x), K.keep_8));
         const __m128 e = (K.one - x_high * y * y) - (x - x_high) * y * y;
-        return y + y * (e * (K.half + e * (K.p1 + e * (K.p2 + e * K.p3))));
+        return y + y * (e * (K.half + e * (K.p1 + e * K.p2)));
     }
 };
 
