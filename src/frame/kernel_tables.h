@@ -86,7 +86,7 @@
     ROW(HERE,  s, CdfNorm,    ONE,        EACH,  MEASURED(sCdfNorm))              \
     ROW(HERE,  s, CdfNormInv, ONE,        EACH,  MEASURED(sCdfNormInv))           \
     ROW(LATER, s, LGamma,     ONE,        ALL,   COST(238.11, 238.11, 238.11))    \
-    ROW(LATER, s, TGamma,     ONE,        ALL,   MEASURED(sTGamma))               \
+    ROW(HERE,  s, TGamma,     ONE,        ALL,   MEASURED(sTGamma))               \
     ROW(HERE,  s, ExpInt1,    ONE,        LA_HA, MEASURED(sExpInt1))              \
     ROW(HERE,  s, Sinpi,      ONE,        EACH,  MEASURED(sSinpi))                \
     ROW(HERE,  s, Cospi,      ONE,        EACH,  MEASURED(sCospi))                \
@@ -141,7 +141,7 @@
     ROW(HERE,  d, CdfNorm,    ONE,        EACH,  MEASURED(dCdfNorm))              \
     ROW(HERE,  d, CdfNormInv, ONE,        EACH,  MEASURED(dCdfNormInv))           \
     ROW(LATER, d, LGamma,     ONE,        ALL,   COST(319.85, 319.85, 319.85))    \
-    ROW(LATER, d, TGamma,     ONE,        ALL,   COST(423.3, 423.3, 423.3))       \
+    ROW(HERE,  d, TGamma,     ONE,        ALL,   COST(423.3, 423.3, 423.3))       \
     ROW(HERE,  d, ExpInt1,    ONE,        LA_HA, MEASURED(dExpInt1))              \
     ROW(HERE,  d, Sinpi,      ONE,        EACH,  MEASURED(dSinpi))                \
     ROW(HERE,  d, Cospi,      ONE,        EACH,  MEASURED(dCospi))                \

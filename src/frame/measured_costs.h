@@ -115,6 +115,7 @@
 #define ORV_COST_sCdfNorm 19.6, 19.5, 16.5
 #define ORV_COST_dCdfNorm 30.2, 30.8, 20.6
 #define ORV_COST_sExpInt1 14.6, 14.7, 12.1
+#define ORV_COST_sTGamma 25, 25, 25
 #define ORV_COST_dExpInt1 18, 18, 10.3
 
 #define ORV_COST_dAtan 20, 20, 16

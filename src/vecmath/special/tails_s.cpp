@@ -28,6 +28,7 @@ struct TailS : frame::OneInput<float, 8, frame::Tail::masked> {
 };
 
 using Erfc = TailS<vecmath::ErfcTail, 2>;
+using ErfcAccurate = TailS<vecmath::ErfcTail, 3>;
 using ErfcEp = TailS<vecmath::ErfcTail, 1>;
 using CdfNorm = TailS<vecmath::NormalTail, 2>;
 using CdfNormEp = TailS<vecmath::NormalTail, 1>;
@@ -35,7 +36,7 @@ using CdfNormEp = TailS<vecmath::NormalTail, 1>;
 }  // namespace
 
 ORV_ONE_INPUT(sErfc, la, Erfc)
-ORV_ONE_INPUT(sErfc, ha, Erfc)
+ORV_ONE_INPUT(sErfc, ha, ErfcAccurate)
 ORV_ONE_INPUT(sErfc, ep, ErfcEp)
 ORV_ONE_INPUT(sCdfNorm, la, CdfNorm)
 ORV_ONE_INPUT(sCdfNorm, ha, CdfNorm)
