@@ -158,6 +158,13 @@ void exact_cdf_norm(mpfr_t* y, mpfr_t* x) {
     mpfr_erfc(y[0], at.value, MPFR_RNDN);
     mpfr_div_2ui(y[0], y[0], 1, MPFR_RNDN);
 }
+void exact_ln_gamma(mpfr_t* y, mpfr_t* x) {
+    int sign;
+    if (mpfr_inf_p(x[0]))
+        mpfr_set_inf(y[0], 1);
+    else
+        mpfr_lgamma(y[0], &sign, x[0], MPFR_RNDN);
+}
 void exact_exp_int(mpfr_t* y, mpfr_t* x) {
     if (mpfr_zero_p(x[0])) {
         mpfr_set_inf(y[0], 1);
@@ -176,6 +183,21 @@ void exact_exp_int(mpfr_t* y, mpfr_t* x) {
 }
 
 #endif
+
+// The zeros of ln|Gamma| below -2, one on either side of each half, and what is near them.
+void zeros_of_ln_gamma(std::vector<double>& list) {
+    for (int n = 2; n < 20; ++n)
+        for (const int pole : {-n, -n - 1}) {
+            double below = -n - 0.5, above = pole;  // where ln|Gamma| is negative and positive
+            for (int k = 0; k < 60; ++k) {
+                const double middle = 0.5 * (below + above);
+                (std::lgamma(middle) > 0 ? above : below) = middle;
+            }
+            list.push_back(below);
+            for (const double far : {1e-14, 1e-12, 1e-9, 1e-6, 1e-4, 1e-3, 0.01, 0.03, 0.1})
+                for (const double side : {-far, far}) list.push_back(below + side * (below - pole));
+        }
+}
 
 }  // namespace
 
@@ -201,6 +223,14 @@ std::vector<Function> special_functions() {
          FAST_C(tgammal),
          {{0.5, 40}, {-20, 0}, {40, 172}, {-186, -20}},
          {1, 2, 35.04, 171.62, -170.5, -184, -185, -38, -42}},
+        {"LGamma",
+         "sd",
+         EXACT_BY(exact_ln_gamma),
+         FAST_C(lgammal),
+         {{0.01, 20}, {-6, 0}, {20, 200}, {-200, -6}},
+         {1, 2, 128, 0.03125, -170},
+         {},
+         zeros_of_ln_gamma},
         {"ErfInv",
          "sd",
          EXACT_BY(exact_erf_inv),

@@ -85,7 +85,7 @@
     ROW(HERE,  s, ErfcInv,    ONE,        EACH,  MEASURED(sErfcInv))              \
     ROW(HERE,  s, CdfNorm,    ONE,        EACH,  MEASURED(sCdfNorm))              \
     ROW(HERE,  s, CdfNormInv, ONE,        EACH,  MEASURED(sCdfNormInv))           \
-    ROW(LATER, s, LGamma,     ONE,        ALL,   COST(238.11, 238.11, 238.11))    \
+    ROW(HERE,  s, LGamma,     ONE,        ALL,   COST(238.11, 238.11, 238.11))    \
     ROW(HERE,  s, TGamma,     ONE,        ALL,   MEASURED(sTGamma))               \
     ROW(HERE,  s, ExpInt1,    ONE,        LA_HA, MEASURED(sExpInt1))              \
     ROW(HERE,  s, Sinpi,      ONE,        EACH,  MEASURED(sSinpi))                \
@@ -129,7 +129,7 @@
     ROW(HERE,  d, Cosh,       ONE,        EACH,  MEASURED(dCosh))                 \
     ROW(HERE,  d, Sinh,       ONE,        LA_EP, MEASURED(dSinh))                 \
     ROW(HERE,  d, Tanh,       ONE,        LA_EP, MEASURED(dTanh))                 \
-    ROW(HERE,  d, Erf,        ONE,        EACH,  MEASURED(dErf))                  \
+    ROW(HERE,  d, Erf,        ONE,        EACH,  COST(24.848, 44.1, 21.6))        \
     ROW(HERE,  d, Erfc,       ONE,        ALL,   MEASURED(dErfc))                 \
     ROW(HERE,  d, ErfInv,     ONE,        EACH,  MEASURED(dErfInv))               \
     ROW(HERE,  d, Sqr,        ONE,        ALL,   MEASURED(dSqr))                  \
@@ -140,7 +140,7 @@
     ROW(HERE,  d, ErfcInv,    ONE,        EACH,  MEASURED(dErfcInv))              \
     ROW(HERE,  d, CdfNorm,    ONE,        EACH,  MEASURED(dCdfNorm))              \
     ROW(HERE,  d, CdfNormInv, ONE,        EACH,  MEASURED(dCdfNormInv))           \
-    ROW(LATER, d, LGamma,     ONE,        ALL,   COST(319.85, 319.85, 319.85))    \
+    ROW(HERE,  d, LGamma,     ONE,        ALL,   COST(319.85, 319.85, 319.85))    \
     ROW(HERE,  d, TGamma,     ONE,        ALL,   COST(423.3, 423.3, 423.3))       \
     ROW(HERE,  d, ExpInt1,    ONE,        LA_HA, MEASURED(dExpInt1))              \
     ROW(HERE,  d, Sinpi,      ONE,        EACH,  MEASURED(dSinpi))                \

@@ -157,11 +157,10 @@ void ln_gamma_rows(const Output& output) {
         }
 }
 
-// About each zero z of ln|Gamma| between -17 and -2, two from one whole number to the next: z in two parts; how far from it
-// ln|Gamma| is within 0.03; and there ln|Gamma(z + d)| / d, its constant term in two parts.
+// About each zero z of ln|Gamma| between -17 and -2, two from one whole number to the next: z in three parts; and
+// ln|Gamma(z + d)| / d, its constant term c0 in two, for d with |c0 d| up to 0.03.
 void ln_gamma_zeros(const Output& output) {
-    Table table(output, "ln_gamma_zeros",
-                "a zero high and low, the reach, twelve coefficients with the first in two parts");
+    Table table(output, "ln_gamma_zeros", "a zero in three parts, twelve coefficients with the first in two");
     const auto ln_gamma = [](const Real& x) {
         const Real g = gamma(x);
         return log(g * g) / Real(2);
@@ -177,9 +176,10 @@ void ln_gamma_zeros(const Output& output) {
             const std::vector<Real> c = fit(f, Real(0), reach, 11);
             const auto [zero_high, zero_low] = Table::split(zero);
             const auto [c0, rest0] = Table::split(c[0]);
-            table.row({zero_high, zero_low, to_double(reach), c0, rest0, to_double(c[1]), to_double(c[2]),
-                       to_double(c[3]), to_double(c[4]), to_double(c[5]), to_double(c[6]), to_double(c[7]),
-                       to_double(c[8]), to_double(c[9]), to_double(c[10]), to_double(c[11])});
+            table.row({zero_high, zero_low, to_double(zero - Real(zero_high) - Real(zero_low)), c0, rest0,
+                       to_double(c[1]), to_double(c[2]), to_double(c[3]), to_double(c[4]), to_double(c[5]),
+                       to_double(c[6]), to_double(c[7]), to_double(c[8]), to_double(c[9]), to_double(c[10]),
+                       to_double(c[11])});
         }
         factorial = next;
     }

@@ -32,37 +32,34 @@ struct GammaBlock {
 };
 inline constexpr GammaBlock gamma_block;
 
-// Gamma in two factors, the second a power of two, for t from 1 to 189: in extended precision.
+// Gamma in two factors, the second a power of two, for t from 1 to 189: in extended precision. In line, since an extended
+// number is slow to pass through memory.
 struct ScaledGamma {
     long double value;
     bool scaled;  // times 2^1000
 };
-inline ScaledGamma gamma_from_one(long double t) {
+[[gnu::always_inline]] inline ScaledGamma gamma_from_one(long double t) {
     constexpr const auto& K = gamma_block;
     const uint32_t eighths = static_cast<uint32_t>(static_cast<int32_t>(t * 8)), n = eighths / 8 - 1;
     const uint32_t at = n / 4 * 8 + eighths % 8;
     const auto& f = K.factors[n % 4];
     const double* row = K.rows[at];
-    const long double d = t - static_cast<int32_t>(2 * eighths + 1) * 0.0625L;
-    long double sum = row[12];
-#pragma GCC unroll 10
-    for (int k = 11; k > 2; --k) sum = sum * d + row[k];
-    sum = row[2] + (row[15] + d * sum);
-    sum = row[1] + (row[14] + d * sum);
-    sum = row[0] + (row[13] + d * sum);
+    const long double d = t - static_cast<int32_t>(2 * eighths + 1) * 0.0625L, dd = d * d;
+    // Four chains side by side: the leading parts, the rests, the other coefficients by turns.
+    const long double even = row[3] + dd * (row[5] + dd * (row[7] + dd * (row[9] + dd * row[11])));
+    const long double odd = row[4] + dd * (row[6] + dd * (row[8] + dd * (row[10] + dd * row[12])));
+    const long double rest = row[13] + d * row[14] + dd * row[15];
+    const long double sum = (row[0] + d * (row[1] + d * row[2])) + (rest + d * dd * (even + d * odd));
     const long double product = ((f[0][0] * t + f[0][1]) * (f[1][0] * t + f[1][1])) * (f[2][0] * t + f[2][1]);
     return {sum * product, at >= K.first_scaled};
 }
 
 // Of finite x above -185, no pole.
-inline long double gamma_extended(double x) {
+[[gnu::always_inline]] inline long double gamma_extended(double x) {
     constexpr const auto& K = gamma_block;
     const long double e = x;
-    if (x >= 1) {
-        const ScaledGamma g = gamma_from_one(e);
-        return g.value * K.powers[g.scaled ? 2 : 0];
-    }
-    const ScaledGamma g = gamma_from_one(1 + __builtin_fabsl(e));
+    const ScaledGamma g = gamma_from_one(x >= 1 ? e : 1 + __builtin_fabsl(e));
+    if (x >= 1) return g.value * K.powers[g.scaled ? 2 : 0];
     if (x > 0) return g.value / e;
     const double whole = __builtin_rint(x);
     const long double pi = 3.14159265358979323846264338327950288L;
@@ -95,9 +92,9 @@ inline int32_t gamma_scalar(T x, T* y) {
         return frame::status_overflow;
     }
     if (x < static_cast<T>(gamma_block.least)) {
-        // Below zero and above an odd number it is negative.
-        const bool negative = static_cast<int32_t>(__builtin_floor(x)) & 1;
-        *y = negative ? -underflow<T>() : underflow<T>();
+        // Next above an odd number it is negative.
+        const double halved = 0.5 * __builtin_floor(x);
+        *y = __builtin_floor(halved) != halved ? -underflow<T>() : underflow<T>();
         return frame::status_underflow;
     }
     *y = static_cast<T>(gamma_extended(x));

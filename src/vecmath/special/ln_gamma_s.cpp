@@ -18,7 +18,7 @@ constexpr Block K;
 inline __m128d ln_gamma_lanes(__m128d x) {
     constexpr const auto& L = vecmath::ln_gamma_block;
     const vecmath::Expanded f = vecmath::expand<L.first, 3>(L.rows, x, x - vecmath::expansion_centre(x));
-    return ((x - K.one) * (x - K.two)) * (f.high + f.low);
+    return ((x - K.one) * (x - K.two)) * (f.high + f.low) + _mm_setzero_pd();  // +0 at both zeros
 }
 
 struct LGamma : frame::OneInput<float, 8, frame::Tail::masked> {
