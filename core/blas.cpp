@@ -1,5 +1,6 @@
-// Matrix entries over the system's BLAS, which is kept to one thread: its own threads beside those of a parallel region
-// would be twice as many as there are processors. Large rank-k updates are cut into panels here.
+// Matrix entries over the system's BLAS. Large rank-k updates are cut into panels here.
+#include "system_blas.h"
+
 #include "services/export.h"
 
 #include <orv/blas.h>
@@ -19,22 +20,15 @@ void dgemm_(const char*, const char*, const int32_t*, const int32_t*, const int3
             const int32_t*, const double*, const int32_t*, const double*, double*, const int32_t*);
 void sgemm_(const char*, const char*, const int32_t*, const int32_t*, const int32_t*, const float*, const float*,
             const int32_t*, const float*, const int32_t*, const float*, float*, const int32_t*);
-#ifdef ORV_OPENBLAS
-void openblas_set_num_threads(int);
-#else
+#ifndef ORV_OPENBLAS
 // The reference routines report an argument that is out of range by this name. The kernels pass none.
 void xerbla_(const char*, const int32_t*) {}
 #endif
 }
 
-namespace {
+using orv::core::keep_to_one_thread;
 
-void keep_to_one_thread() {
-#ifdef ORV_OPENBLAS
-    static const bool done = (openblas_set_num_threads(1), true);
-    (void)done;
-#endif
-}
+namespace {
 
 template <class T>
 struct Blas;
