@@ -1,6 +1,5 @@
-// Matrix entries over the system's BLAS. Large rank-k updates are cut into panels here.
-#include "system_blas.h"
-
+// Rank updates over the system's BLAS, which is kept to one thread. Large rank-k updates are cut into panels here.
+#include "one_thread.h"
 #include "services/export.h"
 
 #include <orv/blas.h>
@@ -23,12 +22,18 @@ void sgemm_(const char*, const char*, const int32_t*, const int32_t*, const int3
 #ifndef ORV_OPENBLAS
 // The reference routines report an argument that is out of range by this name. The kernels pass none.
 void xerbla_(const char*, const int32_t*) {}
+
+// Two option letters joined: all that LAPACK asks of the Fortran runtime.
+void _gfortran_concat_string(size_t length, char* to, size_t first_length, const char* first, size_t,
+                             const char* second) {
+    for (size_t i = 0; i < length; ++i) to[i] = i < first_length ? first[i] : second[i - first_length];
+}
 #endif
 }
 
-using orv::core::keep_to_one_thread;
-
 namespace {
+
+using orv::core::keep_to_one_thread;
 
 template <class T>
 struct Blas;

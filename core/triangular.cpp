@@ -1,7 +1,7 @@
 // Products with a triangular matrix over the system's BLAS. Large ones are cut into panels of vectors, which do not meet:
 // the columns of b for a product from the left, its rows for one from the right.
+#include "one_thread.h"
 #include "services/export.h"
-#include "system_blas.h"
 
 #include <orv/blas.h>
 #include <orv/services.h>

@@ -1,5 +1,5 @@
-// The system's BLAS is kept to one thread: its own threads beside those of a parallel region would be twice as many as
-// there are processors.
+// The system's BLAS kept to one thread: its own threads beside those of a parallel region would be twice as many as there are
+// processors.
 #pragma once
 
 #ifdef ORV_OPENBLAS
