@@ -1,6 +1,5 @@
 // Products with a triangular matrix over the system's BLAS. Large ones are cut into panels of vectors, which do not meet:
 // the columns of b for a product from the left, its rows for one from the right.
-#include "one_thread.h"
 #include "services/export.h"
 
 #include <orv/blas.h>
@@ -9,27 +8,12 @@
 #include <algorithm>
 #include <cstddef>
 
-extern "C" {
-void dtrmm_(const char*, const char*, const char*, const char*, const int32_t*, const int32_t*, const double*,
-            const double*, const int32_t*, double*, const int32_t*);
-void strmm_(const char*, const char*, const char*, const char*, const int32_t*, const int32_t*, const float*,
-            const float*, const int32_t*, float*, const int32_t*);
-}
-
 namespace {
 
-void system_trmm(const char* side, const char* uplo, const char* trans, const char* diag, const int32_t* m,
-                 const int32_t* n, const double* alpha, const double* a, const int32_t* lda, double* b,
-                 const int32_t* ldb) {
-    orv::core::keep_to_one_thread();
-    dtrmm_(side, uplo, trans, diag, m, n, alpha, a, lda, b, ldb);
-}
-void system_trmm(const char* side, const char* uplo, const char* trans, const char* diag, const int32_t* m,
-                 const int32_t* n, const float* alpha, const float* a, const int32_t* lda, float* b,
-                 const int32_t* ldb) {
-    orv::core::keep_to_one_thread();
-    strmm_(side, uplo, trans, diag, m, n, alpha, a, lda, b, ldb);
-}
+template <class T>
+constexpr auto one_thread = orv_blas_xdtrmm;
+template <>
+constexpr auto one_thread<float> = orv_blas_xstrmm;
 
 // op(a) b or b op(a), the options as flags.
 template <class T>
@@ -56,8 +40,8 @@ void panel(int32_t index, int32_t, int32_t count, void* args) {
     const int32_t first = static_cast<int32_t>(int64_t{p.vectors()} * index / count);
     const int32_t width = static_cast<int32_t>(int64_t{p.vectors()} * (index + 1) / count) - first;
     T* start = p.b + (p.right() ? first : ptrdiff_t{first} * p.ldb);
-    system_trmm(&p.side, &p.uplo, &p.trans, &p.diag, p.right() ? &width : &p.m, p.right() ? &p.n : &width, &p.alpha,
-                p.a, &p.lda, start, &p.ldb);
+    one_thread<T>(&p.side, &p.uplo, &p.trans, &p.diag, p.right() ? &width : &p.m, p.right() ? &p.n : &width, &p.alpha,
+                  p.a, &p.lda, start, &p.ldb);
 }
 
 template <class T>
@@ -133,13 +117,13 @@ ORV_API void orv_blas4arq_strmm(const char* side, const char* uplo, const char* 
 ORV_API void orv_blas_xdtrmm_4arq(const char* side, const char* uplo, const char* trans, const char* diag,
                                   const int32_t* m, const int32_t* n, const double* alpha, const double* a,
                                   const int32_t* lda, double* b, const int32_t* ldb) {
-    system_trmm(side, uplo, trans, diag, m, n, alpha, a, lda, b, ldb);
+    orv_blas_xdtrmm(side, uplo, trans, diag, m, n, alpha, a, lda, b, ldb);
 }
 
 ORV_API void orv_blas_xstrmm_4arq(const char* side, const char* uplo, const char* trans, const char* diag,
                                   const int32_t* m, const int32_t* n, const float* alpha, const float* a,
                                   const int32_t* lda, float* b, const int32_t* ldb) {
-    system_trmm(side, uplo, trans, diag, m, n, alpha, a, lda, b, ldb);
+    orv_blas_xstrmm(side, uplo, trans, diag, m, n, alpha, a, lda, b, ldb);
 }
 
 ORV_API void orv_blas4arq_dptrmm(const char* side, const char* uplo, const char* trans, const char* diag,

@@ -32,19 +32,19 @@ int32_t draw_pairs(Stream* stream, int32_t count, T* u, T* v) {
 }
 
 // 1 - y for y = e^s, s <= 0, with a relative accuracy of its own: (1 - y) s / ln y, since what rounding does to y is in its
-// logarithm too (Kahan).
+// logarithm too (Kahan). The result may be s itself, `logarithms` is room for n numbers.
 template <class T>
-void rest_of_power(int32_t n, const T* s, const T* y, T* rest) {
+void rest_of_power(int32_t n, const T* s, const T* y, T* logarithms, T* rest) {
     const auto one = simd::splat(T(1)), half = simd::splat(T(0.5));
     map(
-        n, rest, [=](auto power) { return simd::greatest(half, power); }, y);
-    run(logarithm<T>(), n, rest, rest);
+        n, logarithms, [=](auto power) { return simd::greatest(half, power); }, y);
+    run(logarithm<T>(), n, logarithms, logarithms);
     const auto formula = [=](auto exponent, auto power, auto log) {
         const auto difference = one - power;
         const auto near = simd::select(simd::equal(power, one), -exponent, difference * exponent / log);
         return simd::select(simd::less(half, power), near, difference);
     };
-    map(n, rest, formula, s, y, rest);
+    map(n, rest, formula, s, y, logarithms);
 }
 
 template <class T>
@@ -68,17 +68,14 @@ int32_t power_of_uniform(Stream* stream, int32_t n, T* r, T p) {
 
 template <class T>
 int32_t rest_of_power_of_uniform(Stream* stream, int32_t n, T* r, T q) {
-    T power[block];
+    T power[block], logarithms[block];
     const int32_t status = draw_uniforms(stream, n, r, T(0), T(1));
     if (status < 0) return status;
     to_powers(n, r, T(1) / q);
     for (int32_t done = 0; done < n; done += block) {
         const int32_t count = n - done < block ? n - done : block;
         run(exponential_function<T>(), count, r + done, power);
-        T rest[block];
-        rest_of_power(count, r + done, power, rest);
-        map(
-            count, r + done, [](auto x) { return x; }, rest);
+        rest_of_power(count, r + done, power, logarithms, r + done);
     }
     return status;
 }
@@ -183,13 +180,15 @@ int32_t from_odds(Stream* stream, int32_t n, T* r, T p, T q) {
     const LogLogistic<T> constants = log_logistic<T>(p, q);
     const int32_t status =
         draw_by_rejection(n, r, pairs_of_block, [&](int32_t count, T* w) { return odds(stream, count, w, constants); });
-    const auto b = simd::splat(constants.b);
-    if (p < q || p == q)
+    if (status < 0) return status;
+    const auto b = simd::splat(constants.b), one = simd::splat(T(1));
+    // From 1 while that is the nearer end: b + w has no room for a small w beside a large b.
+    const auto complement = [=](auto w) { return simd::select(simd::less(w, b), one - w / (b + w), b / (b + w)); };
+    if (p <= q)
         map(
             n, r, [=](auto w) { return w / (b + w); }, r);
     else
-        map(
-            n, r, [=](auto w) { return b / (b + w); }, r);
+        map(n, r, complement, r);
     return status;
 }
 
@@ -211,7 +210,7 @@ Switching<T> switching(double p, double q, bool mirrored) {
 
 template <class T>
 int32_t powers_on_either_side(Stream* stream, int32_t count, T* x, const Switching<T>& c) {
-    T u[pairs_of_block], v[pairs_of_block], s[pairs_of_block], y[pairs_of_block], rest[pairs_of_block];
+    T u[pairs_of_block], v[pairs_of_block], s[pairs_of_block], y[pairs_of_block], number[pairs_of_block];
     const int32_t status = draw_pairs(stream, count, u, v);
     if (status < 0) return status;
     const auto one = simd::splat(T(1)), head = simd::splat(c.head), t = simd::splat(c.t), beyond = one - t;
@@ -226,29 +225,28 @@ int32_t powers_on_either_side(Stream* stream, int32_t count, T* x, const Switchi
     map(
         count, s, [=](auto log, auto uniform) { return log * simd::select(in_head(uniform), root_p, root_q); }, s, u);
     run(exponential_function<T>(), count, s, y);
-    rest_of_power(count, s, y, rest);
+    rest_of_power(count, s, y, number, s);
 
     // x, and the number whose logarithm the test is about: 1 - x below the switching point, x / t above it.
     const auto place = [=](auto uniform, auto power, auto difference) {
         return simd::select(in_head(uniform), t * power, t + beyond * difference);
     };
-    map(count, x, place, u, y, rest);
+    map(count, x, place, u, y, s);
     const auto tested = [=](auto uniform, auto candidate) {
         return simd::select(in_head(uniform), one - candidate, candidate / t);
     };
-    map(count, s, tested, u, x);
-    map(
-        count, rest, [](auto number) { return number; }, s);
-    run(logarithm<T>(), count, s, s);
+    map(count, number, tested, u, x);
+    run(logarithm<T>(), count, number, s);
     run(logarithm<T>(), count, v, v);
 
     // ln (1 - x) as x ln w / (1 - w) for a rounded w = 1 - x.
     const auto p_less = simd::splat(c.p - T(1)), q_less = simd::splat(T(1) - c.q), none = simd::splat(rejected<T>);
-    const auto rejects = [=](auto uniform, auto candidate, auto number, auto log) {
-        const auto near = simd::select(simd::equal(number, one), -candidate, candidate * log / (one - number));
+    const auto rejects = [=](auto uniform, auto candidate, auto tested_number, auto log) {
+        const auto near =
+            simd::select(simd::equal(tested_number, one), -candidate, candidate * log / (one - tested_number));
         return simd::select(in_head(uniform), near * q_less, -(log * p_less));
     };
-    map(count, s, rejects, u, x, rest, s);
+    map(count, s, rejects, u, x, number, s);
     const bool mirrored = c.mirrored;
     const auto result = [=](auto uniform, auto candidate, auto power) {
         if (!mirrored) return candidate;
