@@ -5,7 +5,7 @@
 // Gamma(p+1) Gamma(q+1) / Gamma(p+q+1) of the pairs, half of them and more.
 // Both above 1: the ratio x / (1 - x) from a log-logistic distribution (Cheng's BB). Kept are 68 % of the pairs and more.
 // One below, one above: the power x^(p-1) up to a switching point t and (1-x)^(q-1) beyond it (Atkinson and Whittaker).
-#include "distrib/rejection.h"
+#include "distrib/candidates.h"
 #include "services/export.h"
 
 using namespace orv::distrib;

@@ -10,8 +10,8 @@
 // ending at 1, the u above 1 - alpha, which are alpha e^-y with an exponential y beyond it, give x = (1 - alpha + alpha y)^
 // (1/alpha), of the density alpha x^(alpha-1) e^-y, thinned by e^(y-x); x >= y by Bernoulli's inequality. Kept are
 // Gamma(alpha+1), 89 % of the candidates and more.
+#include "distrib/candidates.h"
 #include "distrib/paired_normals.h"
-#include "distrib/rejection.h"
 #include "services/export.h"
 
 using namespace orv::distrib;
