@@ -2,6 +2,7 @@
 #include "distrib/discrete_laws.h"
 
 #include "distrib/deviates.h"
+#include "services/test_switches.h"
 #include "support/control_state.h"
 
 #include <orv/services.h>
