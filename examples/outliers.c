@@ -25,7 +25,7 @@ int main(void) {
     Stream* stream = NULL;
     int32_t status = __kuzNewStreamEx(&stream, BrngSFMT19937, 1, &seed);
     if (status == StatusOk) status = _kuzdRngGaussian(GaussianInverseCdf, stream, N, x, truth, deviation);
-    __kuzDeleteStream(&stream);
+    if (stream) __kuzDeleteStream(&stream);
     for (int i = 0; i < N; ++i)
         if (is_bad(i)) x[i] += i % 2 ? 3 : 9;
 

@@ -32,7 +32,7 @@ int main(void) {
     Stream* stream = NULL;
     int32_t status = __kuzNewStreamEx(&stream, BrngPHILOX4X32X10, 1, &seed);
     if (status == StatusOk) status = _kuzdRngGaussian(GaussianBoxMullerPaired, stream, P * N, z, 0, 1);
-    __kuzDeleteStream(&stream);
+    if (stream) __kuzDeleteStream(&stream);
     for (int i = 0; i < N; ++i)
         for (int j = 0; j < P; ++j) {
             double sum = 0;

@@ -39,8 +39,8 @@ int main(void) {
     if (status == StatusOk) status = __kuzNewStreamEx(&philox, BrngPHILOX4X32X10, 1, &seed);
     if (status == StatusOk) status = integrate(sobol, &quasi);
     if (status == StatusOk) status = integrate(philox, &random);
-    __kuzDeleteStream(&sobol);
-    __kuzDeleteStream(&philox);
+    if (sobol) __kuzDeleteStream(&sobol);
+    if (philox) __kuzDeleteStream(&philox);
     if (status != StatusOk) {
         fprintf(stderr, "status %d\n", (int)status);
         return 1;

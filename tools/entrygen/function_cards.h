@@ -2,7 +2,10 @@
 //
 //   CARD(function, result, edges, accuracy, source)
 //
-// The worst errors come from bounds.inc; `accuracy` is what else there is to say of them, or nothing.
+// The worst errors come from bounds.inc; `accuracy` is what else there is to say of them, or nothing. A card speaks of real
+// numbers, where there are such; what is different of complex ones stands in a second list:
+//
+//   CARD(function, edges, source)
 #pragma once
 
 // clang-format off
@@ -81,8 +84,21 @@
     CARD(Acosh, "the inverse hyperbolic cosine of a", "Below 1 a NaN, reported as domain; 1 gives +0, plus infinity comes back.", "", "ln(a + sqrt(a^2 - 1)) in two parts") \
     CARD(Asinh, "the inverse hyperbolic sine of a", "Infinities and zeros come back.", "", "ln(a + sqrt(a^2 + 1)) in two parts") \
     CARD(Atanh, "the inverse hyperbolic tangent of a", "Beyond 1 in magnitude a NaN, reported as domain; 1 and -1 give infinities, reported as singularity; zeros come back.", "", "ln((1 + a) / (1 - a)) / 2 in two parts") \
+    CARD(Erf, "the error function", "Infinities give 1 of their sign; zeros come back.", "Keeps its relative accuracy next to zero; from 5.93 on 1.", "A table of erf and its derivative, with Taylor's series between") \
+    CARD(Erfc, "the complementary error function: 1 - erf(a)", "Infinity gives +0, minus infinity 2. Above 26.54 (s: 9.19) a subnormal or zero, reported as underflow.", "Keeps its relative accuracy far out.", "e^(-a^2) times an expansion of e^(a^2) erfc(a)") \
+    CARD(CdfNorm, "the cumulative normal distribution function", "Infinity gives 1, minus infinity +0. Below -37.52 (s: -12.98) a subnormal or zero, reported as underflow.", "Keeps its relative accuracy in the lower tail.", "As Erfc") \
+    CARD(ExpInt1, "the exponential integral E1: that of e^-t / t from a to infinity", "Zeros give infinity, reported as singularity; negative values a NaN, reported as domain; infinity gives +0. Above 701.8 (s: 82.9) a subnormal or zero, reported as underflow, but not by the double EP.", "", "e^-a times an expansion of e^a E1(a); below 1/16 its series") \
+    CARD(TGamma, "the gamma function", "Zeros give an infinity of their sign, reported as singularity; negative whole numbers and minus infinity a NaN, reported as domain. From 171.63 on (s: 35.04) and next to zero infinity, reported as overflow; subnormal results and zeros, which all are below -185 (s: -43), as underflow.", "", "Expansions about the middles of short intervals; below 0 by reflection") \
+    CARD(LGamma, "ln of the magnitude of the gamma function", "Zero and negative whole numbers give infinity, reported as singularity; so do infinities, without report. Above 2.55e305 (s: 4.08e36) infinity, reported as overflow.", "Keeps its relative accuracy next to its zeros at 1 and 2 and, down to -17, next to those below -2.", "Expansions about the middles of short intervals and about the zeros; beyond 128 Stirling's series, below 0 by reflection") \
     CARD(ErfInv, "the inverse of the error function: the x with erf(x) = a", "-1 and 1 give an infinity of their sign, reported as singularity; values beyond them a NaN, reported as domain; zeros come back.", "Keeps its relative accuracy next to zero.", "Expansions about the middles of short intervals") \
     CARD(ErfcInv, "the inverse of the complementary error function: the x with erfc(x) = a", "0 gives infinity and 2 minus infinity, reported as singularity; values below 0 or above 2 a NaN, reported as domain.", "Keeps its relative accuracy next to a = 1.", "As ErfInv") \
     CARD(CdfNormInv, "the inverse of the cumulative normal distribution: the quantile of a", "0 gives minus infinity and 1 infinity, reported as singularity; values below 0 or above 1 a NaN, reported as domain.", "Keeps its relative accuracy next to a = 1/2.", "As ErfInv") \
-    CARD(Conj, "the complex conjugate of a", "The sign bit of the imaginary part is turned whatever it is the sign of; no flag is raised.", "", "C99 7.3.9.4")
+    CARD(Conj, "the complex conjugate of a", "The sign bit of the imaginary part is turned whatever it is the sign of; no flag is raised.", "", "C99 7.3.9.4") \
+    CARD(MulByConj, "a times the complex conjugate of b", "As Mul.", "", "C99 Annex G.5.1")
+
+#define ORV_COMPLEX_CARDS(CARD) \
+    CARD(Add, "Each part by itself; EP cannot differ.", "IEC 60559") \
+    CARD(Sub, "Each part by itself; EP cannot differ.", "IEC 60559") \
+    CARD(Mul, "An infinity times anything but zero is an infinity, beside a NaN too. Nothing is reported.", "Products in two parts, T. J. Dekker, Numer. Math. 18 (1971); C99 Annex G.5.1") \
+    CARD(Div, "A finite number other than zero over zero gives infinities, reported as singularity; 0/0 and infinity/infinity NaNs, reported as domain; an infinity over a finite number is an infinity, a finite number over an infinity zero. Overflow and underflow are not reported.", "Products in two parts, T. J. Dekker, Numer. Math. 18 (1971); C99 Annex G.5.1")
 // clang-format on
