@@ -1,9 +1,41 @@
 /* Random numbers: the basic generators, the arithmetic of their jumps, and the distributions.
  *
+ *     #include <math.h>
+ *     #include <orv/random.h>
+ *     #include <stdint.h>
+ *     #include <stdio.h>
+ *
+ *     enum { N = 10000 };
+ *
+ *     int main(void) {
+ *         const uint32_t seed = 1;
+ *         static double x[N];
+ *         double sum = 0;
+ *         Stream* stream;
+ *         if (__kuzNewStreamEx(&stream, BrngPHILOX4X32X10, 1, &seed) != StatusOk) return 1;
+ *         // normal numbers of mean 5 and standard deviation 2
+ *         if (_kuzdRngGaussian(GaussianInverseCdf, stream, N, x, 5, 2) != StatusOk) return 1;
+ *         for (int i = 0; i < N; ++i) sum += x[i];
+ *         printf("mean %s\n", fabs(sum / N - 5) < 3 * 2 / sqrt(N) ? "within 3 standard errors of 5" : "off");
+ *         __kuzDeleteStream(&stream);
+ *         return 0;
+ *     }
+ *
+ * It prints
+ *
+ *     mean within 3 standard errors of 5
+ *
  * A basic generator has four entries, which stand in its row of the registry (streams.h): an initStream that seeds and
  * jumps, and three kernels that write n numbers to r: single and double precision, uniform on the interval from a to b,
  * and raw words. A call of n numbers followed by a call of m numbers gives the numbers of one call of n + m.
- * Statuses are those of streams.h. Every entry uses the C calling convention. */
+ * Statuses are those of streams.h. Every entry uses the C calling convention.
+ *
+ * Names. __kuz<type>BRng<Name> are the generators, _kuz<type>Rng<Distribution> the distributions; the type is that of the
+ * numbers: s (float), d (double), i (32-bit integers, or words).
+ *
+ * A distribution's arguments are a method, the stream, the count n, the array r of n numbers (or points, where a comment
+ * says so), and the parameters, which have the unit of the numbers unless they are shapes or probabilities. No pointer may
+ * be null, r neither unless n is 0 or below. errno is left alone. */
 #ifndef ORV_RANDOM_H
 #define ORV_RANDOM_H
 

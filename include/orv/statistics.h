@@ -1,20 +1,51 @@
-/* Summary statistics: a task that describes the data and the results, and the basic pass over it.
+/* Summary statistics: a task that describes the data and the results, and the computations on it.
+ *
+ *     #include <orv/statistics.h>
+ *     #include <stdint.h>
+ *     #include <stdio.h>
+ *
+ *     int main(void) {
+ *         const double x[2 * 5] = {1, 2, 3, 4, 5,      // component 0, five observations
+ *                                  2, 4, 6, 8, 30};    // component 1
+ *         const double half = 0.5;
+ *         const int32_t p = 2, n = 5, form = StorageRows, full = SSMatrixFull, orders = 1;
+ *         double mean[2], cov[4], median[2];
+ *         SSTask* task;
+ *         int32_t status = __kuzdSSNewTask(&task, &p, &n, &form, x, NULL, NULL, 0);
+ *         if (status != SSStatusOk) return 1;
+ *         __kuzdSSEditCovCor(task, mean, cov, &full, NULL, NULL);
+ *         __kuzdSSEditQuantiles(task, &orders, &half, median, NULL, NULL);
+ *         status = _kuzdSSBasic(task, ORV_SS_MEAN | ORV_SS_COV, BasicOnePass, orv_serv_services());
+ *         if (status == SSStatusOk) status = _kuzdSSQuantiles(task, ORV_SS_QUANTILES, 0, orv_serv_services());
+ *         if (status == SSStatusOk) {
+ *             printf("means %g %g, medians %g %g\n", mean[0], mean[1], median[0], median[1]);
+ *             printf("covariance %g %g\n           %g %g\n", cov[0], cov[1], cov[2], cov[3]);
+ *         }
+ *         __kuzSSDeleteTask(&task);
+ *         return status;
+ *     }
+ *
+ * It prints
+ *
+ *     means 3 10, medians 3 6
+ *     covariance 2.5 15
+ *                15 130
  *
  * A task is one flat record of pointers into the caller's memory. It owns none of the arrays; inputs, results and even the
  * dimensions are reached through pointers, so that a caller may change a dimension or a buffer between computations without
  * editing the task. A caller makes a task, stores pointers in it with the editors, runs compute entries on it as often
- * as it likes, and deletes it:
- *
- *     int32_t p = 3, n = 1000, form = StorageRows;
- *     SSTask* task;
- *     __kuzdSSNewTask(&task, &p, &n, &form, x, 0, 0, 0);
- *     __kuzdSSEditTask(task, SSIdMean, mean);
- *     _kuzdSSBasic(task, ORV_SS_MEAN, BasicOnePass, orv_serv_services());
- *     __kuzSSDeleteTask(&task);
+ * as it likes, and deletes it.
  *
  * Entries come in a `d` form for tasks of doubles and an `s` form for tasks of floats. A task's integers (dimensions,
  * storage forms, counts, indices) are all 32-bit or all 64-bit, as said when it is made. A task is not locked: one thread
- * at a time. Every entry returns a status, 0 on success. */
+ * at a time. Every entry returns a status, 0 on success. Results have the units of the data, to the power of the moment.
+ *
+ * Names. __kuz<type>SS, with two underscores, is the prefix of a task's life: making, editing, deleting. _kuz<type>SS, with
+ * one, is that of what computes. The bits of a request are ORV_SS_..., the fields of a task SSId..., statuses SSStatus...
+ *
+ * Null pointers. `services` may be null everywhere: one thread. Weights and indices may be null: each weight is 1, all
+ * components take part. A field that a request needs and that is null gives the field's status; the others are not looked
+ * at. errno is left alone. */
 #ifndef ORV_STATISTICS_H
 #define ORV_STATISTICS_H
 
