@@ -1,5 +1,6 @@
 // Statistics of several components together, by definition in extended arithmetic, over shapes, forms, weights and threads; singular
 // and hostile matrices; refusals.
+#include "services/test_switches.h"
 #include "stats/reference.h"
 
 #include <gtest/gtest.h>
