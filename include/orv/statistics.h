@@ -155,7 +155,8 @@ struct SSTask {
     int32_t ownedTenant;  /*     whose numbers it holds, 0 nobody's: compute entries name themselves here */
     int32_t ownedCount;   /*     the number of components that they are about */
     uint32_t ownedBytes;  /*     its size */
-    int32_t unused[6];
+    void* streamSummary;  /*     of the streaming quantiles; __kuzSQuantilesFreeBuffers frees it */
+    int32_t unused[5];
 };
 
 /* The ids that the compute entries of this header read and write; the others are in the comments above. */
@@ -527,12 +528,23 @@ int32_t _kuzsSSBasic(SSTask* task, uint64_t estimates, uint64_t method, const or
  * _kuz[sd]SSWMedian     ORV_SS_WEIGHTED_MEDIAN: to `quantiles`, p values: the least observation whose cumulated weight passes
  *                       half the whole; where it equals the half, the mean of that one and the next of positive weight.
  *                       `w` null: each weight is 1. A whole weight not above 0 is SSStatusW.
+ * _kuz[sd]SSStreamQuantiles  ORV_SS_STREAM_QUANTILES: the observations join a summary that the task keeps, and the
+ *                       `streamOrderCount` quantiles of the orders in `streamOrders` of all observations so far go to
+ *                       `streamQuantiles`, p rows of that many. The first of the `streamParamCount` numbers in
+ *                       `streamParams` is epsilon, in (0, 1): for order q of n observations so far the result is one of them
+ *                       whose rank is no further than epsilon n (and one half) from the position q (n - 1), whatever the order of
+ *                       the data and however it is cut into blocks; the extremes are exact. The memory is O(1/epsilon
+ *                       log^2(epsilon n)). p or epsilon changed from the call before starts afresh, and so does
+ *                       __kuzSQuantilesFreeBuffers. Weights are not looked at.
  *
  * Return 0, or, with nothing written: SSStatusEstimates, SSStatusMethod, SSStatusP, SSStatusN, SSStatusX, SSStatusStorage,
  * SSStatusStorageValue, the status of a missing array, SSStatusQuantOrderCount for a count below 1, SSStatusQuantOrders
- * for an order outside [0, 1] or NaN, SSStatusAllocation.
+ * for an order outside [0, 1] or NaN, SSStatusAllocation; from the streaming quantiles SSStatusStreamParamCount and
+ * SSStatusStreamOrderCount for a count below 1, SSStatusStreamParams for such an epsilon, SSStatusStreamOrders.
  *
- * Source: R. J. Hyndman, Y. Fan, Sample quantiles in statistical packages, The American Statistician 50 (1996), definition 7. */
+ * Source: R. J. Hyndman, Y. Fan, Sample quantiles in statistical packages, The American Statistician 50 (1996), definition 7; J. I.
+ * Munro, M. S. Paterson, Selection and sorting with limited storage, Theoretical Computer Science 12 (1980); Q. Zhang, W. Wang,
+ * A fast algorithm for approximate quantiles in high speed data streams, SSDBM (2007). */
 int32_t _kuzdSSQuantiles(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
 int32_t _kuzsSSQuantiles(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
 int32_t _kuzdSSSort(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
@@ -591,6 +603,12 @@ int32_t _kuzdSSRobustCovariance(SSTask* task, uint64_t estimates, uint64_t metho
 int32_t _kuzsSSRobustCovariance(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
 int32_t _kuzdSSOutliersDetection(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
 int32_t _kuzsSSOutliersDetection(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
+
+int32_t _kuzdSSStreamQuantiles(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
+int32_t _kuzsSSStreamQuantiles(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
+
+/* Frees the summary of a task's streaming quantiles, if there is one; the next call starts afresh. Deleting the task does it. */
+void __kuzSQuantilesFreeBuffers(SSTask* task);
 
 /* Sort n numbers in place, ascending; the Step form has them `stride` elements apart. Select returns the element of order k,
  * from 0, and parts the data by it: none before place k is larger, none behind it smaller. No element may be a NaN.
