@@ -17,9 +17,29 @@ double edge(const Histogram& histogram, size_t bin) {
     return histogram.from + (histogram.to - histogram.from) * share;
 }
 
+// The density as counts of a bin, at so many places.
+std::string curve(const Histogram& histogram) {
+    constexpr size_t places = 800;
+    int64_t all = histogram.outside;
+    for (const int64_t bin : histogram.counts) all += bin;
+    const double width = histogram.to - histogram.from;
+    const double bin_count = static_cast<double>(all) * width / static_cast<double>(histogram.counts.size());
+    std::string points;
+    for (size_t i = 0; i < places; ++i) {
+        const double x = histogram.from + width * (static_cast<double>(i) + 0.5) / places;
+        append_number(points, x);
+        points += ' ';
+        append_number(points, bin_count * histogram.density(x));
+        points += '\n';
+    }
+    return points;
+}
+
 }  // namespace
 
-Histogram make_histogram(double from, double to, size_t bins) { return {from, to, std::vector<int64_t>(bins), 0}; }
+Histogram make_histogram(double from, double to, size_t bins) {
+    return {from, to, std::vector<int64_t>(bins), 0, nullptr};
+}
 
 void count(Histogram& histogram, double value) {
     const double bins = static_cast<double>(histogram.counts.size());
@@ -48,12 +68,15 @@ std::string as_text(const Histogram& histogram) {
 void draw_plot(const Histogram& histogram, const std::string& title, Output& output) {
     std::string script = "set title " + plot_quoted(title) +
                          "\nset style fill solid 0.6\nset ylabel 'count'\nset yrange [0:*]\nunset key\n";
-    script += "plot '-' using 1:2 with boxes\n";
+    script += "plot '-' using 1:2 with boxes";
+    script += histogram.density ? ", '-' using 1:2 with lines linewidth 2\n" : "\n";
     for (size_t bin = 0; bin < histogram.counts.size(); ++bin) {
         append_number(script, (edge(histogram, bin) + edge(histogram, bin + 1)) / 2);
         script += " " + std::to_string(histogram.counts[bin]) + "\n";
     }
-    write_plot(output, 800, 500, script + "e\n");
+    script += "e\n";
+    if (histogram.density) script += curve(histogram) + "e\n";
+    write_plot(output, 800, 500, script);
 }
 
 }  // namespace orv::command
