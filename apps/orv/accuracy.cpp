@@ -58,8 +58,9 @@ void draw(const std::string& title, const std::string& data, const std::vector<s
         // Errors are seen by their powers of two.
         const bool parts = type == 'c' || type == 'z';
         script +=
-            "set multiplot layout 1,3 title " + plot_quoted(title + " of each cell") +
-            "\nset logscale cb 2\nset palette defined (0 '#30123b', 1 '#28bbec', 2 '#a2fc3c', 3 '#fb8022', 4 "
+            "set multiplot layout 1,3 title " + plot_quoted(title + " in each cell") +
+            "\nset logscale cb 2\nset cbrange [*:0.02<*]\nset palette defined (0 '#30123b', 1 '#28bbec', 2 '#a2fc3c', "
+            "3 '#fb8022', 4 "
             "'#7a0403')\nset cblabel 'error, ulp'\nunset key\nset tics out nomirror\nset autoscale fix\nset xlabel " +
             (parts ? "'real part'\nset ylabel 'imaginary part'\n" : "'first argument'\nset ylabel 'second argument'\n");
         for (int i = 0; i < 3; ++i)
@@ -70,7 +71,7 @@ void draw(const std::string& title, const std::string& data, const std::vector<s
     script +=
         "set logscale y\nset xlabel 'argument'\nset ylabel 'error, ulp'\nset grid\nset tics out nomirror\n"
         "set autoscale xfix\nset key outside right top Left reverse samplen 1\nset title " +
-        plot_quoted(title + " of each six hundredth of the range") + "\n";
+        plot_quoted(title + " in each part of the range") + "\n";
     static const char* const colours[] = {"#1f6fb4", "#2a8a3a", "#d04030"};
     for (int i = 0; i < 3; ++i)
         script += (i ? ", " : "plot ") + ("$e" + std::to_string(i)) + " using 1:2 with points pt 7 ps 0.3 lc rgb '" +
@@ -79,7 +80,7 @@ void draw(const std::string& title, const std::string& data, const std::vector<s
 }
 
 // Where the errors of an accuracy were met, for the picture: the worst in each part or cell. An error of 0 has no place on
-// a logarithmic axis; on a map it is the least that is there.
+// a logarithmic axis, and is drawn as one too small to matter.
 template <class T>
 void add_errors(std::string& data, int accuracy, const std::vector<T>& x, const std::vector<double>& errors,
                 size_t side) {
@@ -96,6 +97,7 @@ void add_errors(std::string& data, int accuracy, const std::vector<T>& x, const 
     constexpr double least = 1.0 / 64;
     for (size_t part = 0; part < parts; ++part) {
         const size_t i = worst[part];
+        const double error = std::max(errors[i], least);
         char line[96];
         if (side > 1) {
             // The middle of the cell: its points are evenly spread.
@@ -105,9 +107,9 @@ void add_errors(std::string& data, int accuracy, const std::vector<T>& x, const 
                 return low + (high - low) * (static_cast<double>(place) + 0.5) / static_cast<double>(across);
             };
             std::snprintf(line, sizeof line, "%.9g %.9g %.6g\n", middle(part / across, 0), middle(part % across, 1),
-                          std::max(errors[i], least));
+                          error);
         } else {
-            std::snprintf(line, sizeof line, "%.9g %.6g\n", static_cast<double>(x[i]), errors[i]);
+            std::snprintf(line, sizeof line, "%.9g %.6g\n", static_cast<double>(x[i]), error);
         }
         data += line;
     }

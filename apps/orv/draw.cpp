@@ -43,7 +43,7 @@ void move_stream(Stream* stream, const DrawRequest& request) {
 std::string source_of(const DrawRequest& request) {
     if (!request.load.empty()) return "the stream in " + request.load;
     std::string text = request.generator + ", seed ";
-    for (const uint32_t word : request.seed) text += (&word == request.seed.data() ? "" : ",") + std::to_string(word);
+    for (const uint32_t& word : request.seed) text += (&word == request.seed.data() ? "" : ",") + std::to_string(word);
     return text;
 }
 

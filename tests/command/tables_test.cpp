@@ -223,6 +223,8 @@ TEST_F(Command, Draws) {
         {"stats", "x,o'y\n1,2\n2,4\n3,9\n", {"o'y", "0.97", "Correlation"}},
         {"stats", "%d,%%s,{a}_b^c@&~\\t\n1,2,3\n2,4,1\n3,9,5\n", {">%d<", ">%%s<", "{a}_b^c@&amp;~\\t"}},
         {"accuracy Exp --type s --points 3000", "", {"Exp in float", "argument", "error, ulp", "HA: 0.5"}},
+        {"accuracy Ceil --points 100", "", {"Ceil in double", "EP: 0 ulp"}},
+        {"accuracy Conj --type z --points 100", "", {"Conj in complex double", "imaginary part"}},
         {"accuracy Add --points 3000", "", {"Add in double", "first argument", "second argument", "LA: 0.5"}},
         {"draw uniform --n 100",
          "",
