@@ -153,7 +153,9 @@ unsigned may_raise(const Row& row, const Components& arguments, const Components
     if (any_nan(results)) flags |= invalid;
     // An infinite second argument of NextAfter is but a direction.
     const Components operands = row.function() == "NextAfter" ? Components{arguments[0]} : arguments;
-    if (any_infinite(results) && !any_infinite(operands)) flags |= divide | overflow;
+    // What goes part by part may overflow in one beside an infinity in the other.
+    const bool by_parts = is_complex(row.type) && (row.function() == "Add" || row.function() == "Sub");
+    if (any_infinite(results) && (by_parts || !any_infinite(operands))) flags |= divide | overflow;
     return flags & can_raise(row);
 }
 
