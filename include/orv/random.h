@@ -410,6 +410,37 @@ int32_t _kuziRngBernoulli(int32_t method, Stream* stream, int32_t n, int32_t* r,
  * 2^-24 next to 1, so that numbers below about 2^-24/p come in steps. */
 int32_t _kuziRngGeometric(int32_t method, Stream* stream, int32_t n, int32_t* r, double p);
 
+/* Discrete distributions. n integers each; an n of 0 or below draws and writes nothing. Parameters are not checked. A
+ * setup is kept with the stream, in one chunk for each distribution, and serves later calls with the same parameters;
+ * without memory for it the result is StatusNoMemory. A negative status of the generator is returned at once, with the
+ * numbers before it written; else the result is its last status. What a method makes of the uniforms begins anew with each
+ * call: by rejection, two calls do not give the numbers of one. Rejection works in single precision: above 2^24 its results
+ * are multiples of the spacing of floats. Poisson, Hypergeometric and Negbinomial keep the thread's state as Exponential
+ * does. */
+
+/* Binomial: successes in ntrial trials of probability p. With p at 1/2 and above the failures are drawn. A mean (of the
+ * rarer outcome) of 30 and above is drawn by rejection, one below from a table of the distribution function. `method` is
+ * not read. An ntrial of 0 gives zeros and draws nothing. A uniform of 0 reaches the caller's error mode as the logarithm of 0, since
+ * this distribution has no mode of its own.
+ * V. Kachitvichyanukul, B. W. Schmeiser, "Binomial random variate generation", Communications of the ACM 31, 1988. */
+int32_t _kuziRngBinomial(int32_t method, Stream* stream, int32_t n, int32_t* r, int32_t ntrial, double p);
+
+/* Methods of Poisson. */
+#ifdef __cplusplus
+enum PoissonMethod : int32_t {
+#else
+enum PoissonMethod {
+#endif
+    PoissonRejection = 0, /* by rejection for a mean of 27 and above, from a table below */
+    PoissonNormal = 1     /* one normal number by GaussianInverseCdf gives one result; below a mean of 1 one uniform */
+};
+
+/* Poisson with the mean lambda, up to about 2^31. `method` is one of the above and not checked. PoissonNormal is an
+ * approximation, whose distribution function is wrong by 1e-4 or so at most; below a mean of 1 its results are at most 11.
+ * B. W. Schmeiser, V. Kachitvichyanukul, "Poisson random variate generation", Purdue University, Research Memorandum 81-4,
+ * 1981. */
+int32_t _kuziRngPoisson(int32_t method, Stream* stream, int32_t n, int32_t* r, double lambda);
+
 /* Functions of one number, for the set-up of distributions and statistics: the argument by value, the result returned. A
  * float or double that is returned travels through the x87 stack on this target, which quiets signalling NaNs.
  *
