@@ -49,33 +49,47 @@ std::string capitals(const char* accuracy) {
     return text;
 }
 
-// The errors of the three accuracies against the argument, or three maps of them. `worst` is that of each accuracy, for
-// the legend or the titles; `cell` the width and height of a cell of the maps.
-void draw(const std::string& title, const std::string& data, const std::vector<std::string>& worst,
-          const std::string& cell, char type, Output& output) {
+// The worst error of an accuracy, and the argument of one component or two where it was met.
+struct Worst {
+    const char* accuracy;
+    double ulp, at, and_at;
+};
+
+// The errors of the three accuracies against the argument, or three maps of them. `cell` is the width and height of a cell of
+// the maps.
+void draw(const std::string& title, const std::string& data, const std::vector<Worst>& table, const std::string& cell,
+          char type, Output& output) {
     std::string script = data;
+    const auto legend = [&](size_t i) {
+        char text[32];
+        std::snprintf(text, sizeof text, ": %.3g ulp", table[i].ulp);
+        return plot_quoted(capitals(table[i].accuracy) + text);
+    };
+    // Where all errors are 0 there is no range to be found.
+    const auto range = [&](size_t i) { return table[i].ulp > 0 ? "[*:*]\n" : "[0.01:1]\n"; };
     if (!cell.empty()) {
         // Errors are seen by their powers of two.
         const bool parts = type == 'c' || type == 'z';
         script +=
             "set multiplot layout 1,3 title " + plot_quoted(title + " in each cell") +
-            "\nset logscale cb 2\nset cbrange [*:0.02<*]\nset palette defined (0 '#30123b', 1 '#28bbec', 2 '#a2fc3c', "
+            "\nset logscale cb 2\nset palette defined (0 '#30123b', 1 '#28bbec', 2 '#a2fc3c', "
             "3 '#fb8022', 4 "
             "'#7a0403')\nset cblabel 'error, ulp'\nunset key\nset tics out nomirror\nset autoscale fix\nset xlabel " +
             (parts ? "'real part'\nset ylabel 'imaginary part'\n" : "'first argument'\nset ylabel 'second argument'\n");
-        for (int i = 0; i < 3; ++i)
-            script += "set title " + plot_quoted(worst[static_cast<size_t>(i)]) + "\nplot $e" + std::to_string(i) +
+        for (size_t i = 0; i < 3; ++i)
+            script += "set title " + legend(i) + "\nset cbrange " + range(i) + "plot $e" + std::to_string(i) +
                       " using 1:2:" + cell + ":3 with boxxyerror lc palette fillstyle solid noborder\n";
         return write_plot(output, 1500, 480, script + "unset multiplot\n");
     }
-    script +=
-        "set logscale y\nset xlabel 'argument'\nset ylabel 'error, ulp'\nset grid\nset tics out nomirror\n"
-        "set autoscale xfix\nset key outside right top Left reverse samplen 1\nset title " +
-        plot_quoted(title + " in each part of the range") + "\n";
+    const bool exact = std::all_of(table.begin(), table.end(), [](const Worst& worst) { return worst.ulp == 0; });
+    script += "set logscale y\nset yrange " + std::string(exact ? "[0.01:1]" : "[*:*]") +
+              "\nset xlabel 'argument'\nset ylabel 'error, ulp'\nset grid\nset tics out nomirror\n"
+              "set autoscale xfix\nset key outside right top Left reverse samplen 1\nset title " +
+              plot_quoted(title + " in each part of the range") + "\n";
     static const char* const colours[] = {"#1f6fb4", "#2a8a3a", "#d04030"};
-    for (int i = 0; i < 3; ++i)
+    for (size_t i = 0; i < 3; ++i)
         script += (i ? ", " : "plot ") + ("$e" + std::to_string(i)) + " using 1:2 with points pt 7 ps 0.3 lc rgb '" +
-                  colours[i] + "' title " + plot_quoted(worst[static_cast<size_t>(i)]);
+                  colours[i] + "' title " + legend(i);
     write_plot(output, 960, 560, script + "\n");
 }
 
@@ -85,11 +99,12 @@ template <class T>
 void add_errors(std::string& data, int accuracy, const std::vector<T>& x, const std::vector<double>& errors,
                 size_t side) {
     const size_t n = errors.size(), inputs = x.size() / n;
+    const bool plane = inputs == 2;
     const size_t across = std::min(plane_side, side);
-    const size_t parts = side > 1 ? across * across : std::min(line_parts, n);
+    const size_t parts = plane ? across * across : std::min(line_parts, n);
     std::vector<size_t> worst(parts, n);
     for (size_t i = 0; i < n; ++i) {
-        const size_t part = side > 1 ? (i / side) * across / side * across + (i % side) * across / side : i * parts / n;
+        const size_t part = plane ? (i / side) * across / side * across + (i % side) * across / side : i * parts / n;
         size_t& of_part = worst[part];
         if (of_part == n || errors[i] > errors[of_part]) of_part = i;
     }
@@ -99,7 +114,7 @@ void add_errors(std::string& data, int accuracy, const std::vector<T>& x, const 
         const size_t i = worst[part];
         const double error = std::max(errors[i], least);
         char line[96];
-        if (side > 1) {
+        if (plane) {
             // The middle of the cell: its points are evenly spread.
             const auto middle = [&](size_t place, size_t component) {
                 const double low = static_cast<double>(x[component]),
@@ -115,12 +130,6 @@ void add_errors(std::string& data, int accuracy, const std::vector<T>& x, const 
     }
     data += "EOD\n";
 }
-
-// The worst error of an accuracy, and the argument of one component or two where it was met.
-struct Worst {
-    const char* accuracy;
-    double ulp, at, and_at;
-};
 
 std::string as_csv(const std::vector<Worst>& table, bool plane) {
     std::string text = plane ? "accuracy,worst_ulp,at,and\n" : "accuracy,worst_ulp,at\n";
@@ -176,7 +185,6 @@ int run(const Request& request, const std::vector<const accuracy::Kernel*>& kern
     }
 
     std::string data;
-    std::vector<std::string> legend;
     std::vector<Worst> table;
     Progress progress = start_progress(static_cast<int64_t>(3 * n));
     for (int index = 0; index < 3; ++index) {
@@ -202,9 +210,6 @@ int run(const Request& request, const std::vector<const accuracy::Kernel*>& kern
         table.push_back({accuracies[index], errors[worst], static_cast<double>(x[inputs * worst]),
                          static_cast<double>(x[inputs * worst + 1 % inputs])});
         add_errors(data, index, x, errors, side);
-        char text[32];
-        std::snprintf(text, sizeof text, ": %.3g ulp", errors[worst]);
-        legend.push_back(capitals(accuracies[index]) + text);
     }
     end_progress(progress);
     write_output("", request.json ? as_json(function.name, kernels[0]->type, table, plane) : as_csv(table, plane));
@@ -214,7 +219,7 @@ int run(const Request& request, const std::vector<const accuracy::Kernel*>& kern
         if (plane)
             std::snprintf(cell, sizeof cell, "(%.9g):(%.9g)", (first.high - first.low) / across,
                           (second.high - second.low) / across);
-        draw(std::string(function.name) + " in " + name_of(kernels[0]->type) + ": worst error", data, legend, cell,
+        draw(std::string(function.name) + " in " + name_of(kernels[0]->type) + ": worst error", data, table, cell,
              kernels[0]->type, *plot);
     }
     return 0;
