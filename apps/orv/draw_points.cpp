@@ -1,6 +1,7 @@
 // `orv draw sobol`: points of a low-discrepancy sequence, and a picture of them beside pseudo-random ones.
 #include "draw.h"
 #include "failure.h"
+#include "names.h"
 #include "options.h"
 #include "plot.h"
 
@@ -92,9 +93,15 @@ void add_draw_points(CLI::App& draw) {
     CLI::App* sobol = draw.add_subcommand("sobol", "Points of a low-discrepancy sequence, one a line");
     add_count(*sobol, "--dimension", request->dimension, 1, most_dimensions,
               "coordinates a point: to 40, or 318 with Niederr");
-    sobol->add_option("--brng", request->generator, "the sequence")
-        ->check(CLI::IsMember({"Sobol", "Niederr"}, CLI::ignore_case))
-        ->capture_default_str();
+    const auto choose = [request](const std::string& text) {
+        const std::vector<std::string> sequences = {"Sobol", "Niederr"};
+        const auto found = std::find_if(sequences.begin(), sequences.end(),
+                                        [&](const std::string& name) { return same_letters(name, text); });
+        if (found == sequences.end()) fail(no_such("sequence", text, sequences));
+        request->generator = *found;
+    };
+    sobol->add_option_function<std::string>("--brng", choose, "the sequence, Sobol or Niederr")
+        ->default_str(request->generator);
     add_count(*sobol, "--n", request->n, 1, most_points, "how many points");
     add_count(*sobol, "--skip", request->skip, 0, most_points, "pass over so many points first");
     sobol->add_option("--plot", request->plot,

@@ -154,6 +154,8 @@ TEST_F(Command, Refuses) {
         {"fit --x t --y v --integrate 1", parabola, "--integrate: 1 is not two numbers with a comma between them\n"},
 
         {"draw sobol --dimension 41", "", "--dimension: Sobol has 40 here"},
+        {"draw sobol --dimension 41 --brng SOBOL", "", "--dimension: Sobol has 40 here"},
+        {"draw sobol --brng Sobl", "", "no sequence Sobl; did you mean Sobol? There are Sobol, Niederr\n"},
         {"draw sobol --dimension 319 --brng Niederr", "", ""},
         {"draw sobol --dimension 1 --plot p.svg", "", "--plot wants two dimensions or more\n"},
         {"draw sobol --n 4294967295 --skip 4294967295", "", "--skip: the "},
