@@ -162,7 +162,7 @@ int32_t draw_rejecting(Stream* stream, int32_t n, int32_t* r, int32_t ntrial, do
     const ByRejection& b = setup->rejection;
     const Law law = {b.steps, ntrial,     b.npq,          b.inverse_npq, scaled_odds,
                      b.odds,  b.hat.mode, double(ntrial), p / (1 - p)};
-    return draw_by_rejection(stream, n, r, b.hat, law);
+    return draw_under_hat(stream, n, r, b.hat, law);
 }
 
 // ---- Table ---------------------------------------------------------------------------------------------------------

@@ -104,7 +104,7 @@ int32_t draw_rejecting(Stream* stream, int32_t n, int32_t* r, float lambda) {
         [=](Setup& s) { set_rejection(s.rejection, lambda); });
     if (!setup) return StatusNoMemory;
     const ByRejection& b = setup->rejection;
-    return draw_by_rejection(stream, n, r, b.hat, Law{b.steps, lambda, b.hat.mode, b.log_step});
+    return draw_under_hat(stream, n, r, b.hat, Law{b.steps, lambda, b.hat.mode, b.log_step});
 }
 
 // ---- Table ---------------------------------------------------------------------------------------------------------

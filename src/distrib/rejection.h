@@ -266,7 +266,7 @@ struct Batch {
 
 // n numbers under the hat. Each batch has as many pairs as results are wanted, but no more than the law's batch.
 template <class Law>
-int32_t draw_by_rejection(Stream* stream, int32_t n, int32_t* r, const Hat& hat, const Law& law) {
+int32_t draw_under_hat(Stream* stream, int32_t n, int32_t* r, const Hat& hat, const Law& law) {
     Batch<Law> batch(hat, law);
     int32_t status = StatusOk;
     for (int32_t done = 0; done < n;) {
