@@ -212,7 +212,7 @@ void set_table(ByTable& b, const Urn& urn) {
     double sum = 0;
     int32_t size = 0;
     for (; size <= urn.most; ++size) {
-        const double term = precise_exponential(numerator - log_product(urn, size));
+        const double term = accurate_exponential(numerator - log_product(urn, size));
         if (size > urn.mode && term < least) break;
         b.increment = term;
         b.entries[size] = sum += term;

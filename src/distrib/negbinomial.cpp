@@ -119,25 +119,24 @@ struct Law {
         return simd::less_equal(distance, simd::splat(static_cast<float>(Steps::count)));
     }
 
-    struct TwoRatios {
-        __m128d value, known;
+    struct Deviances {
+        __m128d log_ratio, known;  // but for the corrections
     };
-    TwoRatios log_ratio_of(__m128d d) const {
-        const __m128d upper = simd::splat(l.upper), lower = simd::splat(l.lower), quarter = simd::splat(0.25);
-        const auto above = growth(upper, d, 0.0), below = growth(lower, d, 0.0);
-        // c(z) is -1/(24 z) for what comes here.
-        const __m128d a1 = upper * (upper + d), b1 = lower * (lower + d);
-        const __m128d corrections = simd::splat(1 / 24.0) * d * (b1 - a1) / (a1 * b1);
-        const __m128d known =
-            simd::less_equal(simd::greatest(simd::magnitude(above.v), simd::magnitude(below.v)), quarter);
-        return {d * simd::splat(l.log_step) + above.deviance - below.deviance + corrections, known};
+    Deviances deviances(__m128d d) const {
+        const auto above = growth<double>(simd::splat(l.upper), d), below = growth<double>(simd::splat(l.lower), d);
+        const __m128d farther = simd::greatest(simd::magnitude(above.v), simd::magnitude(below.v));
+        return {d * simd::splat(l.log_step) + (above.deviance - below.deviance),
+                simd::less_equal(farther, simd::splat(0.125))};
     }
 
+    // The corrections are -1/(24 z) for what comes here.
     Verdict judge(__m128i, __m128 d, __m128 alv) const {
-        const TwoRatios low = log_ratio_of(simd::widen_low(d)), high = log_ratio_of(simd::widen_high(d));
-        const __m128 value = simd::narrow(low.value, high.value);
-        const __m128 known =
-            simd::even_lanes(simd::floats(simd::bits_of(low.known)), simd::floats(simd::bits_of(high.known)));
+        const Deviances low = deviances(simd::widen_low(d)), high = deviances(simd::widen_high(d));
+        const __m128 upper = simd::splat(static_cast<float>(l.upper)), lower = simd::splat(static_cast<float>(l.lower));
+        const __m128 above = upper * (upper + d), below = lower * (lower + d);
+        const __m128 corrections = simd::splat(1 / 24.0f) * d * ((below - above) / below) / above;
+        const __m128 value = simd::narrow(low.log_ratio, high.log_ratio) + corrections;
+        const __m128 known = simd::floats(simd::even_words(simd::bits_of(low.known), simd::bits_of(high.known)));
         return {simd::bit_and(known, simd::less_equal(alv, value)), simd::bit_and_not(known, simd::equal(alv, alv))};
     }
 
@@ -185,7 +184,7 @@ int32_t draw_thinned(Stream* stream, int32_t n, int32_t* r, double a, double p) 
 // ---- Table ---------------------------------------------------------------------------------------------------------
 
 void set_table(ByTable& b, double a, double p, int32_t size) {
-    double term = precise_power(p, a), sum = term;
+    double term = accurate_power(p, a), sum = term;
     b.entries[0] = term;
     for (int32_t k = 1; k < size; ++k) {
         term *= (a + k - 1) * (1 - p) / k;
