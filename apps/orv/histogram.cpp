@@ -17,10 +17,28 @@ double edge(const Histogram& histogram, size_t bin) {
     return histogram.from + (histogram.to - histogram.from) * share;
 }
 
+// The density as counts of a bin, at so many places.
+std::string curve(const Histogram& histogram, double shift) {
+    constexpr size_t places = 800;
+    int64_t all = histogram.outside;
+    for (const int64_t bin : histogram.counts) all += bin;
+    const double width = histogram.to - histogram.from;
+    const double bin_count = static_cast<double>(all) * width / static_cast<double>(histogram.counts.size());
+    std::string points;
+    for (size_t i = 0; i < places; ++i) {
+        const double x = histogram.from + width * (static_cast<double>(i) + 0.5) / places;
+        append_number(points, x + shift);
+        points += ' ';
+        append_number(points, bin_count * histogram.density(x));
+        points += '\n';
+    }
+    return points;
+}
+
 }  // namespace
 
 Histogram make_histogram(double from, double to, size_t bins) {
-    return {from, to, false, std::vector<int64_t>(bins), 0};
+    return {from, to, false, std::vector<int64_t>(bins), 0, nullptr};
 }
 
 Histogram make_whole_histogram(double from, double to, size_t bins) {
@@ -34,7 +52,7 @@ Histogram make_whole_histogram(double from, double to, size_t bins) {
             break;
         }
     const double count = std::ceil(range / width);
-    return {from, from + count * width, true, std::vector<int64_t>(static_cast<size_t>(count)), 0};
+    return {from, from + count * width, true, std::vector<int64_t>(static_cast<size_t>(count)), 0, nullptr};
 }
 
 void count(Histogram& histogram, double value) {
@@ -71,12 +89,15 @@ void draw_plot(const Histogram& histogram, const std::string& title, Output& out
                   edge(histogram, 1) - histogram.from);
     std::string script = "set title " + plot_quoted(title) + setting +
                          "set style fill solid 0.6\nset tics out nomirror\nset xlabel 'value'\nset yrange [0:*]\n"
-                         "unset key\nplot '-' using 1:2 with boxes lc rgb '#1f6fb4'\n";
+                         "unset key\nplot '-' using 1:2 with boxes lc rgb '#1f6fb4'";
+    script += histogram.density ? ", '-' using 1:2 with lines lc rgb '#d95f02' linewidth 2\n" : "\n";
     for (size_t bin = 0; bin < histogram.counts.size(); ++bin) {
         append_number(script, (edge(histogram, bin) + edge(histogram, bin + 1)) / 2 + shift);
         script += " " + std::to_string(histogram.counts[bin]) + "\n";
     }
-    write_plot(output, 800, 500, script + "e\n");
+    script += "e\n";
+    if (histogram.density) script += curve(histogram, shift) + "e\n";
+    write_plot(output, 800, 500, script);
 }
 
 }  // namespace orv::command
