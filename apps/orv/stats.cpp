@@ -256,7 +256,9 @@ void run(const Request& request) {
     const std::vector<Section> sections = sections_of(request, data);
     const std::string text = request.json ? as_json(data, sections) : as_tables(data, sections, request.csv);
     if (!request.json) name_nans(data);
-    if (plot) draw_matrix("Correlation", data.names, data.cor, *plot);
+    if (plot)
+        draw_matrix("Correlation of " + std::to_string(data.rows) + " rows of " + source_name(request.file), data.names,
+                    data.cor, *plot);
     write(output, text);
     finish(output);
 }

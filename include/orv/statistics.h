@@ -572,7 +572,7 @@ int32_t _kuzsSSWMedian(SSTask* task, uint64_t estimates, uint64_t method, const 
  *       RobustMaronna  Maronna's monotone M-estimator with Huber's weights, affine equivariant, of breakdown point 1 / (q + 1)
  *                      and no more.
  *     `robustParams`, `robustParamCount` (4) data, of which RobustMaronna uses the last two:
- *       [0]  breakdown point, in (0, 1/2]; no more than (n - q) / (2 n) is used
+ *       [0]  breakdown point, in [1e-9, 1/2]; no more than (n - q) / (2 n) is used
  *       [1]  asymptotic rejection probability, in (0, 1): of an observation from the normal model, to lose its weight
  *            altogether. The breakdown point has precedence where both cannot be had: for 1/2 and 0.001, up to 4 components
  *            more is rejected, and from 17 less
@@ -609,6 +609,47 @@ int32_t _kuzsSSStreamQuantiles(SSTask* task, uint64_t estimates, uint64_t method
 
 /* Frees the summary of a task's streaming quantiles, if there is one; the next call starts afresh. Deleting the task does it. */
 void __kuzSQuantilesFreeBuffers(SSTask* task);
+
+/* Imputes missing values under the multivariate normal model: expectation-maximisation (EM) finds the estimates of the greatest
+ * likelihood, and from there chains of data augmentation (DA), one for each set, alternate between drawing the missing values
+ * given mean and covariance, and these given all values. A NaN in x marks a missing value. The arguments are (task,
+ * estimates, method, services), the estimate ORV_SS_MISSING_VALUES, method 0 or ORV_SS_METHOD_FAST, the same. q is the number of
+ * components that take part (`indices`): the others are not looked at, and all arrays below speak of the q alone, in their
+ * order. Weights are not looked at. An estimate is q + q (q + 1) / 2 data: a mean, and a covariance as its lower triangle by
+ * rows. The fields are five pairs of a count of data and an array:
+ *
+ *   missMethod, missMatrix    6 parameters:
+ *       [0]  most EM iterations, at least 0. Running out of them is no failure
+ *       [1]  DA iterations, at least 1, of which the last gives the set
+ *       [2]  EM tolerance, at least 0: of the last step, in units of the spread
+ *       [3]  m, the number of sets, at least 1
+ *       [4]  the number of missing values
+ *       [5]  the seed, a whole number in [0, 2^32), which a float holds exactly up to 2^24. The same seed gives the same sets
+ *   missCountA, missMean      an estimate that EM starts from. Either null: that of the complete observations, or, where they
+ *                             have none, the means and variances of the values that are there
+ *   missCountB, missCov       the prior: tau, k, a mean, and a matrix S as its lower triangle by rows: 2 data and an estimate. The
+ *                             covariance C is inverse Wishart, of density |C|^(-(k + q + 1) / 2) exp(-tr(S C^-1) / 2), and the
+ *                             mean, given it, normal about the prior's with C / tau. Either null or the count 0: Jeffreys' prior,
+ *                             |C|^(-(q + 1) / 2). With a prior EM finds the greatest posterior density
+ *   missCountC, missCor       m times the missing values: the results, set by set, in each by observations, in each of these by
+ *                             components
+ *   missCountD, missStorage   m times the DA iterations times an estimate: what every iteration of every set drew. May be null
+ *
+ * Every set has a stream of its own, of PHILOX4X32X10 under a key of the seed and the set's number, so results depend neither on m
+ * nor on the number of threads.
+ *
+ * Returns 0, or, with nothing written: SSStatusEstimates, SSStatusMethod, SSStatusP, SSStatusN, SSStatusX, SSStatusStorage,
+ * SSStatusStorageValue; SSStatusStorage for a null missMethod, and the status of another missing array; SSStatusMissMatrix
+ * for parameters outside the above or another number of missing values, SSStatusMissCountA to D for another count,
+ * SSStatusMissCov for a prior whose tau is below 0 or that is not finite; SSStatusNotPositiveDefinite: a component without two
+ * different values, an infinity, components that are combinations of others, n + k not above q - 1 (k is -1 for Jeffreys'
+ * prior). SSStatusAllocation, SSStatusNotPositiveDefinite and the statuses of the streams may also come when some sets are written.
+ *
+ * Sources: A. P. Dempster, N. M. Laird, D. B. Rubin, Journal of the Royal Statistical Society B 39 (1977); M. A. Tanner,
+ * W. H. Wong, Journal of the American Statistical Association 82 (1987); J. L. Schafer, Analysis of incomplete multivariate
+ * data (1997). */
+int32_t _kuzdSSMissingValues(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
+int32_t _kuzsSSMissingValues(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
 
 /* Sort n numbers in place, ascending; the Step form has them `stride` elements apart. Select returns the element of order k,
  * from 0, and parts the data by it: none before place k is larger, none behind it smaller. No element may be a NaN.
