@@ -471,11 +471,12 @@ int32_t _kuziRngMultinomial(int32_t method, Stream* stream, int32_t n, int32_t* 
 /* Functions of one number, for the set-up of distributions and statistics: the argument by value, the result returned. A
  * float or double that is returned travels through the x87 stack on this target, which quiets signalling NaNs.
  *
- * The natural logarithm by the high accuracy kernel, denormal numbers kept; 0 and negative numbers give the kernel's
- * results and are reported in the thread's error mode. The square root, correctly rounded; the largest integer not above
- * x. The last two report nothing. */
+ * The natural logarithm, and that of |Gamma(x)|, by the high accuracy kernels, denormal numbers kept; poles and numbers out
+ * of the domain give the kernel's results and are reported in the thread's error mode. The square root, correctly rounded;
+ * the largest integer not above x. The last two report nothing. */
 double __kuzdLn(double x);
 float __kuzsLn(float x);
+double __kuzdLGamma(double x);
 double __kuzdSqrt(double x);
 double __kuzdFloor(double x);
 
