@@ -102,12 +102,20 @@
 #define ORV_COST_dPowr 36, 36, 26
 #define ORV_COST_sPowx 25, 25, 13
 #define ORV_COST_dPowx 36, 36, 26
-#define ORV_COST_sErfInv 13.7, 13.7, 10.1
-#define ORV_COST_sErfcInv 9.9, 9.9, 7.6
-#define ORV_COST_sCdfNormInv 10.1, 10.1, 7.8
-#define ORV_COST_dErfInv 14.5, 14.5, 9.6
-#define ORV_COST_dErfcInv 17.6, 17.6, 14
-#define ORV_COST_dCdfNormInv 18.4, 18.4, 10.8
+#define ORV_COST_sErfInv 36.4, 36, 25.8
+#define ORV_COST_sErfcInv 36.7, 38.4, 25.4
+#define ORV_COST_sCdfNormInv 36.6, 36.6, 29
+#define ORV_COST_dErfInv 46.9, 47.1, 35.6
+#define ORV_COST_dErfcInv 46.4, 47.2, 36.9
+#define ORV_COST_dCdfNormInv 49.7, 47.6, 37.7
+#define ORV_COST_sErf 17.6, 17.6, 14.4
+#define ORV_COST_sErfc 44.4, 42.2, 29.8
+#define ORV_COST_dErfc 78.3, 78.3, 78.3
+#define ORV_COST_sCdfNorm 43.8, 44.9, 32.4
+#define ORV_COST_dCdfNorm 76.2, 81.1, 42.9
+#define ORV_COST_sExpInt1 49.3, 49.3, 36.7
+#define ORV_COST_sTGamma 73.8, 73.8, 73.8
+#define ORV_COST_dExpInt1 78.8, 78.8, 48.3
 
 #define ORV_COST_dAtan 20, 20, 16
 #define ORV_COST_dAtanpi 24, 24, 16

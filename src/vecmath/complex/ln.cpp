@@ -9,7 +9,8 @@
 //
 // An infinite part makes the real part infinite, beside a NaN too; the angle is as atan2 has it (C99 Annex G.6.3.2).
 #include "vecmath/complex/parts.h"
-#include "vecmath/exp_log/log_513_tables.h"
+#include "vecmath/exp_log/ln_513.h"
+#include "vecmath/exp_log/log10_513.h"
 #include "vecmath/inverse/atan2_d.h"
 #include "vecmath/special/extended.h"
 

@@ -8,13 +8,14 @@
 //
 // A subnormal argument takes one rounding more. The error of "EP" is what ending with r^2 costs next to 1; away from 1 its
 // absolute error stays below 2^-28.
-#include "vecmath/exp_log/log_513_tables.h"
+#include "vecmath/exp_log/ln_513.h"
 
 namespace {
 
 using namespace orv;
+using vecmath::ln_513;
 
-struct LnHa : vecmath::LogD<vecmath::ln_513> {
+struct LnHa : vecmath::LogD<ln_513> {
     static constexpr frame::Rejected rejected = frame::Rejected::whole_block;
 };
 

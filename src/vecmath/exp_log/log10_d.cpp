@@ -5,7 +5,7 @@
 // "LA", "EP": the method of centres with 257 rows and a polynomial of degree 5.
 //
 // Next to 1 it is the polynomial's own error that shows in "LA" and "EP".
-#include "vecmath/exp_log/log_513_tables.h"
+#include "vecmath/exp_log/log10_513.h"
 
 namespace {
 
