@@ -38,6 +38,10 @@ ORV_DRAWN(poisson_10000, _kuziRngPoisson(PoissonRejection, stream, n, r, 10000))
 ORV_DRAWN(poisson_normal_0_5, _kuziRngPoisson(PoissonNormal, stream, n, r, 0.5));
 ORV_DRAWN(poisson_normal_5, _kuziRngPoisson(PoissonNormal, stream, n, r, 5));
 ORV_DRAWN(poisson_normal_1000, _kuziRngPoisson(PoissonNormal, stream, n, r, 1000));
+ORV_DRAWN(hypergeometric_10000_1000_5000, _kuziRngHypergeometric(0, stream, n, r, 10000, 5000, 1000));
+ORV_DRAWN(hypergeometric_50_10_20, _kuziRngHypergeometric(0, stream, n, r, 50, 20, 10));
+ORV_DRAWN(negbinomial_5_0_3, _kuziRngNegbinomial(0, stream, n, r, 5, 0.3));
+ORV_DRAWN(negbinomial_100_0_02, _kuziRngNegbinomial(0, stream, n, r, 100, 0.02));
 
 template <class Distribution>
 void standard(benchmark::State& state, Distribution distribution) {
@@ -51,5 +55,7 @@ BENCHMARK_CAPTURE(standard, binomial_200_0_4, std::binomial_distribution<int32_t
 BENCHMARK_CAPTURE(standard, binomial_10_0_3, std::binomial_distribution<int32_t>(10, 0.3));
 BENCHMARK_CAPTURE(standard, poisson_40, std::poisson_distribution<int32_t>(40));
 BENCHMARK_CAPTURE(standard, poisson_5, std::poisson_distribution<int32_t>(5));
+BENCHMARK_CAPTURE(standard, negbinomial_5_0_3, std::negative_binomial_distribution<int32_t>(5, 0.3));
+BENCHMARK_CAPTURE(standard, negbinomial_100_0_02, std::negative_binomial_distribution<int32_t>(100, 0.02));
 
 }  // namespace
