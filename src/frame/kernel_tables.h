@@ -162,12 +162,12 @@
     ROW(LATER, c, Cosh,       ONE,        ALL,   MEASURED(cCosh))                 \
     ROW(LATER, c, Sinh,       ONE,        ALL,   MEASURED(cSinh))                 \
     ROW(LATER, c, Tanh,       ONE,        ALL,   MEASURED(cTanh))                 \
-    ROW(LATER, c, Acos,       ONE,        ALL,   MEASURED(cAcos))                 \
-    ROW(LATER, c, Asin,       ONE,        ALL,   COST(1223.63, 1223.63, 1223.63)) \
-    ROW(LATER, c, Atan,       ONE,        ALL,   MEASURED(cAtan))                 \
-    ROW(LATER, c, Acosh,      ONE,        ALL,   MEASURED(cAcosh))                \
-    ROW(LATER, c, Asinh,      ONE,        ALL,   MEASURED(cAsinh))                \
-    ROW(LATER, c, Atanh,      ONE,        ALL,   MEASURED(cAtanh))                \
+    ROW(HERE,  c, Acos,       ONE,        ALL,   MEASURED(cAcos))                 \
+    ROW(HERE,  c, Asin,       ONE,        ALL,   COST(1223.63, 1223.63, 1223.63)) \
+    ROW(HERE,  c, Atan,       ONE,        ALL,   MEASURED(cAtan))                 \
+    ROW(HERE,  c, Acosh,      ONE,        ALL,   MEASURED(cAcosh))                \
+    ROW(HERE,  c, Asinh,      ONE,        ALL,   MEASURED(cAsinh))                \
+    ROW(HERE,  c, Atanh,      ONE,        ALL,   MEASURED(cAtanh))                \
     ROW(LATER, c, Exp,        ONE,        LA_EP, MEASURED(cExp))                  \
     ROW(LATER, c, Ln,         ONE,        EACH,  MEASURED(cLn))                   \
     ROW(LATER, c, Log10,      ONE,        ALL,   MEASURED(cLog10))                \
@@ -179,12 +179,12 @@
     ROW(LATER, z, Cosh,       ONE,        ALL,   MEASURED(zCosh))                 \
     ROW(LATER, z, Sinh,       ONE,        ALL,   MEASURED(zSinh))                 \
     ROW(LATER, z, Tanh,       ONE,        ALL,   MEASURED(zTanh))                 \
-    ROW(LATER, z, Acos,       ONE,        ALL,   MEASURED(zAcos))                 \
-    ROW(LATER, z, Asin,       ONE,        ALL,   MEASURED(zAsin))                 \
-    ROW(LATER, z, Atan,       ONE,        ALL,   MEASURED(zAtan))                 \
-    ROW(LATER, z, Acosh,      ONE,        ALL,   MEASURED(zAcosh))                \
-    ROW(LATER, z, Asinh,      ONE,        ALL,   MEASURED(zAsinh))                \
-    ROW(LATER, z, Atanh,      ONE,        ALL,   MEASURED(zAtanh))                \
+    ROW(HERE,  z, Acos,       ONE,        ALL,   MEASURED(zAcos))                 \
+    ROW(HERE,  z, Asin,       ONE,        ALL,   MEASURED(zAsin))                 \
+    ROW(HERE,  z, Atan,       ONE,        ALL,   MEASURED(zAtan))                 \
+    ROW(HERE,  z, Acosh,      ONE,        ALL,   MEASURED(zAcosh))                \
+    ROW(HERE,  z, Asinh,      ONE,        ALL,   MEASURED(zAsinh))                \
+    ROW(HERE,  z, Atanh,      ONE,        ALL,   MEASURED(zAtanh))                \
     ROW(LATER, z, Exp,        ONE,        LA_EP, MEASURED(zExp))                  \
     ROW(LATER, z, Ln,         ONE,        LA_HA, MEASURED(zLn))                   \
     ROW(LATER, z, Log10,      ONE,        ALL,   MEASURED(zLog10))                \

@@ -137,5 +137,19 @@
 #define ORV_COST_sAsinh 20, 20, 20
 #define ORV_COST_sAcosh 20, 20, 20
 #define ORV_COST_sAtanh 20, 20, 20
+#define ORV_COST_cAcos 108, 108, 108
+#define ORV_COST_cAtan 78, 78, 78
+#define ORV_COST_cAcosh 108, 108, 108
+#define ORV_COST_cAsinh 108, 108, 108
+#define ORV_COST_cAtanh 78, 78, 78
+#define ORV_COST_cPow 90, 90, 90
+#define ORV_COST_cPowx 90, 90, 90
+#define ORV_COST_zAcos 180, 180, 180
+#define ORV_COST_zAsin 180, 180, 180
+#define ORV_COST_zAtan 130, 130, 130
+#define ORV_COST_zAcosh 180, 180, 180
+#define ORV_COST_zAsinh 180, 180, 180
+#define ORV_COST_zAtanh 130, 130, 130
+#define ORV_COST_zPowx 150, 150, 150
 
 #endif

@@ -10,6 +10,7 @@
 #pragma once
 
 #include "simd/constants.h"
+#include "vecmath/exp_log/pairs_d.h"
 #include "vecmath/trig/tables/trig_tables.h"
 
 namespace orv::vecmath {
@@ -19,20 +20,12 @@ using D = __m128d;
 using simd::splat;
 using simd::Splat;
 
-// A value as an unevaluated sum.
-struct Pair {
-    D high, low;
-};
-
 struct TrigConstants {
     Splat<double> zero{0.0}, one{1.0};
     Splat<double> shifter{0x1.8p+52};  // adding it leaves an integer in the low bits
-    // The upper half of a significand: products of two such numbers are exact.
-    simd::SplatBits<uint64_t> upper_26{0xFFFFFFFFF8000000}, upper_24{0xFFFFFFFFE0000000};
+    simd::SplatBits<uint64_t> upper_24{0xFFFFFFFFE0000000};
 };
 inline constexpr TrigConstants trig;
-
-inline D upper_26(D x) { return simd::bit_and(x, simd::doubles(trig.upper_26)); }
 
 // ---- The nearest multiple of a step, the step in parts --------------------------------------------------------------
 
@@ -167,17 +160,6 @@ struct Step512 {
         return y.high + y.low;
     }
 };
-
-// n/d: a quotient q of 26 bits has an exact product with the leading 26 bits of d, and what n exceeds that product by, over
-// d, completes it. That is below 2^-24 of q, and its rounding errors as much below the last rounding's. The low parts may be of any size up to a
-// small part of the high ones.
-inline Pair quotient(Pair n, Pair d) {
-    const D inverse = D(trig.one) / (d.high + d.low);
-    const D q = upper_26(n.high * inverse);
-    const D d_lead = upper_26(d.high);
-    const D d_rest = (d.high - d_lead) + d.low;
-    return {q, ((n.high - q * d_lead) + (n.low - q * d_rest)) * inverse};
-}
 
 struct Tangent512Block {
     // Of the tangent over a step, from r^3 on.
