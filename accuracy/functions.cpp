@@ -12,6 +12,7 @@ const std::vector<Family>& families() {
         {"Hyperbolic functions", hyperbolic_functions()},
         {"Error functions, gamma functions, exponential integral", special_functions()},
         {"Sines, cosines, tangents", trig_functions()},
+        {"Complex functions", complex_functions()},
     };
     return all;
 }

@@ -92,6 +92,7 @@ std::vector<Function> hyperbolic_functions();
 std::vector<Function> power_functions();
 std::vector<Function> special_functions();
 std::vector<Function> trig_functions();
+std::vector<Function> complex_functions();
 
 // Holds the x87 unit at 64 significant bits, which a Windows process does not start with.
 struct ExtendedPrecision {

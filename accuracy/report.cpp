@@ -42,13 +42,15 @@ struct Sweep {
         : of_function(std::move(judged)), file(folder + "/s" + of_function[0]->name), found(pieces) {
         std::FILE* in = std::fopen(file.c_str(), "r");
         if (!in) return;
-        int piece, kernel;
-        Worst w;
-        long long count;
-        while (std::fscanf(in, "%d %d %la %la %la %la %la %lld", &piece, &kernel, &w.ulp, w.at, &w.relative,
-                           &w.subnormal_ulp, w.subnormal_at, &count) == 8) {
-            if (piece < 0 || piece >= pieces || kernel < 0) continue;
-            w.count = count;
+        for (char line[256]; std::fgets(line, sizeof line, in);) {
+            char* rest = line;
+            const long piece = std::strtol(rest, &rest, 10), kernel = std::strtol(rest, &rest, 10);
+            Worst w;
+            for (double* field : {&w.ulp, &w.at[0], &w.relative, &w.subnormal_ulp, &w.subnormal_at[0]})
+                *field = std::strtod(rest, &rest);
+            char* end;
+            w.count = std::strtoll(rest, &end, 10);
+            if (end == rest || *end != '\n' || piece < 0 || piece >= pieces || kernel < 0) continue;
             std::vector<Worst>& of_piece = found[static_cast<size_t>(piece)];
             if (of_piece.size() == static_cast<size_t>(kernel)) of_piece.push_back(w);
         }
@@ -89,7 +91,7 @@ int main(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
         const std::string word = argv[i];
         if (word == "--effort" && i + 1 < argc)
-            effort = std::atof(argv[++i]);
+            effort = std::strtod(argv[++i], nullptr);
         else if (word == "--sweep" && i + 1 < argc)
             folder = argv[++i];
         else if (word[0] == '-')

@@ -1,8 +1,8 @@
-# The BLAS under the core library. Linux: the distribution's OpenBLAS. Windows: the reference routines, which
+# The BLAS and LAPACK under the core library. Linux: the distribution's OpenBLAS. Windows: the reference routines, which
 # tools/setup-blas-windows compiles from the distribution's sources once.
 add_library(orv_system_blas INTERFACE)
 if(WIN32)
-  set(reference_blas ${PROJECT_SOURCE_DIR}/build/blas-windows/libblas.a)
+  set(reference_blas ${PROJECT_SOURCE_DIR}/build/blas-windows/liblapack.a)
   if(NOT EXISTS ${reference_blas})
     execute_process(COMMAND ${PROJECT_SOURCE_DIR}/tools/setup-blas-windows COMMAND_ERROR_IS_FATAL ANY)
   endif()

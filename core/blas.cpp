@@ -1,5 +1,5 @@
-// Matrix entries over the system's BLAS, which is kept to one thread: its own threads beside those of a parallel region
-// would be twice as many as there are processors. Large rank-k updates are cut into panels here.
+// Rank updates over the system's BLAS, which is kept to one thread. Large rank-k updates are cut into panels here.
+#include "one_thread.h"
 #include "services/export.h"
 
 #include <orv/blas.h>
@@ -19,22 +19,21 @@ void dgemm_(const char*, const char*, const int32_t*, const int32_t*, const int3
             const int32_t*, const double*, const int32_t*, const double*, double*, const int32_t*);
 void sgemm_(const char*, const char*, const int32_t*, const int32_t*, const int32_t*, const float*, const float*,
             const int32_t*, const float*, const int32_t*, const float*, float*, const int32_t*);
-#ifdef ORV_OPENBLAS
-void openblas_set_num_threads(int);
-#else
+#ifndef ORV_OPENBLAS
 // The reference routines report an argument that is out of range by this name. The kernels pass none.
 void xerbla_(const char*, const int32_t*) {}
+
+// Two option letters joined: all that LAPACK asks of the Fortran runtime.
+void _gfortran_concat_string(size_t length, char* to, size_t first_length, const char* first, size_t,
+                             const char* second) {
+    for (size_t i = 0; i < length; ++i) to[i] = i < first_length ? first[i] : second[i - first_length];
+}
 #endif
 }
 
 namespace {
 
-void keep_to_one_thread() {
-#ifdef ORV_OPENBLAS
-    static const bool done = (openblas_set_num_threads(1), true);
-    (void)done;
-#endif
-}
+using orv::core::keep_to_one_thread;
 
 template <class T>
 struct Blas;

@@ -1,6 +1,7 @@
 // Aligned memory with a live-block count and a switch that makes a chosen allocation fail.
 #include "large_blocks.h"
 #include "services/export.h"
+#include "services/test_switches.h"
 
 #include <orv/services.h>
 

@@ -50,7 +50,7 @@ double nanoseconds(const Function& function, orv_arq_kernel kernel, int32_t n) {
     std::vector<T> y(components), z(components);
     const auto run = [&](int64_t calls) {
         const auto start = std::chrono::steady_clock::now();
-        for (int64_t i = 0; i < calls; ++i) call(function, kernel, n, a.data(), b.data(), y.data(), z.data());
+        for (int64_t i = 0; i < calls; ++i) call(function, kernel, n, a.data(), b.data(), b.data(), y.data(), z.data());
         return seconds_since(start);
     };
     constexpr double piece = 1e-4;

@@ -25,9 +25,10 @@ namespace {
 const Function all[] = {ORV_VECMATH_ROWS(MATH_ROW) ORV_VECMATH_MOVE_ROWS(MOVE_ROW)};
 
 template <class X>
-void call_typed(const Function& function, orv_arq_kernel kernel, int32_t n, const void* a, const void* b, void* y,
-                void* z) {
+void call_typed(const Function& function, orv_arq_kernel kernel, int32_t n, const void* a, const void* b,
+                const void* constants, void* y, void* z) {
     const X *const xa = static_cast<const X*>(a), *const xb = static_cast<const X*>(b);
+    const X* const c = static_cast<const X*>(constants);
     X *const xy = static_cast<X*>(y), *const xz = static_cast<X*>(z);
     switch (function.shape) {
         case Shape::TWO:
@@ -35,7 +36,10 @@ void call_typed(const Function& function, orv_arq_kernel kernel, int32_t n, cons
         case Shape::TWO_OUT:
             return reinterpret_cast<void (*)(int32_t, const X*, X*, X*)>(kernel)(n, xa, xy, xz);
         case Shape::SCALAR:
-            return reinterpret_cast<void (*)(int32_t, const X*, X, X*)>(kernel)(n, xa, *xb, xy);
+            return reinterpret_cast<void (*)(int32_t, const X*, X, X*)>(kernel)(n, xa, *c, xy);
+        case Shape::LINEAR:
+            return reinterpret_cast<void (*)(int32_t, const X*, const X*, X, X, X, X, X*)>(kernel)(
+                n, xa, xb, c[0], c[1], c[2], c[3], xy);
         default:
             // One array in and one out, of whatever they hold.
             return reinterpret_cast<void (*)(int32_t, const void*, void*)>(kernel)(n, a, y);
@@ -46,27 +50,32 @@ void call_typed(const Function& function, orv_arq_kernel kernel, int32_t n, cons
 
 std::span<const Function> functions() { return all; }
 
+const Function* try_function(std::string_view name, char type) {
+    for (const Function& function : all)
+        if (function.type == type && same_letters(function.name, name)) return &function;
+    return nullptr;
+}
+
 const Function& find_function(std::string_view name, char type) {
+    if (const Function* function = try_function(name, type)) return *function;
     std::vector<std::string> known;
-    for (const Function& function : all) {
-        if (function.type != type) continue;
-        if (same_letters(function.name, name)) return function;
-        known.emplace_back(function.name);
-    }
+    for (const Function& function : all)
+        if (function.type == type) known.emplace_back(function.name);
     std::sort(known.begin(), known.end());
     fail(no_such(std::string("function of type ") + type + ",", name, known));
 }
 
-void call(const Function& function, orv_arq_kernel kernel, int32_t n, const void* a, const void* b, void* y, void* z) {
+void call(const Function& function, orv_arq_kernel kernel, int32_t n, const void* a, const void* b,
+          const void* constants, void* y, void* z) {
     switch (function.type) {
         case 's':
-            return call_typed<float>(function, kernel, n, a, b, y, z);
+            return call_typed<float>(function, kernel, n, a, b, constants, y, z);
         case 'd':
-            return call_typed<double>(function, kernel, n, a, b, y, z);
+            return call_typed<double>(function, kernel, n, a, b, constants, y, z);
         case 'c':
-            return call_typed<orv_complex_s>(function, kernel, n, a, b, y, z);
+            return call_typed<orv_complex_s>(function, kernel, n, a, b, constants, y, z);
         default:
-            return call_typed<orv_complex_d>(function, kernel, n, a, b, y, z);
+            return call_typed<orv_complex_d>(function, kernel, n, a, b, constants, y, z);
     }
 }
 

@@ -33,11 +33,14 @@ struct Function {
 
 std::span<const Function> functions();
 
-// Letters of either case match. Ends the command if the library does not hold it.
+// The function of this type; null if the library does not hold it. Letters of either case match.
+const Function* try_function(std::string_view name, char type);
+// The same; ends the command if the library does not hold it.
 const Function& find_function(std::string_view name, char type);
 
-// Calls a kernel of the function on arrays of its shape; those that it has not are null. A scalar input is the first element
-// of b. LINEAR and the moves are not called this way.
-void call(const Function& function, orv_arq_kernel kernel, int32_t n, const void* a, const void* b, void* y, void* z);
+// Calls a kernel of the function on arrays of its shape; those that it has not are null. `constants` are the arguments by
+// value: the one of SCALAR, the four of LINEAR. The moves are not called this way.
+void call(const Function& function, orv_arq_kernel kernel, int32_t n, const void* a, const void* b,
+          const void* constants, void* y, void* z);
 
 }  // namespace orv::command

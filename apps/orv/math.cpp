@@ -7,6 +7,7 @@
 #include "output.h"
 #include "table.h"
 
+#include <cmath>
 #include <cstdio>
 #include <memory>
 
@@ -20,10 +21,28 @@ struct Request {
     std::string accuracy;  // "la", "ha" or "ep"; empty leaves the choice to the entry or the mode
     bool by_mode = false, append = false;
     std::vector<std::string> columns;
+    std::vector<std::string> complex;  // pairs of columns, such as "re,im"
+    std::vector<double> constants;
     Format format;
     std::string output;
     std::vector<std::string> files;
 };
+
+// What a function takes of a row and gives for it: arrays, and numbers in an element of each, two where it is complex.
+struct Arity {
+    size_t inputs, input_parts, outputs, output_parts, constants;
+};
+
+Arity arity_of(const Function& function) {
+    const bool complex = function.type == 'c' || function.type == 'z';
+    const Shape shape = function.shape;
+    const size_t input_parts = complex && shape != Shape::TO_COMPLEX ? 2 : 1;
+    return {shape == Shape::TWO || shape == Shape::LINEAR ? size_t{2} : size_t{1}, input_parts,
+            shape == Shape::TWO_OUT ? size_t{2} : size_t{1}, complex && shape != Shape::TO_REAL ? size_t{2} : size_t{1},
+            shape == Shape::LINEAR   ? size_t{4}
+            : shape == Shape::SCALAR ? input_parts
+                                     : size_t{0}};
+}
 
 // The rows that wait for the kernel, and where they came from: a block is all of a file that is held at a time.
 constexpr size_t block_rows = 1 << 13;
@@ -55,16 +74,25 @@ const char* meaning(int32_t status) {
 
 // The values are those of the function's type widened, so floats are printed as the short text that they came from.
 void append_value(std::string& text, double value) {
-    if (reports.function->type == 's')
+    if (reports.function->type == 's' || reports.function->type == 'c')
         append_number(text, static_cast<float>(value));
     else
         append_number(text, value);
 }
 
+void append_argument(std::string& text, double re, double im) {
+    append_value(text, re);
+    if (arity_of(*reports.function).input_parts == 1) return;
+    text += std::signbit(im) ? "-" : "+";
+    append_value(text, std::fabs(im));
+    text += 'i';
+}
+
 int32_t report(ArqErrorContext* context) {
     std::string values;
-    append_value(values, context->arg1);
-    if (reports.function->shape == Shape::TWO) append_value(values += ", ", context->arg2);
+    append_argument(values, context->arg1, context->arg1_im);
+    if (arity_of(*reports.function).inputs + arity_of(*reports.function).constants > 1)
+        append_argument(values += ", ", context->arg2, context->arg2_im);
     const std::string line = "orv: " + reports.head->source + ":" +
                              std::to_string((*reports.lines)[static_cast<size_t>(context->index)]) + ": row " +
                              std::to_string(reports.rows_before + context->index + 1) + ": " +
@@ -91,7 +119,8 @@ template <class T>
 struct Block {
     const Function& function;
     orv_arq_kernel kernel;
-    size_t inputs, outputs;
+    Arity arity;
+    std::vector<T> constants;
     std::vector<T> in[2], out[2];
     std::vector<int64_t> lines;
     std::vector<std::string> kept;  // what of each row stands before the results, where that is all of it
@@ -103,16 +132,18 @@ template <class T>
 void flush(Block<T>& block, const Format& format, std::string& text, Output& output) {
     constexpr size_t piece = 1 << 18;
     const size_t n = block.lines.size();
-    for (size_t i = 0; i < block.outputs; ++i) block.out[i].resize(n);
+    const auto [inputs, input_parts, outputs, output_parts, constants] = block.arity;
+    for (size_t i = 0; i < outputs; ++i) block.out[i].resize(n * output_parts);
     call(block.function, block.kernel, static_cast<int32_t>(n), block.in[0].data(), block.in[1].data(),
-         block.out[0].data(), block.out[1].data());
+         block.constants.data(), block.out[0].data(), block.out[1].data());
     for (size_t row = 0; row < n; ++row) {
         if (!block.kept.empty()) text += block.kept[row];
-        for (size_t i = 0; i < block.inputs && block.kept.empty(); ++i)
-            append_number(text, block.in[i][row], format.decimal), text += format.separator;
-        for (size_t i = 0; i < block.outputs; ++i) {
-            append_number(text, block.out[i][row], format.decimal);
-            text += i + 1 < block.outputs ? format.separator : '\n';
+        for (size_t i = 0; i < inputs * input_parts && block.kept.empty(); ++i)
+            append_number(text, block.in[i / input_parts][row * input_parts + i % input_parts], format.decimal),
+                text += format.separator;
+        for (size_t i = 0; i < outputs * output_parts; ++i) {
+            append_number(text, block.out[i / output_parts][row * output_parts + i % output_parts], format.decimal);
+            text += i + 1 < outputs * output_parts ? format.separator : '\n';
         }
     }
     block.kept.clear();
@@ -134,12 +165,35 @@ std::vector<size_t> choose_columns(const Head& head, const std::vector<std::stri
     return columns;
 }
 
+// The columns of the numbers that a row gives to the function, in their order.
+std::vector<std::string> wanted_columns(const Request& request) {
+    if (request.complex.empty()) return request.columns;
+    std::vector<std::string> columns;
+    for (const std::string& pair : request.complex) {
+        const size_t comma = pair.find(',');
+        if (comma == std::string::npos || pair.find(',', comma + 1) != std::string::npos)
+            fail("--complex takes two columns, such as re,im: not \"" + pair + "\"");
+        columns.push_back(pair.substr(0, comma));
+        columns.push_back(pair.substr(comma + 1));
+    }
+    return columns;
+}
+
+std::vector<std::string> result_names(const Function& function, const Arity& arity) {
+    const std::string name(function.name);
+    if (arity.output_parts == 2) return {name + ".re", name + ".im"};
+    if (arity.outputs == 2) return {name + ".1", name + ".2"};
+    return {name};
+}
+
 template <class T>
 int run(const Request& request, const Function& function) {
-    const size_t inputs = function.shape == Shape::TWO ? 2 : 1;
-    const size_t outputs = function.shape == Shape::TWO_OUT ? 2 : 1;
+    const Arity arity = arity_of(function);
+    const size_t taken = arity.inputs * arity.input_parts;
+    const std::vector<std::string> wanted = wanted_columns(request);
     Output output(request.output);
-    Block<T> block = {function, choose_kernel(request, function), inputs, outputs, {}, {}, {}, {}};
+    Block<T> block = {function, choose_kernel(request, function), arity, {}, {}, {}, {}, {}};
+    for (const double constant : request.constants) block.constants.push_back(static_cast<T>(constant));
     reports = {&function, nullptr, &block.lines, 0, 0};
     std::string text;
     bool first = true;
@@ -147,23 +201,22 @@ int run(const Request& request, const Function& function) {
         std::vector<size_t> columns;
         std::vector<T> values;
         const auto begin = [&](const Head& head) {
-            columns = choose_columns(head, request.columns, inputs);
+            columns = choose_columns(head, wanted, taken);
             reports.head = &head;
             reports.rows_before = 0;
             // The first file says whether there is a header.
             if (first && !head.names.empty()) {
                 std::vector<std::string> names;
                 if (request.append) names = head.names;
-                for (size_t i = 0; i < inputs && !request.append; ++i) names.push_back(head.names[columns[i]]);
-                for (size_t i = 0; i < outputs; ++i)
-                    names.push_back(std::string(function.name) + (outputs == 1 ? "" : "." + std::to_string(i + 1)));
+                for (size_t i = 0; i < taken && !request.append; ++i) names.push_back(head.names[columns[i]]);
+                for (const std::string& name : result_names(function, arity)) names.push_back(name);
                 append_row(text, names, request.format.separator);
             }
             first = false;
         };
         const auto take = [&](const Head& head, const Row& row) {
             if (!read_numbers(head, row, columns, values)) return false;
-            for (size_t i = 0; i < inputs; ++i) block.in[i].push_back(values[i]);
+            for (size_t i = 0; i < taken; ++i) block.in[i / arity.input_parts].push_back(values[i]);
             block.lines.push_back(row.line);
             if (request.append) {
                 append_row(block.kept.emplace_back(), row.fields, request.format.separator);
@@ -180,10 +233,31 @@ int run(const Request& request, const Function& function) {
     return reports.count == 0 ? 0 : 1;
 }
 
+// The function of the numbers that the request names: of complex ones, of real ones, or from real to complex.
+const Function& choose_function(const Request& request) {
+    const char complex_type = request.type == 's' ? 'c' : 'z';
+    if (!request.complex.empty()) {
+        const Function& function = find_function(request.function, complex_type);
+        if (function.shape == Shape::TO_COMPLEX) fail(std::string(function.name) + " takes real numbers; use --column");
+        return function;
+    }
+    if (!try_function(request.function, request.type))
+        if (const Function* function = try_function(request.function, complex_type)) {
+            if (function->shape == Shape::TO_COMPLEX) return *function;
+            fail(std::string(function->name) + " takes complex numbers; name the columns with --complex re,im");
+        }
+    return find_function(request.function, request.type);
+}
+
 int run(const Request& request) {
-    const Function& function = find_function(request.function, request.type);
-    if (function.shape != Shape::ONE && function.shape != Shape::TWO && function.shape != Shape::TWO_OUT)
-        fail(std::string(function.name) + " takes more than columns of numbers");
+    const Function& function = choose_function(request);
+    if (function.shape >= Shape::PACK_STRIDE) fail(std::string(function.name) + " moves numbers and computes nothing");
+    const size_t constants = arity_of(function).constants;
+    if (request.constants.size() != constants)
+        fail(std::string(function.name) + " takes " +
+             (constants == 0   ? "no constants"
+              : constants == 1 ? "a constant; give it with --constant"
+                               : std::to_string(constants) + " constants; give them with --constants"));
     return request.type == 's' ? run<float>(request, function) : run<double>(request, function);
 }
 
@@ -207,6 +281,16 @@ void add_math(CLI::App& app, int& status) {
     math->add_flag("--by-mode", request->by_mode, "take the kernel from the table by the thread's mode word");
     math->add_option("--column", request->columns,
                      "an input column, by name or by position from 1; once for each input")
+        ->allow_extra_args(false);
+    math->add_option("--complex", request->complex,
+                     "an input of complex numbers: the columns of their parts, such as re,im; once for each input")
+        ->allow_extra_args(false)
+        ->excludes("--column");
+    math->add_option(
+            "--constant,--constants", request->constants,
+            "arguments that are the same for all rows: the exponent of Powx (of complex numbers re,im), scale and "
+            "shift of both inputs of LinearFrac")
+        ->delimiter(',')
         ->allow_extra_args(false);
     math->add_flag("--append", request->append, "keep all columns of the table, with the results behind them");
     add_format(*math, request->format);

@@ -40,6 +40,38 @@ void orv_blas_xdsyrk(const char* uplo, const char* trans, const int32_t* n, cons
 void orv_blas_xssyrk(const char* uplo, const char* trans, const int32_t* n, const int32_t* k, const float* alpha,
                      const float* a, const int32_t* lda, const float* beta, float* c, const int32_t* ldc);
 
+/* The x forms of the BLAS' dgemm, dsymm, dtrmm and dgemv, which stay on the thread that calls them and may be called from
+ * several threads at once.
+ *
+ *     gemm   c = alpha op(a) op(b) + beta c, with c m by n and op(a) m by k
+ *     symm   c = alpha a b + beta c for side 'l', alpha b a + beta c for 'r', a symmetric, one triangle read
+ *     trmm   b = alpha op(a) b for side 'l', alpha b op(a) for 'r', a triangular
+ *     gemv   y = alpha op(a) x + beta y, with a m by n */
+void orv_blas_xdgemm(const char* transa, const char* transb, const int32_t* m, const int32_t* n, const int32_t* k,
+                     const double* alpha, const double* a, const int32_t* lda, const double* b, const int32_t* ldb,
+                     const double* beta, double* c, const int32_t* ldc);
+void orv_blas_xdsymm(const char* side, const char* uplo, const int32_t* m, const int32_t* n, const double* alpha,
+                     const double* a, const int32_t* lda, const double* b, const int32_t* ldb, const double* beta,
+                     double* c, const int32_t* ldc);
+void orv_blas_xdtrmm(const char* side, const char* uplo, const char* transa, const char* diag, const int32_t* m,
+                     const int32_t* n, const double* alpha, const double* a, const int32_t* lda, double* b,
+                     const int32_t* ldb);
+void orv_blas_xdgemv(const char* trans, const int32_t* m, const int32_t* n, const double* alpha, const double* a,
+                     const int32_t* lda, const double* x, const int32_t* incx, const double* beta, double* y,
+                     const int32_t* incy);
+void orv_blas_xsgemm(const char* transa, const char* transb, const int32_t* m, const int32_t* n, const int32_t* k,
+                     const float* alpha, const float* a, const int32_t* lda, const float* b, const int32_t* ldb,
+                     const float* beta, float* c, const int32_t* ldc);
+void orv_blas_xssymm(const char* side, const char* uplo, const int32_t* m, const int32_t* n, const float* alpha,
+                     const float* a, const int32_t* lda, const float* b, const int32_t* ldb, const float* beta,
+                     float* c, const int32_t* ldc);
+void orv_blas_xstrmm(const char* side, const char* uplo, const char* transa, const char* diag, const int32_t* m,
+                     const int32_t* n, const float* alpha, const float* a, const int32_t* lda, float* b,
+                     const int32_t* ldb);
+void orv_blas_xsgemv(const char* trans, const int32_t* m, const int32_t* n, const float* alpha, const float* a,
+                     const int32_t* lda, const float* x, const int32_t* incx, const float* beta, float* y,
+                     const int32_t* incy);
+
 #ifdef __cplusplus
 }
 #endif

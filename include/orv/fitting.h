@@ -1,5 +1,38 @@
 /* One-dimensional data fitting: splines, cell search, interpolation and integration, in `d` (double) and `s` (float).
  *
+ *     #include <orv/fitting.h>
+ *     #include <stdint.h>
+ *     #include <stdio.h>
+ *
+ *     int main(void) {
+ *         const double x[5] = {0, 1, 2, 3, 5}, y[5] = {0, 1, 8, 27, 125};  // x^3
+ *         const double slopes[2] = {0, 75};                                // at the ends
+ *         const double site = 2.5, from = 0, to = 4;
+ *         const int32_t wanted[2] = {1, 1};                                // the value and the first derivative
+ *         double coeffs[4 * 4], at[2], area;                               // four powers in each of four cells
+ *         DFTask* task;
+ *         int32_t status = orv_df_kernel_dNewTask1D(&task, 5, x, ORV_DF_BREAKS_NO_HINT, 1, y, ORV_DF_ROWS, 0);
+ *         if (status == ORV_DF_OK)
+ *             status = orv_df_kernel_dEditPPSpline1D(task, 4, ORV_DF_TYPE_NATURAL, ORV_DF_FIRST_FIRST, slopes, 0, NULL,
+ *                                                    coeffs, ORV_DF_ROWS);
+ *         if (status == ORV_DF_OK) status = orv_df_kernel_dDFNaturalCubicSpline1D(task, NULL, NULL, 0, NULL);
+ *         if (status == ORV_DF_OK)
+ *             status = orv_df_kernel_dDFInterpolate1D(task, ORV_DF_EVALUATE, 0, 1, &site, ORV_DF_SITES_NO_HINT, 2, wanted,
+ *                                                     NULL, at, ORV_DF_ROWS, NULL, NULL, NULL, NULL, NULL, NULL, NULL,
+ *                                                     NULL, NULL);
+ *         if (status == ORV_DF_OK)
+ *             status = orv_df_kernel_dDFIntegrate1D(task, 0, 1, &from, ORV_DF_SITES_NO_HINT, &to, ORV_DF_SITES_NO_HINT,
+ *                                                   NULL, &area, ORV_DF_ROWS, orv_serv_services());
+ *         orv_df_kernel_DeleteTask(&task);
+ *         if (status != ORV_DF_OK) return 1;
+ *         printf("at 2.5: %.4f, slope %.3f; integral to 4: %.3f\n", at[0], at[1], area);
+ *         return 0;
+ *     }
+ *
+ * It prints
+ *
+ *     at 2.5: 15.6250, slope 18.750; integral to 4: 64.000
+ *
  * A task record names a partition (n break points x[0] < x[1] < ... < x[n-1]), the functions tabulated on it, the spline
  * wanted, its conditions and the place for its coefficients. A construction kernel reads the task and writes the
  * coefficients; search, interpolation and integration read both. The task refers to the caller's arrays and never copies
@@ -7,7 +40,15 @@
  *
  * All counts and codes are 64-bit signed integers at the interface. Integer arrays of the caller (cells, derivative
  * requests) hold 64-bit integers when the task was made with `wideInts` not 0 and 32-bit integers otherwise. Every entry
- * has a `d` and an `s` form that differ only in the element type; the text tells the `d` form. */
+ * has a `d` and an `s` form that differ only in the element type; the text tells the `d` form.
+ *
+ * Names. All entries begin with orv_df_kernel_, their element type follows (i: none in particular), then what they do: a
+ * task's life (NewTask1D, Edit..., Query..., DeleteTask), or DF and a computation.
+ *
+ * Null pointers. `services` may be null everywhere: one thread. So may hints for data, callbacks and their parameters, data
+ * of conditions that are not asked for, a request for derivatives, cells that are neither stored nor given, and, until the
+ * computation that needs them, functions and coefficients. A null task is ORV_DF_NULL_TASK in the entries of its life;
+ * computations do not look. errno is left alone: statuses say all. */
 #ifndef ORV_FITTING_H
 #define ORV_FITTING_H
 

@@ -1,8 +1,39 @@
 /* The core service library: what the kernel library asks of its host.
  *
+ *     #include <orv/services.h>
+ *     #include <stdint.h>
+ *     #include <stdio.h>
+ *
+ *     static void square(int32_t index, int32_t reserved, int32_t count, void* args) {
+ *         double* x = args;
+ *         (void)reserved;
+ *         (void)count;
+ *         x[index] *= x[index];
+ *     }
+ *
+ *     int main(void) {
+ *         double* x = orv_serv_allocate(4 * sizeof *x, 64);  // bytes; the alignment
+ *         if (!x) return 1;
+ *         for (int i = 0; i < 4; ++i) x[i] = i + 1;
+ *         orv_kuz_serv_threader_for(4, 0, x, square);  // on as many threads as there are
+ *         printf("%g %g %g %g\n", x[0], x[1], x[2], x[3]);
+ *         orv_serv_deallocate(x);
+ *         return 0;
+ *     }
+ *
+ * It prints
+ *
+ *     1 4 9 16
+ *
  * liborv_sse41 takes memory, locks, environment access, messages and threads from the entries below and from nowhere
  * else. liborv_core implements them on the C library, OpenMP and OpenBLAS; a host package may put a library of its own
- * with the same entries in its place. All entries use the C calling convention. */
+ * with the same entries in its place. All entries use the C calling convention. None sets errno of its own.
+ *
+ * Names. orv_serv_ is the prefix of memory, locks and the process, orv_kuz_serv_ that of the threads. Dense linear algebra,
+ * orv_blas_ and orv_lapack_, is the host's too, in headers of its own.
+ *
+ * Null pointers. `args` may be null, as far as the worker is content with it; deallocate ignores null; memcpy_s refuses it.
+ * No other pointer may be null. Where an entry of another header takes `services`, null stands for one thread. */
 #ifndef ORV_SERVICES_H
 #define ORV_SERVICES_H
 
@@ -80,15 +111,6 @@ typedef struct orv_services {
 
 /* The ready table over the entries above; its reserved slots are null. */
 const orv_services* orv_serv_services(void);
-
-/* ---- Test switches ---------------------------------------------------------------------------------------------- */
-
-/* Makes the `nth` allocation from now on fail (1: the next one), once, in whichever thread it comes; 0 switches the
- * failure off. */
-void orv_serv_fail_allocation(int32_t nth);
-
-/* The number of blocks allocated and not yet given back. */
-int32_t orv_serv_live_blocks(void);
 
 #ifdef __cplusplus
 }

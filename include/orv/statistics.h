@@ -1,20 +1,51 @@
-/* Summary statistics: a task that describes the data and the results, and the basic pass over it.
+/* Summary statistics: a task that describes the data and the results, and the computations on it.
+ *
+ *     #include <orv/statistics.h>
+ *     #include <stdint.h>
+ *     #include <stdio.h>
+ *
+ *     int main(void) {
+ *         const double x[2 * 5] = {1, 2, 3, 4, 5,      // component 0, five observations
+ *                                  2, 4, 6, 8, 30};    // component 1
+ *         const double half = 0.5;
+ *         const int32_t p = 2, n = 5, form = StorageRows, full = SSMatrixFull, orders = 1;
+ *         double mean[2], cov[4], median[2];
+ *         SSTask* task;
+ *         int32_t status = __kuzdSSNewTask(&task, &p, &n, &form, x, NULL, NULL, 0);
+ *         if (status != SSStatusOk) return 1;
+ *         __kuzdSSEditCovCor(task, mean, cov, &full, NULL, NULL);
+ *         __kuzdSSEditQuantiles(task, &orders, &half, median, NULL, NULL);
+ *         status = _kuzdSSBasic(task, ORV_SS_MEAN | ORV_SS_COV, BasicOnePass, orv_serv_services());
+ *         if (status == SSStatusOk) status = _kuzdSSQuantiles(task, ORV_SS_QUANTILES, 0, orv_serv_services());
+ *         if (status == SSStatusOk) {
+ *             printf("means %g %g, medians %g %g\n", mean[0], mean[1], median[0], median[1]);
+ *             printf("covariance %g %g\n           %g %g\n", cov[0], cov[1], cov[2], cov[3]);
+ *         }
+ *         __kuzSSDeleteTask(&task);
+ *         return status;
+ *     }
+ *
+ * It prints
+ *
+ *     means 3 10, medians 3 6
+ *     covariance 2.5 15
+ *                15 130
  *
  * A task is one flat record of pointers into the caller's memory. It owns none of the arrays; inputs, results and even the
  * dimensions are reached through pointers, so that a caller may change a dimension or a buffer between computations without
  * editing the task. A caller makes a task, stores pointers in it with the editors, runs compute entries on it as often
- * as it likes, and deletes it:
- *
- *     int32_t p = 3, n = 1000, form = StorageRows;
- *     SSTask* task;
- *     __kuzdSSNewTask(&task, &p, &n, &form, x, 0, 0, 0);
- *     __kuzdSSEditTask(task, SSIdMean, mean);
- *     _kuzdSSBasic(task, ORV_SS_MEAN, BasicOnePass, orv_serv_services());
- *     __kuzSSDeleteTask(&task);
+ * as it likes, and deletes it.
  *
  * Entries come in a `d` form for tasks of doubles and an `s` form for tasks of floats. A task's integers (dimensions,
  * storage forms, counts, indices) are all 32-bit or all 64-bit, as said when it is made. A task is not locked: one thread
- * at a time. Every entry returns a status, 0 on success. */
+ * at a time. Every entry returns a status, 0 on success. Results have the units of the data, to the power of the moment.
+ *
+ * Names. __kuz<type>SS, with two underscores, is the prefix of a task's life: making, editing, deleting. _kuz<type>SS, with
+ * one, is that of what computes. The bits of a request are ORV_SS_..., the fields of a task SSId..., statuses SSStatus...
+ *
+ * Null pointers. `services` may be null everywhere: one thread. Weights and indices may be null: each weight is 1, all
+ * components take part. A field that a request needs and that is null gives the field's status; the others are not looked
+ * at. errno is left alone. */
 #ifndef ORV_STATISTICS_H
 #define ORV_STATISTICS_H
 
@@ -97,7 +128,7 @@ struct SSTask {
     void* robustParams;             /* 38  data */
     void* robustMean;               /* 39  data */
     void* robustCov;                /* 40  data */
-    const void* robustMethod;       /* 36  integer */
+    const void* robustMethod;       /* 36  integer: the matrix form of robustCov */
     const void* outlierParamCount;  /* 41  integer */
     void* outlierParams;            /* 42  data */
     void* outlierWeights;           /* 43  data */
@@ -156,9 +187,45 @@ enum {
     SSIdQuantOrders = 25,
     SSIdQuantiles = 26,
     SSIdOrderStats = 27,
+    SSIdPooledGroupCount = 28,
+    SSIdPooledResultCovStorage = 29,
+    SSIdPooledResultMean = 30,
+    SSIdPooledResultCov = 31,
+    SSIdPooledGroupIndices = 32,
+    SSIdPooledMean = 33,
+    SSIdPooledCovStorage = 34,
+    SSIdPooledCov = 35,
+    SSIdRobustCovStorage = 36,
+    SSIdRobustParamCount = 37,
+    SSIdRobustParams = 38,
+    SSIdRobustMean = 39,
+    SSIdRobustCov = 40,
+    SSIdOutlierParamCount = 41,
+    SSIdOutlierParams = 42,
+    SSIdOutlierWeights = 43,
     SSIdOrderStatsStorage = 44,
-    SSIdExtraData = 78,
-    SSIdExtraInt = 79,
+    SSIdPartialVariables = 45,
+    SSIdPartialCov = 46,
+    SSIdPartialCovStorage = 47,
+    SSIdPartialCor = 48,
+    SSIdPartialCorStorage = 49,
+    SSIdMissMethod = 50,
+    SSIdMissMatrix = 51,
+    SSIdMissCountA = 52,
+    SSIdMissMean = 53,
+    SSIdMissCountC = 54,
+    SSIdMissCor = 55,
+    SSIdMissCountD = 56,
+    SSIdMissStorage = 57,
+    SSIdMissCountB = 58,
+    SSIdMissCov = 59,
+    SSIdCorParamResult = 60,
+    SSIdCorParamStorage = 61,
+    SSIdStreamParamCount = 62,
+    SSIdStreamParams = 63,
+    SSIdStreamOrderCount = 64,
+    SSIdStreamOrders = 65,
+    SSIdStreamQuantiles = 66,
     SSIdSum = 67,
     SSIdRawSum2 = 68,
     SSIdRawSum3 = 69,
@@ -167,7 +234,11 @@ enum {
     SSIdCentralSum3 = 72,
     SSIdCentralSum4 = 73,
     SSIdCP = 74,
-    SSIdCPStorage = 75
+    SSIdCPStorage = 75,
+    SSIdRobustEstimates2 = 76,
+    SSIdRobustEstimates1 = 77,
+    SSIdExtraData = 78,
+    SSIdExtraInt = 79
 };
 
 /* Storage forms of `x`: component j of observation i is x[j * n + i] with rows, x[i * p + j] with columns. */
@@ -207,6 +278,7 @@ enum {
     SSStatusQuantOrderCount = -4022,
     SSStatusQuantiles = -4023,
     SSStatusOrderStats = -4024,
+    SSStatusNotPositiveDefinite = -4025, /* a matrix that must be is not, in the sense of its Cholesky factor */
     SSStatusRobustCov = -4027,
     SSStatusRobustMean = -4028,
     SSStatusMethod = -4029,
@@ -469,6 +541,56 @@ int32_t _kuzdSSMinmax(SSTask* task, uint64_t estimates, uint64_t method, const o
 int32_t _kuzsSSMinmax(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
 int32_t _kuzdSSWMedian(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
 int32_t _kuzsSSWMedian(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
+
+/* Robust estimates of multivariate location and scatter, and what they reject. The entries take (task, estimates, method,
+ * services) as the order statistics do; q is the number of components that take part (`indices`), and the others keep their
+ * old results. Weights are not looked at. An observation with a NaN or an infinity in one of the q components, or further out
+ * than 1e100 spreads, counts as infinitely far: it has no weight, but its place among the n. Results do not depend on the
+ * number of threads, and are computed in double for floats too.
+ *
+ * _kuz[sd]SSRobustCovariance   ORV_SS_ROBUST_COVARIANCE: centre to `robustMean` (p values) and covariance to `robustCov`, in the
+ *     matrix form at `robustMethod` (id 36). Both are consistent at the normal model. method is one of
+ *       RobustTBS      the S-estimator with Rocke's translated biweight: the pair of the least determinant under which the mean
+ *                      of rho over all observations is what the normal model has. Reweighting starts from BACON's subset
+ *                      about the medians, from the orthogonalised pairwise estimate, and from Maronna's estimator; the
+ *                      least determinant of the three ends is the result. Affine equivariant where one end is reached.
+ *                      Up to the breakdown point its bias is bounded: outliers far enough are rejected, however far. That
+ *                      may be a long way: at 1/2, three in ten observations in one point draw the estimate along up to some 15
+ *                      spreads in 5 dimensions and 60 in 10; outliers scattered as the others, or fewer, much less.
+ *       RobustMaronna  Maronna's monotone M-estimator with Huber's weights, affine equivariant, of breakdown point 1 / (q + 1)
+ *                      and no more.
+ *     `robustParams`, `robustParamCount` (4) data, of which RobustMaronna uses the last two:
+ *       [0]  breakdown point, in (0, 1/2]; no more than (n - q) / (2 n) is used
+ *       [1]  asymptotic rejection probability, in (0, 1): of an observation from the normal model, to lose its weight
+ *            altogether. The breakdown point has precedence where both cannot be had: for 1/2 and 0.001, up to 4 components
+ *            more is rejected, and from 17 less
+ *       [2]  stop tolerance, at least 0: of the last step, in units of the spread; 1e-6 is plenty
+ *       [3]  most iterations from each start, at least 1. Running out of them is no failure
+ *
+ * _kuz[sd]SSOutliersDetection  ORV_SS_OUTLIERS: BACON. To `outlierWeights`, n values: 1 for an observation that is kept, 0 for an
+ *     outlier. method: 0 or ORV_SS_METHOD_FAST, the same. A subset of 4 q observations (n / 2, if that is less) grows to all
+ *     whose distance under its mean and covariance is within the corrected quantile of the chi-square distribution, until
+ *     it stays. `outlierParams`, `outlierParamCount` (3) data:
+ *       [0]  the first subset. SubsetMahalanobis: the least Mahalanobis distances from the mean; affine equivariant, withstands
+ *            some 20%. SubsetMedian: the least Euclidean distances from the medians, each component in units of its median
+ *            absolute deviation (the mean one, where that is 0); withstands some 40%
+ *       [1]  alpha, in (0, 1): the quantile's level is 1 - alpha / n
+ *       [2]  stop value, in [0, 1): growth ends when the subset's size changes by no more than this share of n; 0: not at all
+ *
+ * Return 0, or, with nothing written: SSStatusEstimates, SSStatusMethod, SSStatusP, SSStatusN, SSStatusX, SSStatusStorage,
+ * SSStatusStorageValue, the status of a missing array; that of a count or of parameters outside the above;
+ * SSStatusNotPositiveDefinite: n <= q, a component without spread, observations in a subspace, or more that are no
+ * numbers than the breakdown point allows; SSStatusAllocation.
+ *
+ * Sources: D. M. Rocke, The Annals of Statistics 24 (1996); R. A. Maronna, The Annals of Statistics 4 (1976); R. A. Maronna,
+ * R. H. Zamar, Technometrics 44 (2002); N. Billor, A. S. Hadi, P. F. Velleman, Computational Statistics & Data Analysis 34
+ * (2000). */
+enum { RobustMaronna = 0x1, RobustTBS = 0x2 };
+enum { SubsetMahalanobis = 1, SubsetMedian = 2 };
+int32_t _kuzdSSRobustCovariance(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
+int32_t _kuzsSSRobustCovariance(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
+int32_t _kuzdSSOutliersDetection(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
+int32_t _kuzsSSOutliersDetection(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
 
 /* Sort n numbers in place, ascending; the Step form has them `stride` elements apart. Select returns the element of order k,
  * from 0, and parts the data by it: none before place k is larger, none behind it smaller. No element may be a NaN.

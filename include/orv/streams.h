@@ -1,13 +1,46 @@
 /* Random streams: the registry of generators, the life of a stream, its memory chunks, and its image in files and
  * memory.
  *
+ *     #include <orv/random.h>
+ *     #include <stdint.h>
+ *     #include <stdio.h>
+ *
+ *     int main(void) {
+ *         const uint32_t seed[6] = {12345, 12345, 12345, 12345, 12345, 12345};
+ *         double all[6], late[3];
+ *         Stream *stream, *copy;
+ *         if (__kuzNewStreamEx(&stream, BrngMRG32K3A, 6, seed) != StatusOk) return 1;
+ *         if (__kuzCopyStream(&copy, stream) != StatusOk) return 1;
+ *         if (_kuzdRngUniform(UniformStandard, stream, 6, all, 0, 1) != StatusOk) return 1;
+ *         printf("%.6f %.6f %.6f\n", all[0], all[1], all[2]);
+ *         if (__kuzSkipAheadStream(copy, 3) != StatusOk) return 1;  // past the first three
+ *         if (_kuzdRngUniform(UniformStandard, copy, 3, late, 0, 1) != StatusOk) return 1;
+ *         printf("%s\n", late[0] == all[3] && late[2] == all[5] ? "the same sequence" : "another one");
+ *         __kuzDeleteStream(&stream);
+ *         __kuzDeleteStream(&copy);
+ *         return 0;
+ *     }
+ *
+ * It prints
+ *
+ *     0.127011 0.318528 0.309186
+ *     the same sequence
+ *
  * A stream is the caller's handle on one sequence of random numbers: a record with a 16-byte header and, behind it, the
  * state of one basic generator. The header's id finds the generator's row in the registry, and everything that is done
  * with a stream goes through the four functions of that row.
  *
  * One stream is used by one thread at a time; different streams may be used by different threads at once, also when they
- * are copies of each other. Entries trust their caller: pointers are not tested unless a comment says so.
- * Every entry uses the C calling convention; a status of zero is success, a negative one is failure. */
+ * are copies of each other. Every entry uses the C calling convention; a status of zero is success, a negative one is
+ * failure.
+ *
+ * Names. __kuz, with two underscores, is the prefix of what has to do with streams and generators themselves: their life,
+ * registry, chunks and images, and the generators' own entries. _kuz, with one, is that of what draws numbers from a stream
+ * (random.h) and of the statistics that are computed (statistics.h). The tables of the registry begin with __RegBrngs.
+ *
+ * Null pointers. Entries trust their caller: pointers are not tested unless a comment says so. Seed words may be null where
+ * their count is 0, a chunk's key where there is none, its data where its size is 0. *stream may not be null in
+ * __kuzDeleteStream. errno is left alone by all but the entries that open files, where it is as the C library left it. */
 #ifndef ORV_STREAMS_H
 #define ORV_STREAMS_H
 

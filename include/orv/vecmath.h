@@ -1,12 +1,53 @@
 /* Elementwise vector mathematics in three accuracies: "LA" (about 1 ulp), "HA" (about half an ulp) and "EP" (about half
  * of the significand's bits).
  *
+ *     #include <errno.h>
+ *     #include <orv/vecmath.h>
+ *     #include <stdint.h>
+ *     #include <stdio.h>
+ *
+ *     // Called for each element without a proper result; what it leaves in res1 becomes the result.
+ *     static int32_t report(ArqErrorContext* context) {
+ *         printf("x[%d] = %g: status %d\n", (int)context->index, context->arg1, (int)context->code);
+ *         context->res1 = -99;
+ *         return 0;
+ *     }
+ *
+ *     int main(void) {
+ *         const double x[4] = {1, 10, 1000, -1};
+ *         double y[4];
+ *         _arqSetErrorCallBack(report);
+ *         _arqdLog10(4, x, y);            // d: double; the name fixes the accuracy, HA here
+ *         for (int i = 0; i < 4; ++i) printf("%g -> %g\n", x[i], y[i]);
+ *         printf("%s\n", errno == EDOM ? "EDOM" : "no error");
+ *         _arqdLog10I_50(2, x, 2, y, 1);  // LA, of every second element
+ *         printf("%g %g\n", y[0], y[1]);
+ *         return 0;
+ *     }
+ *
+ * It prints
+ *
+ *     x[3] = -1: status 1
+ *     1 -> 0
+ *     10 -> 1
+ *     1000 -> 3
+ *     -1 -> -99
+ *     EDOM
+ *     0 3
+ *
  * A call maps n elements to n results and never fails as a whole: every element gets a defined result, and elements that
  * have none are reported by status, callback, errno, message or exception as the calling thread's mode word asks.
- * Kernels check neither counts nor pointers nor strides. Input and output may be the same array; arrays that overlap in
- * any other way are not supported. All state is per thread and no call takes a lock.
+ * Kernels check neither counts nor pointers nor strides: no pointer may be null, unless the count is 0 or below, when
+ * nothing is read or written. Input and output may be the same array; arrays that overlap in any other way are not
+ * supported. All state is per thread and no call takes a lock. Arguments are pure numbers, angles in radians except
+ * where the name ends in d (degrees) or pi (multiples of pi).
  *
- * Names. _arq<type><Function>[I][_HA|_21|_50|_11|_26]: type s (float), d (double), c and z (their complex pairs); I marks
+ * errno becomes EDOM for ORV_STATUS_DOMAIN and ERANGE for a singularity, overflow or underflow, if the mode has
+ * ORV_MODE_ERRMODE_ERRNO, as it has at first; a call without a report leaves it alone.
+ *
+ * Names. _arq is the prefix of the vector functions and of the thread's mode, status and callback; orv_arq_kernel_ that of
+ * the tables of kernels, and of the same thread entries under a second name.
+ * _arq<type><Function>[I][_HA|_21|_50|_11|_26]: type s (float), d (double), c and z (their complex pairs); I marks
  * the strided form, whose increments count elements; no suffix or _HA enters the "HA" kernel, _21 (s, c) and _50 (d, z)
  * the "LA" kernel, _11 (s, c) and _26 (d, z) the "EP" kernel. The mode word does not change what a named entry does: a
  * caller that follows the mode takes its kernel from orv_arq_kernel_<type><Function>[I]_ttab at the index given by

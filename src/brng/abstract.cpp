@@ -1,9 +1,7 @@
 // Abstract streams: numbers from a ring that the caller owns and a callback of his refills. They hand out numbers of their
 // ring's type only. Every kernel for another type is the one function at the end under a name of its own.
-#include "services/export.h"
+#include "brng/entries.h"
 #include "streams/state_checks.h"
-
-#include <orv/random.h>
 
 #include <stddef.h>
 
@@ -101,21 +99,10 @@ int32_t generate(Ring& ring, int32_t n, typename Ring::Element* r, const Map& ma
 }
 
 int32_t init(int32_t method, Position& position, const void* const* block) {
-    switch (method) {
-        case InitMethodSeed: {
-            const int32_t size = *static_cast<const int32_t*>(block[0]);
-            position = {size, 0, size};
-            return StatusOk;
-        }
-        case InitMethodLeapfrog:
-            return BrngStatusNoLeapfrog;
-        case InitMethodSkipAhead:
-            return BrngStatusNoSkipAhead;
-        case InitMethodSkipAheadEx:
-            return BrngStatusNoSkipAheadEx;
-        default:
-            return StatusBadMethod;
-    }
+    if (method != InitMethodSeed) return status_of_missing(method);
+    const int32_t size = *static_cast<const int32_t*>(block[0]);
+    position = {size, 0, size};
+    return StatusOk;
 }
 
 // The block of a creator: where the size stands, the ring, where its interval stands, the callback.

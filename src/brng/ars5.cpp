@@ -97,14 +97,12 @@ int32_t init_stream(int32_t method, Stream* stream, int32_t n, const void* param
         case InitMethodSeed:
             seed_counter(state, n, static_cast<const uint32_t*>(params));
             return StatusOk;
-        case InitMethodLeapfrog:
-            return BrngStatusNoLeapfrog;
         case InitMethodSkipAhead:
             return skip_ahead(state, 1, static_cast<const uint64_t*>(params));
         case InitMethodSkipAheadEx:
             return skip_ahead(state, n, static_cast<const uint64_t*>(params));
         default:
-            return StatusBadMethod;
+            return status_of_missing(method);
     }
 }
 

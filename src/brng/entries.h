@@ -5,6 +5,24 @@
 
 #include <orv/random.h>
 
+namespace orv::brng {
+
+// What initStream returns for a method that the generator does not have.
+inline int32_t status_of_missing(int32_t method) {
+    switch (method) {
+        case InitMethodLeapfrog:
+            return BrngStatusNoLeapfrog;
+        case InitMethodSkipAhead:
+            return BrngStatusNoSkipAhead;
+        case InitMethodSkipAheadEx:
+            return BrngStatusNoSkipAheadEx;
+        default:
+            return StatusBadMethod;
+    }
+}
+
+}  // namespace orv::brng
+
 // Defines the entries of generator `name` from its namespace orv::brng::space, which has
 //   init_stream(method, stream, n, params), and
 //   generate(stream, n, r, output) for the outputs that float_output(a, b), double_output(a, b) and raw_output() make.

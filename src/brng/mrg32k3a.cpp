@@ -69,8 +69,6 @@ int32_t init_stream(int32_t method, Stream* stream, int32_t n, const void* param
         case InitMethodSeed:
             seed(residues_of(stream), n, static_cast<const uint32_t*>(params));
             return StatusOk;
-        case InitMethodLeapfrog:
-            return BrngStatusNoLeapfrog;
         case InitMethodSkipAhead:
             skip_ahead(residues_of(stream), 1, static_cast<const uint64_t*>(params));
             return StatusOk;
@@ -78,7 +76,7 @@ int32_t init_stream(int32_t method, Stream* stream, int32_t n, const void* param
             skip_ahead(residues_of(stream), n, static_cast<const uint64_t*>(params));
             return StatusOk;
         default:
-            return StatusBadMethod;
+            return status_of_missing(method);
     }
 }
 

@@ -112,14 +112,10 @@ int32_t init_stream(int32_t method, Stream* stream, int32_t n, const void* param
             twister::seed<Recurrence>(state_of(stream).words, n, static_cast<const uint32_t*>(params));
             state_of(stream).index = spent;
             return StatusOk;
-        case InitMethodLeapfrog:
-            return BrngStatusNoLeapfrog;
         case InitMethodSkipAhead:
             return skip_ahead(stream, *static_cast<const uint64_t*>(params));
-        case InitMethodSkipAheadEx:
-            return BrngStatusNoSkipAheadEx;
         default:
-            return StatusBadMethod;
+            return status_of_missing(method);
     }
 }
 

@@ -44,22 +44,12 @@ int32_t generate(Stream* stream, int32_t n, typename Output::Element* r, Output 
 }
 
 int32_t init_stream(int32_t method, Stream* stream, int32_t n, const void* params) {
+    if (method != InitMethodSeed) return status_of_missing(method);
     State& s = state_of(stream);
-    switch (method) {
-        case InitMethodSeed:
-            twister::seed<Recurrence>(s.words, n, static_cast<const uint32_t*>(params));
-            s.index = spent;
-            s.member = members[streams::resolve(stream->brngId).member];
-            return StatusOk;
-        case InitMethodLeapfrog:
-            return BrngStatusNoLeapfrog;
-        case InitMethodSkipAhead:
-            return BrngStatusNoSkipAhead;
-        case InitMethodSkipAheadEx:
-            return BrngStatusNoSkipAheadEx;
-        default:
-            return StatusBadMethod;
-    }
+    twister::seed<Recurrence>(s.words, n, static_cast<const uint32_t*>(params));
+    s.index = spent;
+    s.member = members[streams::resolve(stream->brngId).member];
+    return StatusOk;
 }
 
 LinearOutput<float> float_output(float a, float b) { return linear_output(a, b, unit); }

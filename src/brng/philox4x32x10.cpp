@@ -146,8 +146,6 @@ int32_t init_stream(int32_t method, Stream* stream, int32_t n, const void* param
         case InitMethodSeed:
             seed_counter(state, n, static_cast<const uint32_t*>(params));
             return StatusOk;
-        case InitMethodLeapfrog:
-            return BrngStatusNoLeapfrog;
         case InitMethodSkipAhead:
             skip_counter(state, engine_of(state), 1, static_cast<const uint64_t*>(params));
             return StatusOk;
@@ -155,7 +153,7 @@ int32_t init_stream(int32_t method, Stream* stream, int32_t n, const void* param
             skip_counter(state, engine_of(state), n, static_cast<const uint64_t*>(params));
             return StatusOk;
         default:
-            return StatusBadMethod;
+            return status_of_missing(method);
     }
 }
 

@@ -68,19 +68,9 @@ void seed(State& s, int32_t n, const uint32_t* seed_words) {
 }
 
 int32_t init_stream(int32_t method, Stream* stream, int32_t n, const void* params) {
-    switch (method) {
-        case InitMethodSeed:
-            seed(state_of(stream), n, static_cast<const uint32_t*>(params));
-            return StatusOk;
-        case InitMethodLeapfrog:
-            return BrngStatusNoLeapfrog;
-        case InitMethodSkipAhead:
-            return BrngStatusNoSkipAhead;
-        case InitMethodSkipAheadEx:
-            return BrngStatusNoSkipAheadEx;
-        default:
-            return StatusBadMethod;
-    }
+    if (method != InitMethodSeed) return status_of_missing(method);
+    seed(state_of(stream), n, static_cast<const uint32_t*>(params));
+    return StatusOk;
 }
 
 LinearOutput<float> float_output(float a, float b) { return linear_output(a, b, unit); }

@@ -251,14 +251,10 @@ int32_t init_stream(int32_t method, Stream* stream, int32_t n, const void* param
         case InitMethodSeed:
             seed(state_of(stream), n, static_cast<const uint32_t*>(params));
             return StatusOk;
-        case InitMethodLeapfrog:
-            return BrngStatusNoLeapfrog;
         case InitMethodSkipAhead:
             return skip_ahead(stream, *static_cast<const uint64_t*>(params));
-        case InitMethodSkipAheadEx:
-            return BrngStatusNoSkipAheadEx;
         default:
-            return StatusBadMethod;
+            return status_of_missing(method);
     }
 }
 

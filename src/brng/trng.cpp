@@ -1,11 +1,9 @@
 // TRNG: words of the processor's hardware source. A double takes 64 bits, two words that are drawn together; a float takes
 // 32, of which two are drawn together.
+#include "brng/entries.h"
 #include "brng/outputs.h"
 #include "platform/platform.h"
-#include "services/export.h"
 #include "streams/state_checks.h"
-
-#include <orv/random.h>
 
 #include <stddef.h>
 
@@ -45,21 +43,11 @@ int32_t generate(Stream* stream, int32_t n, Element* r, Store store) {
 }
 
 int32_t init_stream(int32_t method, Stream* stream, int32_t n, const uint32_t* words) {
+    if (method != InitMethodSeed) return status_of_missing(method);
     State& state = *reinterpret_cast<State*>(stream);
-    switch (method) {
-        case InitMethodSeed:
-            state.reserved = 0;
-            state.retries = n >= 2 && words[1] != 0 ? words[1] : usual_retries;
-            return StatusOk;
-        case InitMethodLeapfrog:
-            return BrngStatusNoLeapfrog;
-        case InitMethodSkipAhead:
-            return BrngStatusNoSkipAhead;
-        case InitMethodSkipAheadEx:
-            return BrngStatusNoSkipAheadEx;
-        default:
-            return StatusBadMethod;
-    }
+    state.reserved = 0;
+    state.retries = n >= 2 && words[1] != 0 ? words[1] : usual_retries;
+    return StatusOk;
 }
 
 }  // namespace

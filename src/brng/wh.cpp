@@ -240,10 +240,8 @@ int32_t init_stream(int32_t method, Stream* stream, int32_t n, const void* param
         case InitMethodSkipAhead:
             skip(state_of(stream), *static_cast<const uint64_t*>(params));
             return StatusOk;
-        case InitMethodSkipAheadEx:
-            return BrngStatusNoSkipAheadEx;
         default:
-            return StatusBadMethod;
+            return status_of_missing(method);
     }
 }
 

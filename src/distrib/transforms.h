@@ -45,7 +45,7 @@ ORV_DISTRIB_KERNEL(exponential_function, Exp, OneResult)
 ORV_DISTRIB_KERNEL(square_root, Sqrt, OneResult)
 ORV_DISTRIB_KERNEL(tangent, Tan, OneResult)
 ORV_DISTRIB_KERNEL(sine, Sin, OneResult)
-ORV_DISTRIB_KERNEL(cosine, Cos, OneResult)
+ORV_DISTRIB_KERNEL(inverse_error_function, ErfInv, OneResult)
 ORV_DISTRIB_KERNEL(power, Powx, WithScalar)
 ORV_DISTRIB_KERNEL(sine_and_cosine, SinCos, TwoResults)
 #undef ORV_DISTRIB_KERNEL

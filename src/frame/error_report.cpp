@@ -39,8 +39,8 @@ constexpr bool is_complex<double> = false;
 }  // namespace
 
 template <class In, class Out>
-void report_error(int32_t status, int32_t index, Operand<const In> a1, Operand<const In> a2, Operand<Out> r1,
-                  Operand<Out> r2, const char* name) {
+void report_error(int32_t status, int32_t index, const In* start, Operand<const In> a1, Operand<const In> a2,
+                  Operand<Out> r1, Operand<Out> r2, const char* name) {
     ArqThreadBlock* block = thread_block();
     if (!block) return;
     const uint32_t mode = mode_of(block);
@@ -53,7 +53,7 @@ void report_error(int32_t status, int32_t index, Operand<const In> a1, Operand<c
     context.index = index;
     if (block->interf_input_vector) {
         const intptr_t distance =
-            reinterpret_cast<intptr_t>(a1.start) - reinterpret_cast<intptr_t>(block->interf_input_vector);
+            reinterpret_cast<intptr_t>(start) - reinterpret_cast<intptr_t>(block->interf_input_vector);
         context.index += static_cast<int32_t>(distance / static_cast<intptr_t>(sizeof(In)));
     }
     copy_name(context, name);
@@ -75,15 +75,15 @@ void report_error(int32_t status, int32_t index, Operand<const In> a1, Operand<c
     write_element(r1.at(index), context.res1, context.res1_im);
 }
 
-#define ORV_DEFINE_REPORTERS(letter, Element)                                                                       \
-    void ReportError##letter(int32_t status, int32_t index, const Element* a1, const Element* a2, Element* r1,      \
-                             Element* r2, const char* name) {                                                       \
-        report_error<Element, Element>(status, index, {a1, 1}, {a2, 1}, {r1, 1}, {r2, 1}, name);                    \
-    }                                                                                                               \
-    void ReportError##letter##I(int32_t status, int32_t index, const Element* a1, int32_t inca1, const Element* a2, \
-                                int32_t inca2, Element* r1, int32_t incr1, Element* r2, int32_t incr2,              \
-                                const char* name) {                                                                 \
-        report_error<Element, Element>(status, index, {a1, inca1}, {a2, inca2}, {r1, incr1}, {r2, incr2}, name);    \
+#define ORV_DEFINE_REPORTERS(letter, Element)                                                                        \
+    void ReportError##letter(int32_t status, int32_t index, const Element* a1, const Element* a2, Element* r1,       \
+                             Element* r2, const char* name) {                                                        \
+        report_error<Element, Element>(status, index, a1, {a1, 1}, {a2, 1}, {r1, 1}, {r2, 1}, name);                 \
+    }                                                                                                                \
+    void ReportError##letter##I(int32_t status, int32_t index, const Element* a1, int32_t inca1, const Element* a2,  \
+                                int32_t inca2, Element* r1, int32_t incr1, Element* r2, int32_t incr2,               \
+                                const char* name) {                                                                  \
+        report_error<Element, Element>(status, index, a1, {a1, inca1}, {a2, inca2}, {r1, incr1}, {r2, incr2}, name); \
     }
 
 ORV_DEFINE_REPORTERS(S, float)
@@ -92,9 +92,9 @@ ORV_DEFINE_REPORTERS(C, orv_complex_s)
 ORV_DEFINE_REPORTERS(Z, orv_complex_d)
 
 // From complex to real and back.
-#define ORV_INSTANTIATE(In, Out)                                                                                   \
-    template void report_error(int32_t, int32_t, Operand<const In>, Operand<const In>, Operand<Out>, Operand<Out>, \
-                               const char*);
+#define ORV_INSTANTIATE(In, Out)                                                                                \
+    template void report_error(int32_t, int32_t, const In*, Operand<const In>, Operand<const In>, Operand<Out>, \
+                               Operand<Out>, const char*);
 ORV_INSTANTIATE(orv_complex_s, float)
 ORV_INSTANTIATE(orv_complex_d, double)
 ORV_INSTANTIATE(float, orv_complex_s)

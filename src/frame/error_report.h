@@ -30,10 +30,12 @@ struct Operand {
     Element& at(int32_t index) const { return start[static_cast<ptrdiff_t>(index) * increment]; }
 };
 
-// Arguments and results of one call, each of its own type and increment, of which one side may be real and the other complex.
+// Arguments and results of one call, each of its own type and increment, of which one side may be real and the other
+// complex. `start` is where the first argument's array begins. The arguments may stand elsewhere: in place, the result has
+// taken the element's place there.
 template <class In, class Out>
-void report_error(int32_t status, int32_t index, Operand<const In> a1, Operand<const In> a2, Operand<Out> r1,
-                  Operand<Out> r2, const char* name);
+void report_error(int32_t status, int32_t index, const In* start, Operand<const In> a1, Operand<const In> a2,
+                  Operand<Out> r1, Operand<Out> r2, const char* name);
 
 // ReportErrorS, D, C and Z for dense calls of one element type, ReportErrorSI, DI, CI and ZI for strided ones.
 #define ORV_DECLARE_REPORTERS(letter, Element)                                                                      \

@@ -119,7 +119,8 @@ inline void store_block(int32_t i, int32_t count, Out y, const typename Kernel::
 
 // A block with lanes that the vector path does not serve goes through buffers, as does a part of a block. The doubted lanes
 // are settled from lane 0 up. A reported element is in its place in the outputs before the reporter runs, which may change
-// it there; the block is stored at the end. Nothing outside the arrays is touched.
+// it there; its arguments are reported from the buffers, since the outputs may be the inputs. The block is stored at the
+// end. Nothing outside the arrays is touched.
 template <class Kernel, class Out, int Count, size_t... Input, class... In>
 [[gnu::noinline, gnu::cold]] void map_buffered(const char* name, typename Kernel::Frame& frame, int32_t i,
                                                int32_t count, Outputs<Out, Count> out, std::index_sequence<Input...>,
@@ -130,7 +131,7 @@ template <class Kernel, class Out, int Count, size_t... Input, class... In>
     alignas(16) Element x[sizeof...(In)][Kernel::block];
     alignas(16) Result r[Count][Kernel::block];
     (load_block<Kernel>(i, count, in, x[Input]), ...);
-    const Operand<const Element> arguments[] = {{in.at(0), in.increment}...};
+    const Element* const starts[] = {in.at(0)...};
     constexpr size_t second = sizeof...(In) > 1 ? 1 : 0;
 
     for (int32_t k = 0; k < count; k += width) {
@@ -152,7 +153,9 @@ template <class Kernel, class Out, int Count, size_t... Input, class... In>
                 status = Kernel::scalar(&x[Input][lane]..., &r[0][lane]);
             if (status == status_ok) continue;
             for (int output = 0; output < Count; ++output) *out.at[output].at(i + lane) = r[output][lane];
-            report_error(status, i + lane, arguments[0], arguments[second],
+            // One place each: an increment of 0 leads every index to it.
+            report_error(status, i + lane, starts[0], Operand<const Element>{&x[0][lane], 0},
+                         Operand<const Element>{&x[second][lane], 0},
                          Operand<Result>{out.at[0].start, out.at[0].increment},
                          Operand<Result>{out.at[Count - 1].start, out.at[Count - 1].increment}, name);
             for (int output = 0; output < Count; ++output) r[output][lane] = *out.at[output].at(i + lane);

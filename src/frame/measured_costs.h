@@ -152,4 +152,14 @@
 #define ORV_COST_zAtanh 130, 130, 130
 #define ORV_COST_zPowx 150, 150, 150
 
+#define ORV_COST_cAdd 1.2, 1.2, 1.2
+#define ORV_COST_cSub 1.2, 1.2, 1.2
+#define ORV_COST_zAdd 2.2, 2.2, 2.2
+#define ORV_COST_zSub 2.2, 2.2, 2.2
+#define ORV_COST_cMul 5, 5, 3
+#define ORV_COST_cMulByConj 5, 5, 3
+#define ORV_COST_zMulByConj 25, 25, 6
+#define ORV_COST_cDiv 10, 10, 6
+#define ORV_COST_zDiv 40, 40, 12
+
 #endif

@@ -1,6 +1,7 @@
 // Every kernel stays within its bound, wherever the search for its worst error gets.
 #include "accuracy/bounds.h"
 #include "accuracy/hunt.h"
+#include "support/effort.h"
 
 #include <gtest/gtest.h>
 
@@ -8,12 +9,10 @@ namespace {
 
 using namespace orv::accuracy;
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr double effort = 0.02;
-#elif defined(_WIN32)
+#ifdef _WIN32
 constexpr double effort = 0.1;
 #else
-constexpr double effort = 0.5;
+constexpr double effort = orv::test::sanitized ? 0.02 : 0.5;
 #endif
 
 struct WorstError : testing::TestWithParam<Kernel> {};

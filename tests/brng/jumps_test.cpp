@@ -1,4 +1,6 @@
 // Modular powers, jumps of third-order recurrences, and jumps over GF(2) on a generator small enough to walk.
+#include "services/test_switches.h"
+
 #include <orv/random.h>
 #include <orv/services.h>
 

@@ -1,6 +1,7 @@
 // Processors without AES or RDRAND, and sources of random words that fail: another processor stands in this program in the
 // place of the platform layer's.
 #include "platform/platform.h"
+#include "services/test_switches.h"
 #include "streams/streams.h"
 
 #include <orv/services.h>

@@ -1,5 +1,6 @@
 // Sequences whose numbers are in chunks: saved, loaded, copied, cut short and altered.
 #include "quasi.h"
+#include "services/test_switches.h"
 #include "streams/image_trial.h"
 
 #include <orv/services.h>

@@ -1,6 +1,7 @@
 // Sobol and Niederr: points against their definition, direction numbers against plain recurrences, parameter blocks, jumps,
 // and how evenly the points lie.
 #include "quasi.h"
+#include "services/test_switches.h"
 
 #include <orv/services.h>
 

@@ -1,4 +1,6 @@
 // Memory of the core library: alignment, bounds of copies, the failure switch.
+#include "services/test_switches.h"
+
 #include <array>
 #include <atomic>
 #include <cstdint>

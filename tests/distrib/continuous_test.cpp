@@ -149,4 +149,16 @@ TEST(Weibull, OfShapeOneTakesNoPower) {
     orv_arq_kernel_dPowx_ttab[2] = kept[1];
 }
 
+TEST(Scalars, AreTheirFunctions) {
+    const double numbers[] = {1e-310, 0.3, 1, 2.5, 1e300};
+    for (const double x : numbers) {
+        EXPECT_NEAR(__kuzdLn(x), std::log(x), 1e-15 * std::fabs(std::log(x))) << x;
+        EXPECT_EQ(__kuzdSqrt(x), std::sqrt(x));
+        const float narrow = std::max(static_cast<float>(std::min(x, 1e38)), 1e-40f);
+        EXPECT_NEAR(__kuzsLn(narrow), std::log(narrow), 1e-7f * std::fabs(std::log(narrow))) << narrow;
+    }
+    for (const double x : {-1e300, -2.0, -1.5, -0.0, 0.5, 7.0, 0x1p52 + 1}) EXPECT_EQ(__kuzdFloor(x), std::floor(x));
+    EXPECT_TRUE(std::isnan(__kuzdFloor(NAN)) && std::isnan(__kuzdSqrt(-1)));
+}
+
 }  // namespace

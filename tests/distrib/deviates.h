@@ -7,6 +7,7 @@
 #include <orv/vecmath.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace orv::test {
@@ -26,7 +27,6 @@ ORV_ONE_NUMBER(ln, Ln)
 ORV_ONE_NUMBER(tangent, Tan)
 ORV_ONE_NUMBER(root, Sqrt)
 ORV_ONE_NUMBER(sine, Sin)
-ORV_ONE_NUMBER(cosine, Cos)
 ORV_ONE_NUMBER(exponential, Exp)
 ORV_ONE_NUMBER(inverse_erf, ErfInv)
 #undef ORV_ONE_NUMBER
@@ -39,6 +39,18 @@ inline float power(float x, float y) {
     float z;
     _arqsPowx_21(1, &x, y, &z);
     return z;
+}
+
+// Sine and cosine.
+inline std::array<double, 2> on_circle(double x) {
+    std::array<double, 2> y;
+    _arqdSinCos_26(1, &x, &y[0], &y[1]);
+    return y;
+}
+inline std::array<float, 2> on_circle(float x) {
+    std::array<float, 2> y;
+    _arqsSinCos_21(1, &x, &y[0], &y[1]);
+    return y;
 }
 
 inline std::vector<double> uniforms(Stream* stream, int32_t n, double a, double b) {

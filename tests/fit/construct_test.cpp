@@ -1,5 +1,6 @@
 // Construction: reproduction of polynomials, conditions at breaks and ends, layouts, spacings, statuses, failures.
 #include "fit/support.h"
+#include "services/test_switches.h"
 
 #include <cmath>
 

@@ -1,5 +1,6 @@
 // Integration: against the antiderivative cell by cell, additivity, layouts, hints, statuses.
 #include "fit/support.h"
+#include "services/test_switches.h"
 
 #include <cmath>
 

@@ -1,5 +1,6 @@
 // Interpolation: evaluators, placement of results, cells, callbacks, order 0, statuses.
 #include "fit/support.h"
+#include "services/test_switches.h"
 
 #include <cmath>
 

@@ -1,5 +1,6 @@
 // The task's life: what creation, edits and queries store, refuse and leave behind.
 #include "fit/support.h"
+#include "services/test_switches.h"
 
 #include <cmath>
 #include <cstddef>

@@ -4,6 +4,7 @@
 // A table says for every function which of the three it can raise at all. Where it may, its results tell: a quiet NaN among
 // the arguments raises nothing; invalid makes a NaN; divide-by-zero and overflow make an infinity of finite arguments. Every
 // row of the row list is held to this at every accuracy as soon as its kernels are there; a row without an entry fails.
+#include "support/effort.h"
 #include "support/rows.h"
 
 #include <gtest/gtest.h>
@@ -152,7 +153,9 @@ unsigned may_raise(const Row& row, const Components& arguments, const Components
     if (any_nan(results)) flags |= invalid;
     // An infinite second argument of NextAfter is but a direction.
     const Components operands = row.function() == "NextAfter" ? Components{arguments[0]} : arguments;
-    if (any_infinite(results) && !any_infinite(operands)) flags |= divide | overflow;
+    // What goes part by part may overflow in one beside an infinity in the other.
+    const bool by_parts = is_complex(row.type) && (row.function() == "Add" || row.function() == "Sub");
+    if (any_infinite(results) && (by_parts || !any_infinite(operands))) flags |= divide | overflow;
     return flags & can_raise(row);
 }
 
@@ -254,6 +257,7 @@ void check_value(const Row& row, int accuracy, In a, In b, bool two_inputs, Call
     std::vector<In> among(length, rest), among_b(length, rest);
     among[5] = a;
     among_b[5] = b;
+    if (sanitized) return check_call<In, Out>(row, accuracy, among, among_b, two_inputs, call);
     check_call<In, Out>(row, accuracy, {a}, {b}, two_inputs, call);
     check_call<In, Out>(row, accuracy, std::vector<In>(length, a), std::vector<In>(length, b), two_inputs, call);
     check_call<In, Out>(row, accuracy, among, among_b, two_inputs, call);
@@ -328,9 +332,11 @@ TEST(Flags, OnlyWhatTheFunctionItselfRaises) {
         _arqSetMode(mode);
         check_type<float, orv_complex_s>('s', 'c');
         check_type<double, orv_complex_d>('d', 'z');
+        if (sanitized) break;
     }
     _arqSetMode(before);
-    for (const Exception& e : exceptions) EXPECT_TRUE(e.seen) << e.row << ' ' << e.accuracy << ": " << e.reason;
+    for (const Exception& e : exceptions)
+        EXPECT_TRUE(e.seen || sanitized) << e.row << ' ' << e.accuracy << ": " << e.reason;
 }
 
 }  // namespace

@@ -47,15 +47,16 @@ void reset_notes() {
     replaces = false;
 }
 
-TEST(Report, ComesInTheOrderOfTheElements) {
-    on_new_thread([] {
+void check_order(bool in_place) {
+    on_new_thread([=] {
         reset_notes();
         _arqSetErrorCallBack(note);
         std::vector<double> a(70, 2.0), y(70);
         const std::vector<int> bad = {0, 1, 7, 8, 31, 32, 33, 63, 64, 67, 69};
         for (size_t i = 0; i < bad.size(); ++i)
             a[static_cast<size_t>(bad[i])] = i % 2 ? -1.0 - static_cast<double>(i) : 0.0;
-        dense(a, y);
+        if (in_place) y = a;
+        dense(in_place ? y : a, y);
         ASSERT_EQ(reports.size(), bad.size());
         for (size_t i = 0; i < bad.size(); ++i) {
             const ArqErrorContext& report = reports[i];
@@ -73,6 +74,11 @@ TEST(Report, ComesInTheOrderOfTheElements) {
                   ORV_STATUS_DOMAIN == reports.back().code ? ORV_STATUS_DOMAIN : ORV_STATUS_SINGULARITY);
     });
 }
+
+TEST(Report, ComesInTheOrderOfTheElements) { check_order(false); }
+
+// The result has taken the argument's place; the argument is reported all the same.
+TEST(Report, InPlaceHasTheArgument) { check_order(true); }
 
 TEST(Report, StridesLeadToTheElement) {
     on_new_thread([] {

@@ -1,4 +1,5 @@
 // The basic pass outside the plain case: statuses, hard data, NaN and infinity, weights of zero and below, failed allocations.
+#include "services/test_switches.h"
 #include "stats/reference.h"
 
 #include <gtest/gtest.h>

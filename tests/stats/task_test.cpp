@@ -1,4 +1,6 @@
 // The task's life and its editors: checks in order, ids and statuses, what grouped editors store.
+#include "services/test_switches.h"
+
 #include <orv/statistics.h>
 
 #include <gtest/gtest.h>

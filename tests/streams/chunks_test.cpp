@@ -1,4 +1,5 @@
 // Chunks on a stream's list and the shared table behind keys.
+#include "services/test_switches.h"
 #include "streams/streams.h"
 
 #include <orv/services.h>

@@ -1,4 +1,5 @@
 // Images of streams: the bytes themselves, both media, the older forms, and what a loader refuses.
+#include "services/test_switches.h"
 #include "streams/image_trial.h"
 #include "streams/streams.h"
 

@@ -2,6 +2,8 @@
 // go away without a trace. Used by the fuzzer and by the test that replays its corpus.
 #pragma once
 
+#include "services/test_switches.h"
+
 #include <orv/random.h>
 #include <orv/services.h>
 

@@ -1,4 +1,5 @@
 // Life of a stream: creation and its refusals, leapfrog, skip-ahead, copies.
+#include "services/test_switches.h"
 #include "streams/streams.h"
 
 #include <orv/services.h>

@@ -1,4 +1,5 @@
 // Chunks of one id found, made and replaced: the others stay on the list, in their order.
+#include "services/test_switches.h"
 #include "streams/chunks.h"
 
 #include <orv/services.h>

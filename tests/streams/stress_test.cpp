@@ -1,6 +1,7 @@
 // Eight threads copy and delete streams that share keys, and enter and release contested keys. Run under the address
 // sanitizer and, in a build with ORV_RACES, under Valgrind's Helgrind and DRD:
 //   ORV_STRESS_ROUNDS=50 valgrind --tool=helgrind build/race/bin/race_streams
+#include "services/test_switches.h"
 #include "streams/streams.h"
 
 #include <orv/services.h>

@@ -39,6 +39,9 @@ constexpr Bound bounds[] = {
 
 #define CARD(function, result, edges, accuracy, source) {#function, result, edges, accuracy, source},
 constexpr Card cards[] = {ORV_FUNCTION_CARDS(CARD)};
+#undef CARD
+#define CARD(function, edges, source) {#function, "", edges, "", source},
+constexpr Card complex_cards[] = {ORV_COMPLEX_CARDS(CARD)};
 
 #define MARK_HERE true
 #define MARK_LATER false
@@ -95,9 +98,17 @@ const Suffixes& suffixes_of(char type) {
     return *std::find_if(std::begin(suffixes), std::end(suffixes), [=](const Suffixes& s) { return s.type == type; });
 }
 
-const Card* card_of(std::string_view function) {
-    for (const Card& card : cards)
+template <size_t N>
+const Card* card_of(const Card (&list)[N], std::string_view function) {
+    for (const Card& card : list)
         if (card.function == function) return &card;
+    return nullptr;
+}
+// What there is to say of the function of complex numbers beside its card, if any.
+const Card* complex_card_of(std::string_view function) {
+    for (const Row& row : math_rows)
+        if (row.here && row.function == function && (row.type == 'c' || row.type == 'z'))
+            return card_of(complex_cards, function);
     return nullptr;
 }
 
@@ -150,7 +161,7 @@ bool write_functions(std::ostream& header, const Row (&rows)[N], bool has_stride
         for (size_t j = 0; j < i; ++j)
             if (rows[j].here && rows[j].function == first.function) opens_card = false;
         if (!opens_card) continue;
-        const Card* card = card_of(first.function);
+        const Card* card = card_of(cards, first.function);
         if (!card) {
             std::cerr << "entrygen: " << first.function << " has no card\n";
             return false;
@@ -158,7 +169,10 @@ bool write_functions(std::ostream& header, const Row (&rows)[N], bool has_stride
         const std::string errors = errors_of(first.function);
         header << "/* " << card->function << ": y[i] = " << card->result << ".\n * " << card->edges << "\n * "
                << (errors.empty() ? "" : "Worst error, ulp: " + errors + ". ") << card->accuracy
-               << (card->accuracy.empty() ? "" : " ") << "Source: " << card->source << ". */\n";
+               << (card->accuracy.empty() ? "" : " ") << "Source: " << card->source << ".";
+        if (const Card* complex = complex_card_of(first.function))
+            header << "\n * Of complex numbers: " << complex->edges << " Source: " << complex->source << ".";
+        header << " */\n";
         for (const Row& row : rows) {
             if (!row.here || row.function != first.function) continue;
             declare(header, row, false);

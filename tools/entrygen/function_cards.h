@@ -2,7 +2,10 @@
 //
 //   CARD(function, result, edges, accuracy, source)
 //
-// The worst errors come from bounds.inc; `accuracy` is what else there is to say of them, or nothing.
+// The worst errors come from bounds.inc; `accuracy` is what else there is to say of them, or nothing. A card speaks of real
+// numbers, where there are such; what is different of complex ones stands in a second list:
+//
+//   CARD(function, edges, source)
 #pragma once
 
 // clang-format off
@@ -84,5 +87,12 @@
     CARD(ErfInv, "the inverse of the error function: the x with erf(x) = a", "-1 and 1 give an infinity of their sign, reported as singularity; values beyond them a NaN, reported as domain; zeros come back.", "Keeps its relative accuracy next to zero.", "Expansions about the middles of short intervals") \
     CARD(ErfcInv, "the inverse of the complementary error function: the x with erfc(x) = a", "0 gives infinity and 2 minus infinity, reported as singularity; values below 0 or above 2 a NaN, reported as domain.", "Keeps its relative accuracy next to a = 1.", "As ErfInv") \
     CARD(CdfNormInv, "the inverse of the cumulative normal distribution: the quantile of a", "0 gives minus infinity and 1 infinity, reported as singularity; values below 0 or above 1 a NaN, reported as domain.", "Keeps its relative accuracy next to a = 1/2.", "As ErfInv") \
-    CARD(Conj, "the complex conjugate of a", "The sign bit of the imaginary part is turned whatever it is the sign of; no flag is raised.", "", "C99 7.3.9.4")
+    CARD(Conj, "the complex conjugate of a", "The sign bit of the imaginary part is turned whatever it is the sign of; no flag is raised.", "", "C99 7.3.9.4") \
+    CARD(MulByConj, "a times the complex conjugate of b", "As Mul.", "", "C99 Annex G.5.1")
+
+#define ORV_COMPLEX_CARDS(CARD) \
+    CARD(Add, "Each part by itself; EP cannot differ.", "IEC 60559") \
+    CARD(Sub, "Each part by itself; EP cannot differ.", "IEC 60559") \
+    CARD(Mul, "An infinity times anything but zero is an infinity, beside a NaN too. Nothing is reported.", "Products in two parts, T. J. Dekker, Numer. Math. 18 (1971); C99 Annex G.5.1") \
+    CARD(Div, "A finite number other than zero over zero gives infinities, reported as singularity; 0/0 and infinity/infinity NaNs, reported as domain; an infinity over a finite number is an infinity, a finite number over an infinity zero. Overflow and underflow are not reported.", "Products in two parts, T. J. Dekker, Numer. Math. 18 (1971); C99 Annex G.5.1")
 // clang-format on

@@ -11,27 +11,29 @@
 namespace {
 
 using namespace orv;
-using Lanes = simd::Complex<double>;
+using vecmath::ComplexD;
+using vecmath::ComplexS;
 
 enum class Inverse { asin, acos, asinh, acosh, atan, atanh };
 
-inline Lanes exchanged(Lanes z) { return {z.im, z.re}; }
+inline ComplexD exchanged(ComplexD z) { return {z.im, z.re}; }
 
 // `asin`, `acos` and `atanh` are functions of lanes.
 template <Inverse F, class Asin, class Acos, class Atanh>
-inline Lanes inverse_lanes(Lanes z, Asin asin, Acos acos, Atanh atanh) {
+inline ComplexD inverse_lanes(ComplexD z, Asin asin, Acos acos, Atanh atanh) {
     if constexpr (F == Inverse::asin) return asin(z);
     if constexpr (F == Inverse::asinh) return exchanged(asin(exchanged(z)));
     if constexpr (F == Inverse::atanh) return atanh(z);
     if constexpr (F == Inverse::atan) return exchanged(atanh(exchanged(z)));
-    const Lanes w = acos(z);
+    const ComplexD w = acos(z);
     if constexpr (F == Inverse::acosh) return {simd::magnitude(w.im), simd::bit_or(w.re, simd::sign_of(z.im))};
     return w;
 }
 
 template <Inverse F>
-int32_t rare(orv_complex_d z, orv_complex_d* w) {
+int32_t rare(const orv_complex_d* at, orv_complex_d* w) {
     constexpr bool exchange = F == Inverse::asinh || F == Inverse::atan;
+    orv_complex_d z = *at;
     if constexpr (exchange) z = {z.im, z.re};
     int32_t status;
     if constexpr (F == Inverse::asin || F == Inverse::asinh) status = vecmath::rare_asin(z, w);
@@ -44,37 +46,32 @@ int32_t rare(orv_complex_d z, orv_complex_d* w) {
 
 template <Inverse F>
 struct InverseD : frame::OneInput<orv_complex_d, 2, frame::Tail::masked> {
-    static __m128d doubt(Lanes z) { return vecmath::outside_inverse(z.re, z.im); }
-    static Lanes lanes(Lanes z) {
+    static __m128d doubt(ComplexD z) { return vecmath::outside_inverse(z); }
+    static ComplexD lanes(ComplexD z) {
         return inverse_lanes<F>(z, vecmath::asin_lanes, vecmath::acos_lanes, vecmath::atanh_lanes);
     }
-    static int32_t scalar(const orv_complex_d* z, orv_complex_d* w) { return rare<F>(*z, w); }
+    static int32_t scalar(const orv_complex_d* z, orv_complex_d* w) { return rare<F>(z, w); }
 };
 
 template <Inverse F>
 struct InverseS : frame::OneInput<orv_complex_s, 4, frame::Tail::masked> {
-    using Z = simd::Complex<float>;
-    static __m128 doubt(Z z) {
-        const __m128 beyond = simd::bit_or(simd::not_finite(z.re), simd::not_finite(z.im));
+    static __m128 doubt(ComplexS z) {
+        const __m128 beyond = vecmath::any_part_from<vecmath::infinity_s>(z);
         if constexpr (F != Inverse::atan && F != Inverse::atanh) return beyond;
         // The poles.
         const __m128 one = F == Inverse::atan ? z.im : z.re, zero = F == Inverse::atan ? z.re : z.im;
         return simd::bit_or(beyond, simd::bit_and(simd::equal(simd::magnitude(one), simd::splat(1.0f)),
                                                   simd::equal(zero, _mm_setzero_ps())));
     }
-    static Z lanes(Z z) {
-        const auto half = [](Lanes x) {
+    static ComplexS lanes(ComplexS z) {
+        const auto in_double = [](ComplexD x) {
             return inverse_lanes<F>(x, vecmath::asin_lanes_s, vecmath::acos_lanes_s, vecmath::atanh_lanes_s);
         };
-        const Lanes low = half({simd::widen_low(z.re), simd::widen_low(z.im)});
-        const Lanes high = half({simd::widen_high(z.re), simd::widen_high(z.im)});
-        return {simd::narrow(low.re, high.re), simd::narrow(low.im, high.im)};
+        return vecmath::by_double(in_double, z);
     }
+    // Nothing overflows.
     static int32_t scalar(const orv_complex_s* z, orv_complex_s* w) {
-        orv_complex_d result;
-        const int32_t status = rare<F>({z->re, z->im}, &result);
-        *w = {static_cast<float>(result.re), static_cast<float>(result.im)};
-        return status;
+        return vecmath::scalar_by_double<rare<F>>(z, w, false);
     }
 };
 

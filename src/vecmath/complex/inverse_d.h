@@ -19,7 +19,7 @@
 // Worst errors measured: 1.1 ulp a part.
 #pragma once
 
-#include "frame/complex_lanes.h"
+#include "vecmath/complex/parts.h"
 #include "vecmath/hyperbolic/inverse_d.h"
 #include "vecmath/inverse/atan2_d.h"
 
@@ -28,20 +28,13 @@ namespace orv::vecmath {
 struct ComplexInverseBlock {
     simd::Splat<double> one{1.0}, two{2.0}, half{0.5}, quarter{0.25}, four{4.0}, eighth{0.125};
     simd::SplatBits<uint64_t> sign{0x8000000000000000};
-    // High words of the parts that the vector path serves, from 2^-140 below 2^140: no power of them that occurs leaves the range.
-    simd::SplatBits<uint32_t> magnitude{0x7FFFFFFF}, bottom{uint32_t{(1023 - 140) << 20} + 0x80000000};
-    simd::SplatBits<uint32_t> span{uint32_t{(280 << 20) - 1} + 0x80000000};
 };
 inline constexpr ComplexInverseBlock complex_inverse;
 
-// Lanes with a part that is zero or out of the range above.
-inline __m128d outside_inverse(__m128d re, __m128d im) {
-    constexpr const ComplexInverseBlock& K = complex_inverse;
-    const auto out = [](__m128d x) {
-        const __m128i offset = _mm_sub_epi32(_mm_and_si128(simd::bits_of(x), K.magnitude), K.bottom);
-        return _mm_cmpgt_epi32(offset, K.span);
-    };
-    return simd::doubles(_mm_or_si128(out(re), out(im)));
+// Exponents of the parts that the vector path serves: no power of them that occurs leaves the range.
+inline constexpr int inverse_span = 140;
+inline __m128d outside_inverse(ComplexD z) {
+    return any_part_beyond<uint32_t{1023 - inverse_span} << 20, uint32_t{1023 + inverse_span} << 20>(z);
 }
 
 inline Pair scaled(Pair a, __m128d power_of_two) { return {a.high * power_of_two, a.low * power_of_two}; }
@@ -107,16 +100,14 @@ inline __m128d atanh_real(__m128d x, Pair x_squared, Pair y_squared) {
 
 // ---- By function, with signs -----------------------------------------------------------------------------------------
 
-using ComplexLanes = simd::Complex<double>;
-
-inline ComplexLanes asin_lanes(ComplexLanes z) {
+inline ComplexD asin_lanes(ComplexD z) {
     const __m128d x = simd::magnitude(z.re), y = simd::magnitude(z.im);
     const ArcParts p = arc_parts(x, y);
     const Pair w = arc_across(p);
     const __m128d u = atan2_lanes<atan_radians, turn_radians, false>(x, w.high, _mm_setzero_pd(), w.low);
     return {simd::bit_or(u, simd::sign_of(z.re)), simd::bit_or(arc_size(p.sinh_squared), simd::sign_of(z.im))};
 }
-inline ComplexLanes acos_lanes(ComplexLanes z) {
+inline ComplexD acos_lanes(ComplexD z) {
     const __m128d x = simd::magnitude(z.re), y = simd::magnitude(z.im);
     const ArcParts p = arc_parts(x, y);
     const Pair w = arc_across(p);
@@ -124,7 +115,7 @@ inline ComplexLanes acos_lanes(ComplexLanes z) {
     const __m128d opposite = simd::bit_and_not(z.im, simd::doubles(complex_inverse.sign));
     return {u, simd::bit_or(arc_size(p.sinh_squared), opposite)};
 }
-inline ComplexLanes atanh_lanes(ComplexLanes z) {
+inline ComplexD atanh_lanes(ComplexD z) {
     constexpr const ComplexInverseBlock& K = complex_inverse;
     const __m128d x = simd::magnitude(z.re), y = simd::magnitude(z.im);
     const Pair x_squared = square(x), y_squared = square(y), q = beyond_unit_circle(x_squared, y_squared);

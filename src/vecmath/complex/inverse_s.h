@@ -5,7 +5,7 @@
 // arguments are served but the poles of atanh.
 #pragma once
 
-#include "frame/complex_lanes.h"
+#include "vecmath/complex/parts.h"
 #include "vecmath/exp_log/log1p.h"
 #include "vecmath/inverse/atan2_d.h"
 
@@ -36,16 +36,16 @@ inline ArcPartsS arc_parts_s(__m128d x, __m128d y) {
             log1p_lanes<log1p_ep>(total + total) * K.half};
 }
 
-inline simd::Complex<double> asin_lanes_s(simd::Complex<double> z) {
+inline ComplexD asin_lanes_s(ComplexD z) {
     const __m128d x = simd::magnitude(z.re);
     const ArcPartsS p = arc_parts_s(x, simd::magnitude(z.im));
     return {simd::bit_or(short_angle(x, p.w), simd::sign_of(z.re)), simd::bit_or(p.v, simd::sign_of(z.im))};
 }
-inline simd::Complex<double> acos_lanes_s(simd::Complex<double> z) {
+inline ComplexD acos_lanes_s(ComplexD z) {
     const ArcPartsS p = arc_parts_s(simd::magnitude(z.re), simd::magnitude(z.im));
     return {short_angle(p.w, z.re), simd::bit_or(p.v, simd::bit_and_not(z.im, simd::splat(-0.0)))};
 }
-inline simd::Complex<double> atanh_lanes_s(simd::Complex<double> z) {
+inline ComplexD atanh_lanes_s(ComplexD z) {
     constexpr const ComplexInverseBlockS& K = complex_inverse_s;
     const __m128d x = simd::magnitude(z.re), y = simd::magnitude(z.im);
     const __m128d y_squared = y * y, across = K.one - x;

@@ -10,7 +10,7 @@
 // their upper halves is exact.
 #pragma once
 
-#include "frame/complex_lanes.h"
+#include "vecmath/complex/parts.h"
 #include "vecmath/exp_log/pairs_d.h"
 #include "vecmath/hyperbolic/inverse_d.h"
 #include "vecmath/inverse/atan2_d.h"
@@ -81,7 +81,7 @@ inline Pair angle_of(__m128d x, __m128d y) {
 struct ComplexExponent {
     Pair re, im;
 };
-inline ComplexExponent exponent_of(simd::Complex<double> b, Pair size, Pair angle) {
+inline ComplexExponent exponent_of(ComplexD b, Pair size, Pair angle) {
     return {plus(times(b.re, size), with_sign(times(b.im, angle), simd::splat(-0.0))),
             plus(times(b.re, angle), times(b.im, size))};
 }
@@ -128,7 +128,7 @@ inline __m128d sign_of_sine(__m128d sine, __m128d angle, __m128d a_im, __m128d b
 }
 
 // a^b where a has a real part and all parts are zero or well within range; `doubt` has the lanes whose result is not.
-inline simd::Complex<double> pow_lanes(simd::Complex<double> a, simd::Complex<double> b, __m128d& doubt) {
+inline ComplexD pow_lanes(ComplexD a, ComplexD b, __m128d& doubt) {
     constexpr const ComplexPowBlock& K = complex_pow;
     const ComplexExponent w = exponent_of(b, ln_modulus(a.re, a.im), angle_of(a.re, a.im));
     doubt = simd::bit_or(simd::exceeds(simd::magnitude(w.re.high), K.last_size),
@@ -142,7 +142,7 @@ inline simd::Complex<double> pow_lanes(simd::Complex<double> a, simd::Complex<do
 }
 
 // The same of floats in one double each, where |a|^2 is exact in two: an error of 2^-50 of b ln a is enough.
-inline simd::Complex<double> pow_lanes_s(simd::Complex<double> a, simd::Complex<double> b, __m128d& doubt) {
+inline ComplexD pow_lanes_s(ComplexD a, ComplexD b, __m128d& doubt) {
     constexpr const ComplexPowBlock& K = complex_pow;
     constexpr const InverseHyperbolicBlock& H = inverse_hyperbolic;
     const __m128d x_squared = a.re * a.re, y_squared = a.im * a.im;

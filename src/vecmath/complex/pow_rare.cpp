@@ -25,7 +25,6 @@ constexpr double not_a_number = std::numeric_limits<double>::quiet_NaN();
 
 double of_lane(__m128d x) { return simd::first_lane(x); }
 Pair pair_of(double high, double low = 0) { return {simd::splat(high), simd::splat(low)}; }
-bool any_nan(orv_complex_d z) { return is_nan(z.re) || is_nan(z.im); }
 bool infinite(orv_complex_d z) { return std::fabs(z.re) == infinity || std::fabs(z.im) == infinity; }
 
 // 2^n (power) x, rounded once, of any n.

@@ -12,7 +12,7 @@ int main(void) {
     if (orv_arq_kernel_dFloor_ttab[orv_arq_kernel_GetTTableIndex()] == 0) return 2;
 
     void* block = orv_serv_allocate(100, 128);
-    if (!block || orv_serv_live_blocks() < 1) return 3;
+    if (!block || (size_t)block % 128 != 0) return 3;
     orv_serv_deallocate(block);
     return dll_cpu_version() == 6 ? 0 : 4;
 }

@@ -1,0 +1,58 @@
+// The robust estimators on ten components, a tenth of the observations being outliers.
+#include "support/cycles.h"
+
+#include <orv/statistics.h>
+
+#include <random>
+#include <vector>
+
+namespace {
+
+int32_t thread_limit = 1;
+const orv_services* limited_services() {
+    static const orv_services table = {orv_serv_services()->parallel_for, nullptr, orv_serv_services()->fan_out,
+                                       nullptr, [] { return thread_limit; }};
+    return &table;
+}
+
+struct Contaminated {
+    int32_t p = 10, n, form = StorageColumns, full = SSMatrixFull, four = 4, three = 3;
+    std::vector<double> x, mean, cov, kept, params = {0.5, 0.001, 1e-6, 100}, rule = {SubsetMedian, 0.05, 0};
+    SSTask* task = nullptr;
+
+    explicit Contaminated(int32_t observations) : n(observations), x(size_t(p) * n), mean(p), cov(p * p), kept(n) {
+        std::mt19937 generator(1);
+        std::normal_distribution<double> normal;
+        for (int32_t i = 0; i < n; ++i)
+            for (int32_t j = 0; j < p; ++j) x[size_t(i) * p + j] = normal(generator) + (i % 10 == 0 ? 10 : 0);
+        __kuzdSSNewTask(&task, &p, &n, &form, x.data(), nullptr, nullptr, 0);
+        __kuzdSSEditRCov(task, &full, &four, params.data(), mean.data(), cov.data());
+        __kuzdSSEditOutDetect(task, &three, rule.data(), kept.data());
+    }
+    ~Contaminated() { __kuzSSDeleteTask(&task); }
+};
+
+void RobustCovariance(benchmark::State& state, uint64_t method) {
+    Contaminated data(10000);
+    thread_limit = static_cast<int32_t>(state.range(0));
+    orv::bench::measure(state, data.n, 1, [&] {
+        if (_kuzdSSRobustCovariance(data.task, ORV_SS_ROBUST_COVARIANCE, method, limited_services()) != 0) std::abort();
+    });
+}
+BENCHMARK_CAPTURE(RobustCovariance, tbs, RobustTBS)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK_CAPTURE(RobustCovariance, maronna, RobustMaronna)
+    ->Arg(1)
+    ->Arg(2)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+
+void Outliers(benchmark::State& state) {
+    Contaminated data(100000);
+    thread_limit = static_cast<int32_t>(state.range(0));
+    orv::bench::measure(state, data.n, 1, [&] {
+        if (_kuzdSSOutliersDetection(data.task, ORV_SS_OUTLIERS, 0, limited_services()) != 0) std::abort();
+    });
+}
+BENCHMARK(Outliers)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+}  // namespace
