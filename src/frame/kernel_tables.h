@@ -233,19 +233,19 @@
     ROW(HERE,  d, Remainder,  TWO,        ALL,   MEASURED(dRemainder))            \
     ROW(HERE,  d, Fmod,       TWO,        ALL,   MEASURED(dFmod))                 \
     ROW(HERE,  c, Div,        TWO,        LA_HA, MEASURED(cDiv))                  \
-    ROW(LATER, c, Pow,        TWO,        ALL,   MEASURED(cPow))                  \
+    ROW(HERE,  c, Pow,        TWO,        ALL,   MEASURED(cPow))                  \
     ROW(HERE,  c, Add,        TWO,        LA_HA, MEASURED(cAdd))                  \
     ROW(HERE,  c, Sub,        TWO,        LA_HA, MEASURED(cSub))                  \
     ROW(HERE,  c, Mul,        TWO,        LA_HA, MEASURED(cMul))                  \
     ROW(HERE,  c, MulByConj,  TWO,        LA_HA, MEASURED(cMulByConj))            \
     ROW(HERE,  z, Div,        TWO,        LA_HA, MEASURED(zDiv))                  \
-    ROW(LATER, z, Pow,        TWO,        ALL,   COST(1023.85, 1023.85, 1023.85)) \
+    ROW(HERE,  z, Pow,        TWO,        ALL,   COST(1023.85, 1023.85, 1023.85)) \
     ROW(HERE,  z, Add,        TWO,        LA_HA, MEASURED(zAdd))                  \
     ROW(HERE,  z, Sub,        TWO,        LA_HA, MEASURED(zSub))                  \
     ROW(HERE,  z, Mul,        TWO,        LA_HA, COST(80.339, 80.339, 16.969))    \
     ROW(HERE,  z, MulByConj,  TWO,        LA_HA, MEASURED(zMulByConj))            \
-    ROW(LATER, c, Powx,       SCALAR,     ALL,   MEASURED(cPowx))                 \
-    ROW(LATER, z, Powx,       SCALAR,     ALL,   MEASURED(zPowx))                 \
+    ROW(HERE,  c, Powx,       SCALAR,     ALL,   MEASURED(cPowx))                 \
+    ROW(HERE,  z, Powx,       SCALAR,     ALL,   MEASURED(zPowx))                 \
     ROW(HERE,  s, Powx,       SCALAR,     EACH,  MEASURED(sPowx))                 \
     ROW(HERE,  d, Powx,       SCALAR,     EACH,  MEASURED(dPowx))                 \
     ROW(HERE,  s, SinCos,     TWO_OUT,    LA_EP, MEASURED(sSinCos))               \

@@ -89,8 +89,8 @@ Direction2 any_direction(Pair angle) {
             large.cosine * small.cosine - large.sine * small.sine};
 }
 
-// exp(re + i im) of which a part is not finite.
-int32_t exp_of_infinite(double re, double im, orv_complex_d* y) {
+// exp(re + i im) of which a part is not finite; `zero` stands for a zero angle.
+int32_t exp_of_infinite(double re, double im, double zero, orv_complex_d* y) {
     if (is_nan(re)) {
         *y = {re, re};
         return frame::status_ok;
@@ -98,21 +98,21 @@ int32_t exp_of_infinite(double re, double im, orv_complex_d* y) {
     if (!is_finite(im)) {
         const bool invalid_angle = !is_nan(im) && re != -infinity;
         if (re == -infinity)
-            *y = {0, 0};
+            *y = {0, std::copysign(0.0, im)};
         else
             *y = {re == infinity ? infinity : im - im, im - im};
         return invalid_angle ? frame::status_domain : frame::status_ok;
     }
     const Direction2 d = any_direction(pair_of(im));
     const double size = re > 0 ? infinity : 0.0;
-    *y = {std::copysign(size, of_lane(d.cosine)), im == 0 ? im : std::copysign(size, of_lane(d.sine))};
+    *y = {std::copysign(size, of_lane(d.cosine)), im == 0 ? zero : std::copysign(size, of_lane(d.sine))};
     return frame::status_ok;
 }
 
 // a^b where a or b is infinite, of ln|a| and arg a.
-int32_t pow_of_infinite(orv_complex_d b, double size, double angle, orv_complex_d* y) {
+int32_t pow_of_infinite(orv_complex_d b, double size, double angle, double zero, orv_complex_d* y) {
     const auto times = [](double factor, double x) { return factor == 0 || x == 0 ? 0.0 : factor * x; };
-    return exp_of_infinite(times(b.re, size) - times(b.im, angle), times(b.re, angle) + times(b.im, size), y);
+    return exp_of_infinite(times(b.re, size) - times(b.im, angle), times(b.re, angle) + times(b.im, size), zero, y);
 }
 
 }  // namespace
@@ -142,7 +142,7 @@ int32_t rare_pow(orv_complex_d a, orv_complex_d b, orv_complex_d* y) {
     if (infinite(a) || infinite(b)) {
         const double arg =
             angle<atan_radians, turn_radians, false>(std::fabs(a.im), std::fabs(a.re), std::signbit(a.re));
-        return pow_of_infinite(b, infinite(a) ? infinity : of_lane(ln(a).size.high), std::copysign(arg, a.im), y);
+        return pow_of_infinite(b, infinite(a) ? infinity : of_lane(ln(a).size.high), std::copysign(arg, a.im), zero, y);
     }
 
     // Products with a huge b are formed on a smaller scale.
