@@ -12,37 +12,33 @@
 
 enum { P = 3, N = 200000 };
 
-static double z[P * N], x[P * N], portfolio[N];
+static double x[P * N], portfolio[N];
 
 int main(void) {
     const double mean[P] = {0.05, 0.07, 0.02}, deviation[P] = {0.15, 0.25, 0.05}, weight[P] = {0.4, 0.3, 0.3};
-    const double wanted[P][P] = {{1, 0.6, -0.2}, {0.6, 1, 0.1}, {-0.2, 0.1, 1}};
+    const double correlation[P][P] = {{1, 0.6, -0.2}, {0.6, 1, 0.1}, {-0.2, 0.1, 1}};
     const double order = 0.05, pi = 3.14159265358979324;
     const uint32_t seed = 1;
-    double factor[P][P] = {{0}}, sample_mean[P], cor[P * P], low, level, worst = 0;
+    double factor[P * P] = {0}, sample_mean[P], cor[P * P], low, level, worst = 0;
     double expected = 0, variance = 0;
 
     for (int i = 0; i < P; ++i)
         for (int j = 0; j <= i; ++j) {
-            double rest = wanted[i][j];
-            for (int k = 0; k < j; ++k) rest -= factor[i][k] * factor[j][k];
-            factor[i][j] = i == j ? sqrt(rest) : rest / factor[j][j];
+            double rest = correlation[i][j] * deviation[i] * deviation[j];
+            for (int k = 0; k < j; ++k) rest -= factor[i * P + k] * factor[j * P + k];
+            factor[i * P + j] = i == j ? sqrt(rest) : rest / factor[j * P + j];
         }
 
     Stream* stream = NULL;
     int32_t status = __kuzNewStreamEx(&stream, BrngPHILOX4X32X10, 1, &seed);
-    if (status == StatusOk) status = _kuzdRngGaussian(GaussianBoxMullerPaired, stream, P * N, z, 0, 1);
+    if (status == StatusOk)
+        status = _kuzdRngGaussianMV(GaussianBoxMullerPaired, stream, N, x, P, MatrixStorageFull, mean, factor);
     if (stream) __kuzDeleteStream(&stream);
     for (int i = 0; i < N; ++i)
-        for (int j = 0; j < P; ++j) {
-            double sum = 0;
-            for (int k = 0; k <= j; ++k) sum += factor[j][k] * z[k * N + i];
-            x[j * N + i] = mean[j] + deviation[j] * sum;
-            portfolio[i] += weight[j] * x[j * N + i];
-        }
+        for (int j = 0; j < P; ++j) portfolio[i] += weight[j] * x[P * i + j];
 
-    /* The correlation of the rows of x, and the quantile of the portfolio, a task each. */
-    int32_t p = P, one = 1, n = N, form = StorageRows, full = SSMatrixFull, orders = 1;
+    /* The correlation of the assets, and the quantile of the portfolio, a task each. */
+    int32_t p = P, one = 1, n = N, form = StorageColumns, full = SSMatrixFull, orders = 1;
     SSTask *assets = NULL, *whole = NULL;
     if (status == StatusOk) status = __kuzdSSNewTask(&assets, &p, &n, &form, x, NULL, NULL, 0);
     if (status == SSStatusOk) status = __kuzdSSNewTask(&whole, &one, &n, &form, portfolio, NULL, NULL, 0);
@@ -61,9 +57,10 @@ int main(void) {
     for (int i = 0; i < P; ++i) {
         expected += weight[i] * mean[i];
         for (int j = 0; j < P; ++j) {
-            variance += weight[i] * weight[j] * wanted[i][j] * deviation[i] * deviation[j];
+            variance += weight[i] * weight[j] * correlation[i][j] * deviation[i] * deviation[j];
             if (i == j) continue;
-            worst = fmax(worst, fabs(cor[i * P + j] - wanted[i][j]) / (1 - wanted[i][j] * wanted[i][j]) * sqrt(N));
+            worst = fmax(worst, fabs(cor[i * P + j] - correlation[i][j]) / (1 - correlation[i][j] * correlation[i][j]) *
+                                    sqrt(N));
         }
     }
     _arqdCdfNormInv(1, &order, &level);

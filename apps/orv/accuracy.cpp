@@ -30,63 +30,23 @@ struct Request {
 
 constexpr const char* accuracies[] = {"la", "ha", "ep"};
 
-// The worst error in each of these many parts of the range is what the picture of a line shows, every
-// point of a grid what the picture of a plane does.
-constexpr size_t line_parts = 1200;
+// The worst error in each of these many parts of the range is what the picture of a line shows, and in each of the cells
+// of so many rows and columns that of a plane.
+constexpr size_t line_parts = 600, plane_side = 64;
 
 accuracy::Range range_of(const std::vector<double>& ends) {
     if (!(ends[0] < ends[1])) fail("the range is empty");
     return {ends[0], ends[1]};
 }
 
-// The errors of the three accuracies against the argument, or three maps of them.
-void draw(const std::string& title, const std::string& data, bool plane, Output& output) {
-    std::string script = data;
-    if (plane) {
-        // Errors are seen by their powers of two.
-        script += "set multiplot layout 1,3 title " + plot_quoted(title + ": error, ulp") +
-                  "\nset logscale cb 2\nset palette defined (0 '#30123b', 1 '#28bbec', 2 '#a2fc3c', 3 '#fb8022', 4 "
-                  "'#7a0403')\nset xlabel 'first'\nset ylabel 'second'\nunset key\n";
-        for (int i = 0; i < 3; ++i)
-            script += "set title '" + std::string(accuracies[i]) + "'\nplot $e" + std::to_string(i) +
-                      " using 1:2:3 with points pt 5 ps 0.3 palette\n";
-        return write_plot(output, 1500, 480, script + "unset multiplot\n");
-    }
-    script += "set logscale y\nset xlabel 'argument'\nset ylabel 'error, ulp'\nset grid\nset key outside\nset title " +
-              plot_quoted(title) + "\n";
-    for (int i = 0; i < 3; ++i)
-        script += (i ? ", " : "plot ") + ("$e" + std::to_string(i)) + " using 1:2 with points pt 7 ps 0.25 title '" +
-                  accuracies[i] + "'";
-    write_plot(output, 900, 560, script + "\n");
+const char* name_of(char type) {
+    return type == 's' ? "float" : type == 'd' ? "double" : type == 'c' ? "complex float" : "complex double";
 }
 
-// Where the errors of an accuracy were met, for the picture.
-template <class T>
-void add_errors(std::string& data, int accuracy, const std::vector<T>& x, const std::vector<double>& errors,
-                bool plane) {
-    const size_t n = errors.size(), inputs = x.size() / n;
-    data += "$e" + std::to_string(accuracy) + " << EOD\n";
-    if (plane) {
-        for (size_t i = 0; i < n; ++i) {
-            char line[96];
-            std::snprintf(line, sizeof line, "%.9g %.9g %.6g\n", static_cast<double>(x[inputs * i]),
-                          static_cast<double>(x[inputs * i + 1]), errors[i]);
-            data += line;
-        }
-    } else {
-        const size_t parts = std::min(line_parts, n);
-        std::vector<size_t> worst(parts, n);
-        for (size_t i = 0; i < n; ++i) {
-            size_t& of_part = worst[i * parts / n];
-            if (of_part == n || errors[i] > errors[of_part]) of_part = i;
-        }
-        for (const size_t i : worst) {
-            char line[64];
-            std::snprintf(line, sizeof line, "%.9g %.6g\n", static_cast<double>(x[i]), errors[i]);
-            data += line;
-        }
-    }
-    data += "EOD\n";
+std::string capitals(const char* accuracy) {
+    std::string text;
+    for (; *accuracy; ++accuracy) text += static_cast<char>(*accuracy - 'a' + 'A');
+    return text;
 }
 
 // The worst error of an accuracy, and the argument of one component or two where it was met.
@@ -94,6 +54,82 @@ struct Worst {
     const char* accuracy;
     double ulp, at, and_at;
 };
+
+// The errors of the three accuracies against the argument, or three maps of them. `cell` is the width and height of a cell of
+// the maps.
+void draw(const std::string& title, const std::string& data, const std::vector<Worst>& table, const std::string& cell,
+          char type, Output& output) {
+    std::string script = data;
+    const auto legend = [&](size_t i) {
+        char text[32];
+        std::snprintf(text, sizeof text, ": %.3g ulp", table[i].ulp);
+        return plot_quoted(capitals(table[i].accuracy) + text);
+    };
+    // Where all errors are 0 there is no range to be found.
+    const auto range = [&](size_t i) { return table[i].ulp > 0 ? "[*:*]\n" : "[0.01:1]\n"; };
+    if (!cell.empty()) {
+        // Errors are seen by their powers of two.
+        const bool parts = type == 'c' || type == 'z';
+        script +=
+            "set multiplot layout 1,3 title " + plot_quoted(title + " in each cell") +
+            "\nset logscale cb 2\nset palette defined (0 '#30123b', 1 '#28bbec', 2 '#a2fc3c', "
+            "3 '#fb8022', 4 "
+            "'#7a0403')\nset cblabel 'error, ulp'\nunset key\nset tics out nomirror\nset autoscale fix\nset xlabel " +
+            (parts ? "'real part'\nset ylabel 'imaginary part'\n" : "'first argument'\nset ylabel 'second argument'\n");
+        for (size_t i = 0; i < 3; ++i)
+            script += "set title " + legend(i) + "\nset cbrange " + range(i) + "plot $e" + std::to_string(i) +
+                      " using 1:2:" + cell + ":3 with boxxyerror lc palette fillstyle solid noborder\n";
+        return write_plot(output, 1500, 480, script + "unset multiplot\n");
+    }
+    const bool exact = std::all_of(table.begin(), table.end(), [](const Worst& worst) { return worst.ulp == 0; });
+    script += "set logscale y\nset yrange " + std::string(exact ? "[0.01:1]" : "[*:*]") +
+              "\nset xlabel 'argument'\nset ylabel 'error, ulp'\nset grid\nset tics out nomirror\n"
+              "set autoscale xfix\nset key outside right top Left reverse samplen 1\nset title " +
+              plot_quoted(title + " in each part of the range") + "\n";
+    static const char* const colours[] = {"#1f6fb4", "#2a8a3a", "#d04030"};
+    for (size_t i = 0; i < 3; ++i)
+        script += (i ? ", " : "plot ") + ("$e" + std::to_string(i)) + " using 1:2 with points pt 7 ps 0.3 lc rgb '" +
+                  colours[i] + "' title " + legend(i);
+    write_plot(output, 960, 560, script + "\n");
+}
+
+// Where the errors of an accuracy were met, for the picture: the worst in each part or cell. An error of 0 has no place on
+// a logarithmic axis, and is drawn as one too small to matter.
+template <class T>
+void add_errors(std::string& data, int accuracy, const std::vector<T>& x, const std::vector<double>& errors,
+                size_t side) {
+    const size_t n = errors.size(), inputs = x.size() / n;
+    const bool plane = inputs == 2;
+    const size_t across = std::min(plane_side, side);
+    const size_t parts = plane ? across * across : std::min(line_parts, n);
+    std::vector<size_t> worst(parts, n);
+    for (size_t i = 0; i < n; ++i) {
+        const size_t part = plane ? (i / side) * across / side * across + (i % side) * across / side : i * parts / n;
+        size_t& of_part = worst[part];
+        if (of_part == n || errors[i] > errors[of_part]) of_part = i;
+    }
+    data += "$e" + std::to_string(accuracy) + " << EOD\n";
+    constexpr double least = 1.0 / 64;
+    for (size_t part = 0; part < parts; ++part) {
+        const size_t i = worst[part];
+        const double error = std::max(errors[i], least);
+        char line[96];
+        if (plane) {
+            // The middle of the cell: its points are evenly spread.
+            const auto middle = [&](size_t place, size_t component) {
+                const double low = static_cast<double>(x[component]),
+                             high = static_cast<double>(x[inputs * (n - 1) + component]);
+                return low + (high - low) * (static_cast<double>(place) + 0.5) / static_cast<double>(across);
+            };
+            std::snprintf(line, sizeof line, "%.9g %.9g %.6g\n", middle(part / across, 0), middle(part % across, 1),
+                          error);
+        } else {
+            std::snprintf(line, sizeof line, "%.9g %.6g\n", static_cast<double>(x[i]), error);
+        }
+        data += line;
+    }
+    data += "EOD\n";
+}
 
 std::string as_csv(const std::vector<Worst>& table, bool plane) {
     std::string text = plane ? "accuracy,worst_ulp,at,and\n" : "accuracy,worst_ulp,at\n";
@@ -173,11 +209,19 @@ int run(const Request& request, const std::vector<const accuracy::Kernel*>& kern
         }
         table.push_back({accuracies[index], errors[worst], static_cast<double>(x[inputs * worst]),
                          static_cast<double>(x[inputs * worst + 1 % inputs])});
-        add_errors(data, index, x, errors, plane);
+        add_errors(data, index, x, errors, side);
     }
     end_progress(progress);
     write_output("", request.json ? as_json(function.name, kernels[0]->type, table, plane) : as_csv(table, plane));
-    if (plot) draw(std::string(function.name), data, plane, *plot);
+    if (plot) {
+        char cell[96] = "";
+        const double across = static_cast<double>(2 * std::min(plane_side, side));
+        if (plane)
+            std::snprintf(cell, sizeof cell, "(%.9g):(%.9g)", (first.high - first.low) / across,
+                          (second.high - second.low) / across);
+        draw(std::string(function.name) + " in " + name_of(kernels[0]->type) + ": worst error", data, table, cell,
+             kernels[0]->type, *plot);
+    }
     return 0;
 }
 

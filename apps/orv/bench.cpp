@@ -5,6 +5,7 @@
 #include "functions.h"
 #include "options.h"
 #include "output.h"
+#include "progress.h"
 #include "stats_tables.h"
 
 #include <algorithm>
@@ -66,10 +67,12 @@ double nanoseconds(const Function& function, orv_arq_kernel kernel, int32_t n) {
 void run(const Request& request) {
     Cells cells = {{"function", "type", "LA", "HA", "EP"}};
     orv_arq_kernel_SetMode(ORV_MODE_ERRMODE_NOERR);
+    Progress progress = start_progress(static_cast<int64_t>(request.functions.size() * request.types.size()));
     for (const std::string& name : request.functions)
         for (const std::string& type : request.types) {
             const Function& function = find_function(name, type[0]);
             if (function.shape > Shape::TWO_OUT) fail(std::string(function.name) + " is not called on arrays alone");
+            tell_progress(progress, static_cast<int64_t>(cells.size()) - 1, "measuring " + name + " of type " + type);
             cells.push_back({std::string(function.name), type});
             for (const orv_arq_kernel kernel : function.entries) {
                 const bool single = type == "s" || type == "c";
@@ -80,6 +83,7 @@ void run(const Request& request) {
                 cells.back().emplace_back(figure);
             }
         }
+    end_progress(progress);
     std::string text = request.csv ? "" : "Nanoseconds per element, " + std::to_string(request.n) + " to a call\n\n";
     append_table(text, cells, request.csv);
     write_output("", text);

@@ -39,6 +39,14 @@ void move_stream(Stream* stream, const DrawRequest& request) {
     }
 }
 
+// Where the numbers come from, as a person would write it.
+std::string source_of(const DrawRequest& request) {
+    if (!request.load.empty()) return "the stream in " + request.load;
+    std::string text = request.generator + ", seed ";
+    for (const uint32_t& word : request.seed) text += (&word == request.seed.data() ? "" : ",") + std::to_string(word);
+    return text;
+}
+
 }  // namespace
 
 Receiver::Receiver(const DrawRequest& asked) : request(asked) {
@@ -58,7 +66,7 @@ StreamHandle stream_for(const DrawRequest& request) {
 void finish(Receiver& receiver, const Stream* stream, const std::string& title) {
     if (receiver.lines) finish(*receiver.lines);
     if (receiver.request.histogram) write_output("", as_text(*receiver.histogram));
-    if (receiver.plot) draw_plot(*receiver.histogram, title, *receiver.plot);
+    if (receiver.plot) draw_plot(*receiver.histogram, title + " from " + source_of(receiver.request), *receiver.plot);
     if (receiver.saved) {
         std::string image(static_cast<size_t>(__kuzGetStreamSize(stream)), '\0');
         require(__kuzSaveStreamM(stream, image.data()), receiver.request.save);

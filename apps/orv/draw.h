@@ -43,7 +43,8 @@ struct Receiver {
 // The stream that a request asks for, moved to where it shall start.
 StreamHandle stream_for(const DrawRequest& request);
 
-// Writes histogram and picture, and saves the stream where that was asked for.
+// Writes histogram and picture, whose title says besides where the numbers come from, and saves the stream where that was
+// asked for.
 void finish(Receiver& receiver, const Stream* stream, const std::string& title);
 
 template <class Number>
@@ -67,7 +68,8 @@ void draw_all(Receiver& receiver, double from, double to, Fill fill) {
     constexpr int64_t block = 1 << 14;
     const int64_t n = receiver.request.n;
     if (receiver.request.histogram || receiver.plot)
-        receiver.histogram = make_histogram(from, to, static_cast<size_t>(receiver.request.bins));
+        receiver.histogram = (std::is_integral_v<Number> ? make_whole_histogram : make_histogram)(
+            from, to, static_cast<size_t>(receiver.request.bins));
     std::vector<Number> numbers(static_cast<size_t>(std::min(block, n)));
     Progress progress = start_progress(n);
     for (int64_t done = 0; done < n;) {

@@ -1,6 +1,7 @@
 // `orv draw sobol`: points of a low-discrepancy sequence, and a picture of them beside pseudo-random ones.
 #include "draw.h"
 #include "failure.h"
+#include "names.h"
 #include "options.h"
 #include "plot.h"
 
@@ -38,10 +39,17 @@ void draw_picture(const Points& request, const std::string& points, Output& outp
         append_point(pairs, pair, drawn_dimensions, ' ');
     }
     const std::string count = std::to_string(request.n) + " points";
-    std::string script = "set multiplot layout 1,2\nset size square\nset xrange [0:1]\nset yrange [0:1]\nunset key\n";
-    script +=
-        "set title " + plot_quoted(request.generator + ", " + count) + "\nplot '-' with dots lw 3\n" + points + "e\n";
-    script += "set title " + plot_quoted("PHILOX4X32X10, " + count) + "\nplot '-' with dots lw 3\n" + pairs + "e\n";
+    std::string script =
+        "set multiplot layout 1,2\nset size square\nset xrange [0:1]\nset yrange [0:1]\nunset key\n"
+        "set tics out nomirror\nset xlabel 'coordinate 1'\nset ylabel 'coordinate 2'\n";
+    // Dots that still can be told from each other.
+    const char* dots = request.n <= 5000 ? "pt 7 ps 0.3" : "pt 7 ps 0.12";
+    const auto panel = [&](const std::string& title, const std::string& data) {
+        script +=
+            "set title " + plot_quoted(title) + "\nplot '-' with points " + dots + " lc rgb '#1f6fb4'\n" + data + "e\n";
+    };
+    panel(request.generator + ", " + count, points);
+    panel("PHILOX4X32X10, seed 1, " + count, pairs);
     write_plot(output, 1000, 540, script + "unset multiplot\n");
 }
 
@@ -85,9 +93,15 @@ void add_draw_points(CLI::App& draw) {
     CLI::App* sobol = draw.add_subcommand("sobol", "Points of a low-discrepancy sequence, one a line");
     add_count(*sobol, "--dimension", request->dimension, 1, most_dimensions,
               "coordinates a point: to 40, or 318 with Niederr");
-    sobol->add_option("--brng", request->generator, "the sequence")
-        ->check(CLI::IsMember({"Sobol", "Niederr"}, CLI::ignore_case))
-        ->capture_default_str();
+    const auto choose = [request](const std::string& text) {
+        const std::vector<std::string> sequences = {"Sobol", "Niederr"};
+        const auto found = std::find_if(sequences.begin(), sequences.end(),
+                                        [&](const std::string& name) { return same_letters(name, text); });
+        if (found == sequences.end()) fail(no_such("sequence", text, sequences));
+        request->generator = *found;
+    };
+    sobol->add_option_function<std::string>("--brng", choose, "the sequence, Sobol or Niederr")
+        ->default_str(request->generator);
     add_count(*sobol, "--n", request->n, 1, most_points, "how many points");
     add_count(*sobol, "--skip", request->skip, 0, most_points, "pass over so many points first");
     sobol->add_option("--plot", request->plot,

@@ -109,33 +109,41 @@ std::string table_of_integrals(const FitRequest& request, const Fit<T>& fit) {
     return text;
 }
 
-// Data, spline and first derivative, this one against the axis at the right.
+// Data and spline, and below them each derivative that was asked for in a panel of its own.
 template <class T>
 void draw(const FitRequest& request, const Fit<T>& fit, Output& picture) {
+    static const char* const ordinals[] = {"", "first", "second", "third"};
     FitRequest dense = request;
     dense.sites = "1001";
     const std::vector<T> sites = sites_of(dense, fit.data);
-    const std::vector<T> results = fit.evaluate(sites, 1);
+    const std::vector<T> results = fit.evaluate(sites, request.derivatives);
+    const size_t columns = static_cast<size_t>(request.derivatives) + 1;
     std::string script =
-        "set key outside bottom center horizontal\nset ytics nomirror\nset y2tics\nset grid\nset xlabel " +
-        plot_quoted(fit.data.x_name) + "\nset ylabel " + plot_quoted(fit.data.y_name) +
-        "\nset y2label 'first derivative'\n$data << EOD\n";
-    const auto row = [&](std::initializer_list<T> numbers) {
-        for (const T number : numbers) {
-            append_number(script, number);
-            script += ' ';
-        }
-        script += '\n';
-    };
-    for (size_t i = 0; i < fit.data.x.size(); ++i) row({fit.data.x[i], fit.data.y[i]});
+        "set key outside top right horizontal\nset tics out nomirror\nset grid\nset lmargin at screen 0.1\n"
+        "set rmargin at screen 0.97\nset offsets graph 0.02, graph 0.02, graph 0.04, graph 0.04\nset autoscale fix\n"
+        "set xlabel " +
+        plot_quoted(fit.data.x_name) + "\n$data << EOD\n";
+    const auto number = [&](T value) { append_number(script, value), script += ' '; };
+    for (size_t i = 0; i < fit.data.x.size(); ++i) number(fit.data.x[i]), number(fit.data.y[i]), script += '\n';
     script += "EOD\n$spline << EOD\n";
-    for (size_t i = 0; i < sites.size(); ++i) row({sites[i], results[2 * i], results[2 * i + 1]});
-    script +=
-        "EOD\nplot $spline using 1:3 axes x1y2 with lines lc rgb '#c0c0c0' title 'derivative', "
-        "$spline using 1:2 with lines lw 2 lc rgb '#1f6fb4' title " +
-        plot_quoted(request.spline + " spline") +
-        ", $data using 1:2 with points pt 7 ps 0.5 lc rgb '#d04030' title 'data'\n";
-    write_plot(picture, 900, 560, script);
+    for (size_t i = 0; i < sites.size(); ++i) {
+        number(sites[i]);
+        for (size_t k = 0; k < columns; ++k) number(results[columns * i + k]);
+        script += '\n';
+    }
+    script += "EOD\nset multiplot layout " + std::to_string(columns) + ",1\nset title " +
+              plot_quoted(source_name(request.file) + ", " + std::to_string(fit.data.x.size()) + " rows") +
+              "\nset ylabel " + plot_quoted(fit.data.y_name) +
+              "\nplot $spline using 1:2 with lines lw 2 lc rgb '#1f6fb4' title " +
+              plot_quoted(request.spline + " spline") +
+              ", $data using 1:2 with points pt 7 ps 0.5 lc rgb '#d04030' title 'data'\nunset key\n";
+    for (size_t k = 1; k < columns; ++k) {
+        const std::string power = k == 1 ? "" : "^" + std::to_string(k);
+        script += "set title '" + std::string(ordinals[k]) + " derivative'\nset ylabel " +
+                  plot_quoted(fit.data.y_name + " / " + fit.data.x_name + power) +
+                  "\nplot $spline using 1:" + std::to_string(k + 2) + " with lines lw 1.5 lc rgb '#606060'\n";
+    }
+    write_plot(picture, 900, 480 + 260 * request.derivatives, script + "unset multiplot\n");
 }
 
 template <class T>
@@ -190,7 +198,8 @@ void add_fit(CLI::App& app, int& status) {
         ->capture_default_str();
     add_format(*fit, request->format);
     fit->add_option("--output", request->output, "the file to write; standard output if not given");
-    fit->add_option("--plot", request->plot, "an SVG file for a picture of data, spline and derivative");
+    fit->add_option("--plot", request->plot,
+                    "an SVG file for a picture of data and spline, and each of the derivatives below");
     fit->callback([request, &status] { status = run(*request); });
 }
 

@@ -19,7 +19,23 @@ double edge(const Histogram& histogram, size_t bin) {
 
 }  // namespace
 
-Histogram make_histogram(double from, double to, size_t bins) { return {from, to, std::vector<int64_t>(bins), 0}; }
+Histogram make_histogram(double from, double to, size_t bins) {
+    return {from, to, false, std::vector<int64_t>(bins), 0};
+}
+
+Histogram make_whole_histogram(double from, double to, size_t bins) {
+    const double range = to - from;
+    double width = std::ceil(range / static_cast<double>(bins));
+    // All bins alike where a width not twice as large allows it; of very wide ones the last may want a few integers.
+    constexpr double widest = 1e6;
+    for (double even = width; even < 2 * width && width < widest; ++even)
+        if (std::fmod(range, even) == 0) {
+            width = even;
+            break;
+        }
+    const double count = std::ceil(range / width);
+    return {from, from + count * width, true, std::vector<int64_t>(static_cast<size_t>(count)), 0};
+}
 
 void count(Histogram& histogram, double value) {
     const double bins = static_cast<double>(histogram.counts.size());
@@ -46,11 +62,18 @@ std::string as_text(const Histogram& histogram) {
 }
 
 void draw_plot(const Histogram& histogram, const std::string& title, Output& output) {
-    std::string script = "set title " + plot_quoted(title) +
-                         "\nset style fill solid 0.6\nset ylabel 'count'\nset yrange [0:*]\nunset key\n";
-    script += "plot '-' using 1:2 with boxes\n";
+    // The box of the integers from a to b - 1 is drawn around them.
+    const double shift = histogram.whole ? -0.5 : 0;
+    char setting[160];
+    std::snprintf(setting, sizeof setting,
+                  "\nset xrange [%.17g:%.17g]\nset boxwidth %.17g\nset ylabel 'count in a bin of width %.6g'\n",
+                  histogram.from + shift, histogram.to + shift, edge(histogram, 1) - histogram.from,
+                  edge(histogram, 1) - histogram.from);
+    std::string script = "set title " + plot_quoted(title) + setting +
+                         "set style fill solid 0.6\nset tics out nomirror\nset xlabel 'value'\nset yrange [0:*]\n"
+                         "unset key\nplot '-' using 1:2 with boxes lc rgb '#1f6fb4'\n";
     for (size_t bin = 0; bin < histogram.counts.size(); ++bin) {
-        append_number(script, (edge(histogram, bin) + edge(histogram, bin + 1)) / 2);
+        append_number(script, (edge(histogram, bin) + edge(histogram, bin + 1)) / 2 + shift);
         script += " " + std::to_string(histogram.counts[bin]) + "\n";
     }
     write_plot(output, 800, 500, script + "e\n");

@@ -11,11 +11,14 @@ namespace orv::command {
 
 struct Histogram {
     double from, to;
+    bool whole;  // of integers: bins are as many of them wide each, as far as they go into the range
     std::vector<int64_t> counts;
     int64_t outside;
 };
 
 Histogram make_histogram(double from, double to, size_t bins);
+// For integers from `from` on and below `to`, with at most so many bins.
+Histogram make_whole_histogram(double from, double to, size_t bins);
 void count(Histogram& histogram, double value);
 
 // A line for each bin: its lower edge, its count, and a bar.

@@ -1,6 +1,9 @@
 #include "pages.h"
 
+#include "functions.h"
 #include "output.h"
+
+#include <set>
 
 namespace orv::command {
 
@@ -59,12 +62,21 @@ std::string page_of(const CLI::App& app) {
     return page;
 }
 
+std::set<std::string> function_names() {
+    std::set<std::string> names;
+    for (const Function& function : functions()) names.emplace(function.name);
+    return names;
+}
+
 // A line of the completion's table for each subcommand: its path, a colon, and the words that may follow.
 void append_words(std::string& table, const CLI::App& app) {
     table += "        '" + full_name(app, " ") + "') words='";
     for (const CLI::App* sub : subcommands_of(app)) table += sub->get_name() + " ";
-    for (const CLI::Option* option : visible_options(app))
+    for (const CLI::Option* option : visible_options(app)) {
         for (const std::string& name : option->get_lnames()) table += "--" + name + " ";
+        if (option->get_positional() && option->get_name(true) == "function")
+            for (const std::string& name : function_names()) table += name + " ";
+    }
     table += "' ;;\n";
     for (const CLI::App* sub : subcommands_of(app)) append_words(table, *sub);
 }

@@ -31,20 +31,20 @@ Progress start_progress(int64_t total) {
 
 void tell_progress(Progress& progress, int64_t done, const std::string& what) {
     const auto now = std::chrono::steady_clock::now();
-    // Nobody waits for what takes under a second; a log wants fewer lines than an eye.
-    if (seconds(now - progress.start) < 1) return;
-    if (progress.told != 0 && seconds(now - progress.last) < (progress.terminal ? 0.2 : 5)) return;
+    // Nobody waits for what takes under a second, and nobody watches a file.
+    if (!progress.terminal || seconds(now - progress.start) < 1) return;
+    if (progress.told != 0 && seconds(now - progress.last) < 0.2) return;
     progress.last = now;
     ++progress.told;
-    std::fprintf(stderr, "%sorv: %s", progress.terminal ? "\r" : "", what.c_str());
+    std::fprintf(stderr, "\rorv: %s", what.c_str());
     if (progress.total > 0)
         std::fprintf(stderr, ", %.0f %%", 100 * static_cast<double>(done) / static_cast<double>(progress.total));
-    std::fputs(progress.terminal ? "   " : "\n", stderr);
+    std::fputs("   ", stderr);
     std::fflush(stderr);
 }
 
 void end_progress(Progress& progress) {
-    if (progress.terminal && progress.told != 0) std::fputc('\n', stderr);
+    if (progress.told != 0) std::fputc('\n', stderr);
 }
 
 int64_t size_of_file(const std::string& file) {

@@ -1,4 +1,4 @@
-// How far a long run has come, on standard error.
+// How far a long run has come, in one line of the terminal that is written over.
 #pragma once
 
 #include <chrono>
@@ -9,8 +9,8 @@ namespace orv::command {
 
 struct Progress {
     int64_t total;     // of what `done` counts; 0 when not known
-    bool terminal;     // one line that is written over, else a line now and then
-    int32_t told = 0;  // lines so far
+    bool terminal;     // standard error is one; nothing is told otherwise
+    int32_t told = 0;  // how often so far
     std::chrono::steady_clock::time_point start, last;
 };
 

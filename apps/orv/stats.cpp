@@ -201,7 +201,9 @@ void run(const Request& request) {
     read(request, data);
     const std::string text = request.json ? as_json(data) : as_tables(data, request.csv);
     if (!request.json) name_nans(data);
-    if (plot) draw_matrix("Correlation", data.names, data.cor, *plot);
+    if (plot)
+        draw_matrix("Correlation of " + std::to_string(data.rows) + " rows of " + source_name(request.file), data.names,
+                    data.cor, *plot);
     write(output, text);
     finish(output);
 }

@@ -49,7 +49,7 @@ void append_table(std::string& text, const Cells& cells, bool csv) {
     }
 }
 
-void draw_matrix(const char* title, const std::vector<std::string>& names, const std::vector<double>& matrix,
+void draw_matrix(const std::string& title, const std::vector<std::string>& names, const std::vector<double>& matrix,
                  Output& output) {
     const size_t p = names.size();
     // Numbers are read up to so many columns. Squares with edges are shapes of their own, and a picture of a million of
@@ -57,7 +57,7 @@ void draw_matrix(const char* title, const std::vector<std::string>& names, const
     constexpr size_t readable = 16, shapes = 200;
     std::string script =
         "set palette defined (-1 '#2166ac', 0 '#f7f7f7', 1 '#b2182b')\nset cbrange [-1:1]\nunset key\n"
-        "set size ratio -1\nset tics scale 0\nset title " +
+        "set size ratio -1\nset tics scale 0\nset cblabel 'correlation'\nset title " +
         plot_quoted(title) + "\n";
     const std::string last = std::to_string(p) + "-0.5";
     script += "set xrange [-0.5:" + last + "]\nset yrange [" + last + ":-0.5]\n";
@@ -75,7 +75,10 @@ void draw_matrix(const char* title, const std::vector<std::string>& names, const
     script += "EOD\nplot $matrix matrix ";
     script += p <= shapes ? "using 1:2:(0.5):(0.5):3 with boxxyerror lc palette fillstyle solid border lc rgb 'white'"
                           : "with image";
-    if (p <= readable) script += ", $matrix matrix using 1:2:(sprintf('%.2f', $3)) with labels";
+    if (p <= readable)
+        script +=
+            ", $matrix matrix using 1:2:(sprintf('%.2f', $3)):(abs($3) > 0.6 ? 0xFFFFFF : 0) with labels tc rgb "
+            "variable";
     const int side = static_cast<int>(std::min<size_t>(1600, 240 + 60 * p));
     write_plot(output, side + 80, side, script);
 }

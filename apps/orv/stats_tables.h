@@ -21,8 +21,8 @@ Cells matrix_table(const char* title, const std::vector<std::string>& names, con
 // CSV, or columns aligned with spaces.
 void append_table(std::string& text, const Cells& cells, bool csv);
 
-// A matrix of numbers from -1 to 1 as coloured squares, with the numbers while they can be read.
-void draw_matrix(const char* title, const std::vector<std::string>& names, const std::vector<double>& matrix,
+// A matrix of correlations as coloured squares, with the numbers while they can be read.
+void draw_matrix(const std::string& title, const std::vector<std::string>& names, const std::vector<double>& matrix,
                  Output& output);
 
 }  // namespace orv::command

@@ -1,8 +1,9 @@
-// The robust estimators on ten components, a tenth of the observations being outliers.
+// The robust estimators on ten components, a tenth of the observations being outliers, and imputation of a seventh of the values.
 #include "support/cycles.h"
 
 #include <orv/statistics.h>
 
+#include <cmath>
 #include <random>
 #include <vector>
 
@@ -54,5 +55,23 @@ void Outliers(benchmark::State& state) {
     });
 }
 BENCHMARK(Outliers)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+// Ten iterations of the expectation-maximisation, and five sets of ten of the data augmentation.
+void MissingValues(benchmark::State& state) {
+    Contaminated data(10000);
+    std::vector<double> params = {10, 10, 0, 5, 0, 1}, imputed;
+    int32_t six = 6, count = 0;
+    for (size_t at = 3; at < data.x.size(); at += 7, ++count) data.x[at] = NAN;
+    params[4] = count;
+    count *= 5;
+    imputed.resize(count);
+    __kuzdSSEditMissingVals(data.task, &six, params.data(), nullptr, nullptr, nullptr, nullptr, &count, imputed.data(),
+                            nullptr, nullptr);
+    thread_limit = static_cast<int32_t>(state.range(0));
+    orv::bench::measure(state, data.n, 1, [&] {
+        if (_kuzdSSMissingValues(data.task, ORV_SS_MISSING_VALUES, 0, limited_services()) != 0) std::abort();
+    });
+}
+BENCHMARK(MissingValues)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 }  // namespace

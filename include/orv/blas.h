@@ -40,6 +40,30 @@ void orv_blas_xdsyrk(const char* uplo, const char* trans, const int32_t* n, cons
 void orv_blas_xssyrk(const char* uplo, const char* trans, const int32_t* n, const int32_t* k, const float* alpha,
                      const float* a, const int32_t* lda, const float* beta, float* c, const int32_t* ldc);
 
+/* b = alpha op(a) b for side 'l', with a triangular of order m, or b = alpha b op(a) for side 'r', with a of order n; b is m by
+ * n. Of a only the triangle `uplo` is read, and for diag 'u' not its diagonal, which then counts as ones. The plain form
+ * uses the threads of the thread service for large products; the x form stays on the thread that calls it and may be called
+ * from several threads at once. */
+void orv_blas4arq_dtrmm(const char* side, const char* uplo, const char* trans, const char* diag, const int32_t* m,
+                        const int32_t* n, const double* alpha, const double* a, const int32_t* lda, double* b,
+                        const int32_t* ldb);
+void orv_blas4arq_strmm(const char* side, const char* uplo, const char* trans, const char* diag, const int32_t* m,
+                        const int32_t* n, const float* alpha, const float* a, const int32_t* lda, float* b,
+                        const int32_t* ldb);
+void orv_blas_xdtrmm_4arq(const char* side, const char* uplo, const char* trans, const char* diag, const int32_t* m,
+                          const int32_t* n, const double* alpha, const double* a, const int32_t* lda, double* b,
+                          const int32_t* ldb);
+void orv_blas_xstrmm_4arq(const char* side, const char* uplo, const char* trans, const char* diag, const int32_t* m,
+                          const int32_t* n, const float* alpha, const float* a, const int32_t* lda, float* b,
+                          const int32_t* ldb);
+
+/* The same for a triangle packed by columns, with the threads of the plain form. Memory for the unpacked triangle is taken
+ * if there is any, and nothing but speed depends on it. */
+void orv_blas4arq_dptrmm(const char* side, const char* uplo, const char* trans, const char* diag, const int32_t* m,
+                         const int32_t* n, const double* alpha, const double* a, double* b, const int32_t* ldb);
+void orv_blas4arq_sptrmm(const char* side, const char* uplo, const char* trans, const char* diag, const int32_t* m,
+                         const int32_t* n, const float* alpha, const float* a, float* b, const int32_t* ldb);
+
 /* The x forms of the BLAS' dgemm, dsymm, dtrmm and dgemv, which stay on the thread that calls them and may be called from
  * several threads at once.
  *

@@ -319,6 +319,26 @@ enum GaussianMethod {
 int32_t _kuzsRngGaussian(int32_t method, Stream* stream, int32_t n, float* r, float a, float sigma);
 int32_t _kuzdRngGaussian(int32_t method, Stream* stream, int32_t n, double* r, double a, double sigma);
 
+/* How the factor of a covariance matrix is stored. */
+#ifdef __cplusplus
+enum MatrixStorage : int32_t {
+#else
+enum MatrixStorage {
+#endif
+    MatrixStorageFull = 0,    /* dimen by dimen numbers, row after row; the lower triangle is read */
+    MatrixStoragePacked = 1,  /* the lower triangle by columns, dimen (dimen + 1) / 2 numbers */
+    MatrixStorageDiagonal = 2 /* the dimen numbers of the diagonal */
+};
+
+/* n vectors of dimen normal numbers, n dimen numbers in r, vector after vector: t z + a with the means a, dimen numbers, and
+ * the lower triangular factor t, whose product with its transpose is the covariance matrix; z are numbers of Gaussian by
+ * `method` in one call. With a dimen of 1, t[0] is the deviation, whatever the storage; with a storage that is none of
+ * the above the numbers stay as they are in z. n dimen is at most 2^31 - 1. The product is the core library's. */
+int32_t _kuzsRngGaussianMV(int32_t method, Stream* stream, int32_t n, float* r, int32_t dimen, int32_t mstorage,
+                           const float* a, const float* t);
+int32_t _kuzdRngGaussianMV(int32_t method, Stream* stream, int32_t n, double* r, int32_t dimen, int32_t mstorage,
+                           const double* a, const double* t);
+
 /* Methods of Lognormal: how its normal numbers are made. Any other value is as LognormalInverseCdf. */
 #ifdef __cplusplus
 enum LognormalMethod : int32_t {
@@ -336,6 +356,37 @@ int32_t _kuzsRngLognormal(int32_t method, Stream* stream, int32_t n, float* r, f
 int32_t _kuzdRngLognormal(int32_t method, Stream* stream, int32_t n, double* r, double a, double sigma, double b,
                           double beta);
 
+/* n numbers of gamma-like distributions, made in blocks of candidates, of which those that a test rejects are drawn again;
+ * the rest is as for Exponential. Blocks start with the call: what is drawn depends on how a request is cut into calls,
+ * except for the shapes that are made by inversion.
+ * L. Devroye, "Non-Uniform Random Variate Generation", 1986, chapter IX. */
+
+/* Gamma: a + beta x, x with the density x^(alpha-1) e^-x / Gamma(alpha). `method` is not read. An alpha of 1 is Exponential.
+ * Above 1: a block draws its normal numbers as GaussianBoxMullerPaired does, with a number kept in a chunk (id 7) of each
+ * type, then its uniforms; StatusNoMemory without memory for it. Below 1: two uniforms a candidate. In single precision
+ * small shapes have much of their mass below the least number, and give it as a.
+ * G. Marsaglia, W. W. Tsang, "A simple method for generating gamma variables", ACM Transactions on Mathematical Software
+ * 26, 2000; I. Vaduva, "On computer generation of gamma random variables by rejection and composition procedures",
+ * Mathematische Operationsforschung und Statistik 8, 1977. */
+int32_t _kuzsRngGamma(int32_t method, Stream* stream, int32_t n, float* r, float alpha, float a, float beta);
+int32_t _kuzdRngGamma(int32_t method, Stream* stream, int32_t n, double* r, double alpha, double a, double beta);
+
+/* Beta: a + beta x, x with the density x^(p-1) (1-x)^(q-1) / B(p, q). Of `method` only UniformAccurate is read, with which
+ * results are clamped to min(a + beta, max(a, result)). p and q of 1 are Uniform from a to a + beta; with one of them 1, a
+ * number takes one uniform; else a candidate takes two.
+ * R. C. H. Cheng, "Generating beta variates with nonintegral shape parameters", Communications of the ACM 21, 1978;
+ * M. D. Joehnk, "Erzeugung von betaverteilten und gammaverteilten Zufallszahlen", Metrika 8, 1964; A. C. Atkinson,
+ * J. Whittaker, "A switching algorithm for the generation of beta random variables", Journal of the Royal Statistical
+ * Society A 139, 1976. */
+int32_t _kuzsRngBeta(int32_t method, Stream* stream, int32_t n, float* r, float p, float q, float a, float beta);
+int32_t _kuzdRngBeta(int32_t method, Stream* stream, int32_t n, double* r, double p, double q, double a, double beta);
+
+/* ChiSquare: the sum of v squared standard normal numbers. `method` is not read. A v of 1 or 3 squares and adds numbers of
+ * GaussianInverseCdf; an even v up to 16 takes the logarithm of a product of v / 2 uniforms; others are Gamma of shape
+ * v / 2 and scale 2. */
+int32_t _kuzsRngChiSquare(int32_t method, Stream* stream, int32_t n, float* r, int32_t v);
+int32_t _kuzdRngChiSquare(int32_t method, Stream* stream, int32_t n, double* r, int32_t v);
+
 /* n integers, uniform on a to b - 1: the double-precision uniforms rounded down. `method` is not read. An n of 0 draws
  * nothing. */
 int32_t _kuziRngUniform(int32_t method, Stream* stream, int32_t n, int32_t* r, int32_t a, int32_t b);
@@ -352,6 +403,43 @@ int32_t _kuziRngUniformBits64(int32_t method, Stream* stream, int32_t n, uint64_
 /* n integers, 1 with probability p and 0 otherwise: 1 where the single-precision uniform on 0 to 1 is below the float of
  * p. `method` is not read. */
 int32_t _kuziRngBernoulli(int32_t method, Stream* stream, int32_t n, int32_t* r, double p);
+
+/* n integers, the number of failures before the first success, of probability p each: ln u / ln(1 - p) truncated, u a
+ * single-precision uniform, frame and n as for Exponential. `method` is not read. A p of 1 and above gives 0. What is 2^31
+ * and above is given as 2^31 - 1, also where 1 - p rounds to 1; a uniform of 1 gives 0. The uniforms have a spacing of
+ * 2^-24 next to 1, so that numbers below about 2^-24/p come in steps. */
+int32_t _kuziRngGeometric(int32_t method, Stream* stream, int32_t n, int32_t* r, double p);
+
+/* Discrete distributions. n integers each; an n of 0 or below draws and writes nothing. Parameters are not checked. A
+ * setup is kept with the stream, in one chunk for each distribution, and serves later calls with the same parameters;
+ * without memory for it the result is StatusNoMemory. A negative status of the generator is returned at once, with the
+ * numbers before it written; else the result is its last status. What a method makes of the uniforms begins anew with each
+ * call: by rejection, two calls do not give the numbers of one. Rejection works in single precision: above 2^24 its results
+ * are multiples of the spacing of floats. Poisson, Hypergeometric and Negbinomial keep the thread's state as Exponential
+ * does. */
+
+/* Binomial: successes in ntrial trials of probability p. With p at 1/2 and above the failures are drawn. A mean (of the
+ * rarer outcome) of 30 and above is drawn by rejection, one below from a table of the distribution function. `method` is
+ * not read. An ntrial of 0 gives zeros and draws nothing. A uniform of 0 reaches the caller's error mode as the logarithm of 0, since
+ * this distribution has no mode of its own.
+ * V. Kachitvichyanukul, B. W. Schmeiser, "Binomial random variate generation", Communications of the ACM 31, 1988. */
+int32_t _kuziRngBinomial(int32_t method, Stream* stream, int32_t n, int32_t* r, int32_t ntrial, double p);
+
+/* Methods of Poisson. */
+#ifdef __cplusplus
+enum PoissonMethod : int32_t {
+#else
+enum PoissonMethod {
+#endif
+    PoissonRejection = 0, /* by rejection for a mean of 27 and above, from a table below */
+    PoissonNormal = 1     /* one normal number by GaussianInverseCdf gives one result; below a mean of 1 one uniform */
+};
+
+/* Poisson with the mean lambda, up to about 2^31. `method` is one of the above and not checked. PoissonNormal is an
+ * approximation, whose distribution function is wrong by 1e-4 or so at most; below a mean of 1 its results are at most 11.
+ * B. W. Schmeiser, V. Kachitvichyanukul, "Poisson random variate generation", Purdue University, Research Memorandum 81-4,
+ * 1981. */
+int32_t _kuziRngPoisson(int32_t method, Stream* stream, int32_t n, int32_t* r, double lambda);
 
 /* Functions of one number, for the set-up of distributions and statistics: the argument by value, the result returned. A
  * float or double that is returned travels through the x87 stack on this target, which quiets signalling NaNs.

@@ -155,7 +155,8 @@ struct SSTask {
     int32_t ownedTenant;  /*     whose numbers it holds, 0 nobody's: compute entries name themselves here */
     int32_t ownedCount;   /*     the number of components that they are about */
     uint32_t ownedBytes;  /*     its size */
-    int32_t unused[6];
+    void* streamSummary;  /*     of the streaming quantiles; __kuzSQuantilesFreeBuffers frees it */
+    int32_t unused[5];
 };
 
 /* The ids that the compute entries of this header read and write; the others are in the comments above. */
@@ -527,12 +528,23 @@ int32_t _kuzsSSBasic(SSTask* task, uint64_t estimates, uint64_t method, const or
  * _kuz[sd]SSWMedian     ORV_SS_WEIGHTED_MEDIAN: to `quantiles`, p values: the least observation whose cumulated weight passes
  *                       half the whole; where it equals the half, the mean of that one and the next of positive weight.
  *                       `w` null: each weight is 1. A whole weight not above 0 is SSStatusW.
+ * _kuz[sd]SSStreamQuantiles  ORV_SS_STREAM_QUANTILES: the observations join a summary that the task keeps, and the
+ *                       `streamOrderCount` quantiles of the orders in `streamOrders` of all observations so far go to
+ *                       `streamQuantiles`, p rows of that many. The first of the `streamParamCount` numbers in
+ *                       `streamParams` is epsilon, in (0, 1): for order q of n observations so far the result is one of them
+ *                       whose rank is no further than epsilon n (and one half) from the position q (n - 1), whatever the order of
+ *                       the data and however it is cut into blocks; the extremes are exact. The memory is O(1/epsilon
+ *                       log^2(epsilon n)). p or epsilon changed from the call before starts afresh, and so does
+ *                       __kuzSQuantilesFreeBuffers. Weights are not looked at.
  *
  * Return 0, or, with nothing written: SSStatusEstimates, SSStatusMethod, SSStatusP, SSStatusN, SSStatusX, SSStatusStorage,
  * SSStatusStorageValue, the status of a missing array, SSStatusQuantOrderCount for a count below 1, SSStatusQuantOrders
- * for an order outside [0, 1] or NaN, SSStatusAllocation.
+ * for an order outside [0, 1] or NaN, SSStatusAllocation; from the streaming quantiles SSStatusStreamParamCount and
+ * SSStatusStreamOrderCount for a count below 1, SSStatusStreamParams for such an epsilon, SSStatusStreamOrders.
  *
- * Source: R. J. Hyndman, Y. Fan, Sample quantiles in statistical packages, The American Statistician 50 (1996), definition 7. */
+ * Source: R. J. Hyndman, Y. Fan, Sample quantiles in statistical packages, The American Statistician 50 (1996), definition 7; J. I.
+ * Munro, M. S. Paterson, Selection and sorting with limited storage, Theoretical Computer Science 12 (1980); Q. Zhang, W. Wang,
+ * A fast algorithm for approximate quantiles in high speed data streams, SSDBM (2007). */
 int32_t _kuzdSSQuantiles(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
 int32_t _kuzsSSQuantiles(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
 int32_t _kuzdSSSort(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
@@ -592,6 +604,53 @@ int32_t _kuzsSSRobustCovariance(SSTask* task, uint64_t estimates, uint64_t metho
 int32_t _kuzdSSOutliersDetection(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
 int32_t _kuzsSSOutliersDetection(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
 
+int32_t _kuzdSSStreamQuantiles(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
+int32_t _kuzsSSStreamQuantiles(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
+
+/* Frees the summary of a task's streaming quantiles, if there is one; the next call starts afresh. Deleting the task does it. */
+void __kuzSQuantilesFreeBuffers(SSTask* task);
+
+/* Imputes missing values under the multivariate normal model: expectation-maximisation (EM) finds the estimates of the greatest
+ * likelihood, and from there chains of data augmentation (DA), one for each set, alternate between drawing the missing values
+ * given mean and covariance, and these given all values. A NaN in x marks a missing value. The arguments are (task,
+ * estimates, method, services), the estimate ORV_SS_MISSING_VALUES, method 0 or ORV_SS_METHOD_FAST, the same. q is the number of
+ * components that take part (`indices`): the others are not looked at, and all arrays below speak of the q alone, in their
+ * order. Weights are not looked at. An estimate is q + q (q + 1) / 2 data: a mean, and a covariance as its lower triangle by
+ * rows. The fields are five pairs of a count of data and an array:
+ *
+ *   missMethod, missMatrix    6 parameters:
+ *       [0]  most EM iterations, at least 0. Running out of them is no failure
+ *       [1]  DA iterations, at least 1, of which the last gives the set
+ *       [2]  EM tolerance, at least 0: of the last step, in units of the spread
+ *       [3]  m, the number of sets, at least 1
+ *       [4]  the number of missing values
+ *       [5]  the seed, a whole number in [0, 2^32), which a float holds exactly up to 2^24. The same seed gives the same sets
+ *   missCountA, missMean      an estimate that EM starts from. Either null: that of the complete observations, or, where they
+ *                             have none, the means and variances of the values that are there
+ *   missCountB, missCov       the prior: tau, k, a mean, and a matrix S as its lower triangle by rows: 2 data and an estimate. The
+ *                             covariance C is inverse Wishart, of density |C|^(-(k + q + 1) / 2) exp(-tr(S C^-1) / 2), and the
+ *                             mean, given it, normal about the prior's with C / tau. Either null or the count 0: Jeffreys' prior,
+ *                             |C|^(-(q + 1) / 2). With a prior EM finds the greatest posterior density
+ *   missCountC, missCor       m times the missing values: the results, set by set, in each by observations, in each of these by
+ *                             components
+ *   missCountD, missStorage   m times the DA iterations times an estimate: what every iteration of every set drew. May be null
+ *
+ * Every set has a stream of its own, of PHILOX4X32X10 under a key of the seed and the set's number, so results depend neither on m
+ * nor on the number of threads.
+ *
+ * Returns 0, or, with nothing written: SSStatusEstimates, SSStatusMethod, SSStatusP, SSStatusN, SSStatusX, SSStatusStorage,
+ * SSStatusStorageValue; SSStatusStorage for a null missMethod, and the status of another missing array; SSStatusMissMatrix
+ * for parameters outside the above or another number of missing values, SSStatusMissCountA to D for another count,
+ * SSStatusMissCov for a prior whose tau is below 0 or that is not finite; SSStatusNotPositiveDefinite: a component without two
+ * different values, an infinity, components that are combinations of others, n + k not above q - 1 (k is -1 for Jeffreys'
+ * prior). SSStatusAllocation, SSStatusNotPositiveDefinite and the statuses of the streams may also come when some sets are written.
+ *
+ * Sources: A. P. Dempster, N. M. Laird, D. B. Rubin, Journal of the Royal Statistical Society B 39 (1977); M. A. Tanner,
+ * W. H. Wong, Journal of the American Statistical Association 82 (1987); J. L. Schafer, Analysis of incomplete multivariate
+ * data (1997). */
+int32_t _kuzdSSMissingValues(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
+int32_t _kuzsSSMissingValues(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
+
 /* Sort n numbers in place, ascending; the Step form has them `stride` elements apart. Select returns the element of order k,
  * from 0, and parts the data by it: none before place k is larger, none behind it smaller. No element may be a NaN.
  *
@@ -602,6 +661,65 @@ void __kuzdQSortStep(int32_t n, double* data, int32_t stride);
 void __kuzsQSortStep(int32_t n, float* data, int32_t stride);
 double __kuzdQSortSelect(int32_t n, double* data, int32_t k);
 float __kuzsQSortSelect(int32_t n, float* data, int32_t k);
+
+/* ---- Several components together -------------------------------------------------------------------------------- */
+
+/* All take (task, estimates, method, services) as above, with the methods of the order statistics, and return 0 without their
+ * own estimate bit. They never read accumWeight. Components whose `indices` value is 0 do not take part: neither they nor their
+ * rows and columns are read or written. Matrices of a result are in the form of the field named beside it; both triangles of a
+ * full one are written, and one of an input read. Computations are in double, for floats too. Results do not depend
+ * on the number of threads.
+ *
+ * _kuz[sd]SSMAD                ORV_SS_MAD. The median of the absolute deviations of each component's observations from their
+ *                              median, without a factor for consistency, to `robustEstimates2` (id 76), p values; their mean to
+ *                              `robustEstimates1` (id 77) where this is set. Medians are quantiles of order 1/2 as above:
+ *                              NaNs stand last. Weights are not looked at.
+ * _kuz[sd]SSMahDistance        ORV_SS_MAHALANOBIS. The squared distance (x - m)' C^-1 (x - m) of every observation from `mean` m
+ *                              under `cov` C, both inputs, to `outlierWeights`, n values. A NaN or an infinity shows in the
+ *                              distance of its own observation. SSStatusNotPositiveDefinite where C is not.
+ * _kuz[sd]SSPooledCovariance   ORV_SS_POOLED_COVARIANCE. `pooledGroupCount` is the number g of groups, `pooledGroupIndices` the
+ *                              group, 0 to g - 1, of each of the n observations; SSStatusPooledGroup for a count below 1 or a
+ *                              group outside. The weighted mean of all to `pooledResultMean`, p values, and the pooled covariance
+ *                              sum_k CP_k / sum_k (W_k - W2_k / W_k), with CP_k the cross-products of group k about its own
+ *                              mean, to `pooledResultCov` in the form of `pooledExtra29` (id 29). Where `pooledMean` is set, each
+ *                              group's mean goes there, g rows of p; where `pooledCov` is set, each group's covariance, g
+ *                              matrices one after another in the form of `pooledExtra34` (id 34). A group of one observation
+ *                              has NaNs for a covariance and adds nothing to the pooled one; a group that is empty or has no
+ *                              weight has zeros for mean and covariance and counts nothing. Weights must not be negative.
+ * _kuz[sd]SSPartialCovariance  ORV_SS_PARTIAL_COVARIANCE. `partialCountA` (id 45) says of each of the p variables: 1 kept, -1
+ *                              conditioned on, 0 left out; SSStatusPartialCountA for another value, or with none kept. From `cov`
+ *                              where it is set, else from `cor`: the covariance A - B' C^-1 B of the q kept ones given the others, to
+ *                              `partialCov`, q by q, and its correlation to `partialCor`, in the forms of ids 47 and 49; one of
+ *                              the two results may be null. The observations, n and `indices` are not read. With C scaled to
+ *                              a unit diagonal, of r variables, what is not above 8 r ulp of 1 counts as 0: where a pivot of the
+ *                              Cholesky factor does not count, the generalised inverse over the eigenvalues that do (relative to
+ *                              the largest) takes the place of the inverse, and a kept variable that the others explain up to that
+ *                              has zeros in `partialCov` and NaNs in `partialCor`. SSStatusNotPositiveDefinite for a negative
+ *                              eigenvalue or variance beyond it, and for a NaN or an infinity in C.
+ * _kuz[sd]SSCorParametrization ORV_SS_COR_PARAMETRIZATION. From `cor`, symmetric but perhaps not positive semi-definite, a
+ *                              correlation matrix by the spectral construction: eigenvalues below 0 become 0, and what is left is
+ *                              scaled to a unit diagonal; to `corParamResult` in the form of `corParamStorage`. A variable of
+ *                              which nothing is left is uncorrelated with the others. A NaN or an infinity makes every result NaN.
+ *                              The observations and n are not read.
+ *
+ * Return 0, or, with nothing written: SSStatusEstimates, SSStatusMethod, SSStatusP, SSStatusN, SSStatusX, SSStatusStorage,
+ * SSStatusStorageValue, the status of a missing field, those named above, SSStatusAllocation.
+ *
+ * Sources: F. R. Hampel, The influence curve and its role in robust estimation, Journal of the American Statistical
+ * Association 69 (1974); P. C. Mahalanobis, On the generalised distance in statistics, Proceedings of the National Institute
+ * of Sciences of India 2 (1936); T. W. Anderson, An introduction to multivariate statistical analysis, 3rd edition (2003),
+ * chapters 2 and 6; G. Marsaglia, Journal of the American Statistical Association 59 (1964); R. Rebonato, P. Jaeckel, The most
+ * general methodology to create a valid correlation matrix, Journal of Risk 2 (1999). */
+int32_t _kuzdSSMAD(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
+int32_t _kuzsSSMAD(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
+int32_t _kuzdSSMahDistance(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
+int32_t _kuzsSSMahDistance(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
+int32_t _kuzdSSPooledCovariance(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
+int32_t _kuzsSSPooledCovariance(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
+int32_t _kuzdSSPartialCovariance(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
+int32_t _kuzsSSPartialCovariance(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
+int32_t _kuzdSSCorParametrization(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
+int32_t _kuzsSSCorParametrization(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services);
 
 #ifdef __cplusplus
 }

@@ -22,11 +22,16 @@ struct ThreadState {
     }
 };
 
+// Clears what is pending in the x87 unit; the clearing itself takes far longer than the look.
+inline void clear_pending_x87() {
+    if (frame::read_x87_status() & 0x80FF) frame::clear_x87_exceptions();
+}
+
 // Exceptions masked in both units, errors to `callback` alone, until the end of the scope.
 class ErrorFrame {
 public:
     explicit ErrorFrame(orv_arq_callback callback) {
-        frame::clear_x87_exceptions();
+        clear_pending_x87();
         x87 = frame::read_x87_control();
         if (x87_changed()) frame::write_x87_control(static_cast<uint16_t>(x87 | frame::X87Guard::masks));
         mxcsr = frame::read_mxcsr();
@@ -36,7 +41,7 @@ public:
     }
     ~ErrorFrame() {
         thread.restore();
-        frame::clear_x87_exceptions();
+        clear_pending_x87();
         if (x87_changed()) frame::write_x87_control(x87);
         if (mxcsr_changed()) frame::write_mxcsr(mxcsr);
     }

@@ -5,21 +5,9 @@
 using namespace orv::distrib;
 namespace simd = orv::simd;
 
-namespace {
+ORV_API double __kuzdLn(double x) { return accurate(orv_arq_kernel_dLn_ttab[1], x); }
 
-// The most accurate kernel, over one element.
-template <class T>
-T accurate_logarithm(orv_arq_kernel kernel, T x) {
-    T y;
-    run(reinterpret_cast<OneResult<T>>(kernel), 1, &x, &y);
-    return y;
-}
-
-}  // namespace
-
-ORV_API double __kuzdLn(double x) { return accurate_logarithm(orv_arq_kernel_dLn_ttab[1], x); }
-
-ORV_API float __kuzsLn(float x) { return accurate_logarithm(orv_arq_kernel_sLn_ttab[1], x); }
+ORV_API float __kuzsLn(float x) { return accurate(orv_arq_kernel_sLn_ttab[1], x); }
 
 ORV_API double __kuzdSqrt(double x) { return simd::first_lane(simd::square_root(simd::load_one(&x))); }
 

@@ -59,6 +59,16 @@ void run(Kernel kernel, Arguments... arguments) {
     if (thread.block) thread.block->mode = thread.mode;
 }
 
+// A kernel over one number, of the high accuracy that constants are made with.
+template <class T>
+T accurate(orv_arq_kernel kernel, T x) {
+    T y;
+    run(reinterpret_cast<OneResult<T>>(kernel), 1, &x, &y);
+    return y;
+}
+inline double accurate_exponential(double x) { return accurate(orv_arq_kernel_dExp_ttab[1], x); }
+inline double accurate_logarithm(double x) { return accurate(orv_arq_kernel_dLn_ttab[1], x); }
+
 // ---- Arithmetic ----------------------------------------------------------------------------------------------------
 
 // r[i] = f(in[i]...); the arrays may be r itself.

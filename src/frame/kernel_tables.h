@@ -74,8 +74,8 @@
     ROW(HERE,  s, Cosh,       ONE,        EACH,  MEASURED(sCosh))                 \
     ROW(HERE,  s, Sinh,       ONE,        EACH,  MEASURED(sSinh))                 \
     ROW(HERE,  s, Tanh,       ONE,        EACH,  MEASURED(sTanh))                 \
-    ROW(LATER, s, Erf,        ONE,        EACH,  MEASURED(sErf))                  \
-    ROW(LATER, s, Erfc,       ONE,        EACH,  MEASURED(sErfc))                 \
+    ROW(HERE,  s, Erf,        ONE,        EACH,  MEASURED(sErf))                  \
+    ROW(HERE,  s, Erfc,       ONE,        EACH,  MEASURED(sErfc))                 \
     ROW(HERE,  s, ErfInv,     ONE,        EACH,  MEASURED(sErfInv))               \
     ROW(HERE,  s, Sqr,        ONE,        ALL,   COST(0.37, 0.37, 0.37))          \
     ROW(HERE,  s, Expm1,      ONE,        ALL,   MEASURED(sExpm1))                \
@@ -83,11 +83,11 @@
     ROW(HERE,  s, Pow3o2,     ONE,        EACH,  MEASURED(sPow3o2))               \
     ROW(HERE,  s, Pow2o3,     ONE,        EACH,  MEASURED(sPow2o3))               \
     ROW(HERE,  s, ErfcInv,    ONE,        EACH,  MEASURED(sErfcInv))              \
-    ROW(LATER, s, CdfNorm,    ONE,        EACH,  MEASURED(sCdfNorm))              \
+    ROW(HERE,  s, CdfNorm,    ONE,        EACH,  MEASURED(sCdfNorm))              \
     ROW(HERE,  s, CdfNormInv, ONE,        EACH,  MEASURED(sCdfNormInv))           \
-    ROW(LATER, s, LGamma,     ONE,        ALL,   COST(238.11, 238.11, 238.11))    \
-    ROW(LATER, s, TGamma,     ONE,        ALL,   MEASURED(sTGamma))               \
-    ROW(LATER, s, ExpInt1,    ONE,        LA_HA, MEASURED(sExpInt1))              \
+    ROW(HERE,  s, LGamma,     ONE,        ALL,   COST(238.11, 238.11, 238.11))    \
+    ROW(HERE,  s, TGamma,     ONE,        ALL,   MEASURED(sTGamma))               \
+    ROW(HERE,  s, ExpInt1,    ONE,        LA_HA, MEASURED(sExpInt1))              \
     ROW(HERE,  s, Sinpi,      ONE,        EACH,  MEASURED(sSinpi))                \
     ROW(HERE,  s, Cospi,      ONE,        EACH,  MEASURED(sCospi))                \
     ROW(HERE,  s, Tanpi,      ONE,        EACH,  MEASURED(sTanpi))                \
@@ -129,8 +129,8 @@
     ROW(HERE,  d, Cosh,       ONE,        EACH,  MEASURED(dCosh))                 \
     ROW(HERE,  d, Sinh,       ONE,        LA_EP, MEASURED(dSinh))                 \
     ROW(HERE,  d, Tanh,       ONE,        LA_EP, MEASURED(dTanh))                 \
-    ROW(LATER, d, Erf,        ONE,        EACH,  MEASURED(dErf))                  \
-    ROW(LATER, d, Erfc,       ONE,        ALL,   MEASURED(dErfc))                 \
+    ROW(HERE,  d, Erf,        ONE,        EACH,  COST(24.848, 44.1, 21.6))        \
+    ROW(HERE,  d, Erfc,       ONE,        ALL,   MEASURED(dErfc))                 \
     ROW(HERE,  d, ErfInv,     ONE,        EACH,  MEASURED(dErfInv))               \
     ROW(HERE,  d, Sqr,        ONE,        ALL,   MEASURED(dSqr))                  \
     ROW(HERE,  d, Expm1,      ONE,        EACH,  MEASURED(dExpm1))                \
@@ -138,11 +138,11 @@
     ROW(HERE,  d, Pow3o2,     ONE,        EACH,  MEASURED(dPow3o2))               \
     ROW(HERE,  d, Pow2o3,     ONE,        EACH,  MEASURED(dPow2o3))               \
     ROW(HERE,  d, ErfcInv,    ONE,        EACH,  MEASURED(dErfcInv))              \
-    ROW(LATER, d, CdfNorm,    ONE,        EACH,  MEASURED(dCdfNorm))              \
+    ROW(HERE,  d, CdfNorm,    ONE,        EACH,  MEASURED(dCdfNorm))              \
     ROW(HERE,  d, CdfNormInv, ONE,        EACH,  MEASURED(dCdfNormInv))           \
-    ROW(LATER, d, LGamma,     ONE,        ALL,   COST(319.85, 319.85, 319.85))    \
-    ROW(LATER, d, TGamma,     ONE,        ALL,   COST(423.3, 423.3, 423.3))       \
-    ROW(LATER, d, ExpInt1,    ONE,        LA_HA, MEASURED(dExpInt1))              \
+    ROW(HERE,  d, LGamma,     ONE,        ALL,   COST(319.85, 319.85, 319.85))    \
+    ROW(HERE,  d, TGamma,     ONE,        ALL,   COST(423.3, 423.3, 423.3))       \
+    ROW(HERE,  d, ExpInt1,    ONE,        LA_HA, MEASURED(dExpInt1))              \
     ROW(HERE,  d, Sinpi,      ONE,        EACH,  MEASURED(dSinpi))                \
     ROW(HERE,  d, Cospi,      ONE,        EACH,  MEASURED(dCospi))                \
     ROW(HERE,  d, Tanpi,      ONE,        EACH,  MEASURED(dTanpi))                \

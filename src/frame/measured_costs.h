@@ -102,12 +102,20 @@
 #define ORV_COST_dPowr 36, 36, 26
 #define ORV_COST_sPowx 25, 25, 13
 #define ORV_COST_dPowx 36, 36, 26
-#define ORV_COST_sErfInv 13.7, 13.7, 10.1
-#define ORV_COST_sErfcInv 9.9, 9.9, 7.6
-#define ORV_COST_sCdfNormInv 10.1, 10.1, 7.8
-#define ORV_COST_dErfInv 14.5, 14.5, 9.6
-#define ORV_COST_dErfcInv 17.6, 17.6, 14
-#define ORV_COST_dCdfNormInv 18.4, 18.4, 10.8
+#define ORV_COST_sErfInv 36, 35.7, 27.2
+#define ORV_COST_sErfcInv 36.2, 36.1, 26.8
+#define ORV_COST_sCdfNormInv 37, 36.5, 28.2
+#define ORV_COST_dErfInv 48.6, 48.6, 34.5
+#define ORV_COST_dErfcInv 48.2, 48.2, 35.9
+#define ORV_COST_dCdfNormInv 49.4, 49.4, 38.9
+#define ORV_COST_sErf 18.4, 18.3, 15.1
+#define ORV_COST_sErfc 48, 57.3, 42.3
+#define ORV_COST_dErfc 76.6, 76.6, 76.6
+#define ORV_COST_sCdfNorm 50.4, 51.3, 44.9
+#define ORV_COST_dCdfNorm 79.5, 79.5, 51.5
+#define ORV_COST_sExpInt1 48.3, 48.3, 41.3
+#define ORV_COST_sTGamma 73, 73, 73
+#define ORV_COST_dExpInt1 72.3, 72.3, 51.6
 
 #define ORV_COST_dAtan 20, 20, 16
 #define ORV_COST_dAtanpi 24, 24, 16

@@ -120,6 +120,24 @@ inline __m128i high_halves(__m128i a, __m128i b) { return _mm_unpackhi_epi64(a, 
 inline __m128i low_and_high_half(__m128i a, __m128i b) { return _mm_blend_epi16(a, b, 0xF0); }
 // 64-bit lanes of the low words of one and the high words of the other.
 inline __m128i low_and_high_words(__m128i low, __m128i high) { return _mm_blend_epi16(low, high, 0xCC); }
+// The words whose bits are set in `chosen`, lane 0 lowest, moved to the front in their order; zeros behind them.
+inline __m128i pack_chosen_32(unsigned chosen, __m128i x) {
+    struct alignas(16) Moves {
+        int8_t byte[16][16];
+    };
+    static constexpr Moves moves = [] {
+        Moves m{};
+        for (int set = 0; set < 16; ++set) {
+            int to = 0;
+            for (int from = 0; from < 4; ++from)
+                if (set >> from & 1)
+                    for (int b = 0; b < 4; ++b) m.byte[set][to++] = static_cast<int8_t>(4 * from + b);
+            while (to < 16) m.byte[set][to++] = -1;
+        }
+        return m;
+    }();
+    return _mm_shuffle_epi8(x, _mm_load_si128(reinterpret_cast<const __m128i*>(moves.byte[chosen])));
+}
 // The greatest of four signed words.
 inline int32_t greatest_word(__m128i v) {
     v = greatest_32(v, shuffle_32<2, 3, 0, 1>(v));

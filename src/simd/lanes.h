@@ -229,6 +229,9 @@ inline __m128d least(__m128d a, __m128d b) { return _mm_min_pd(a, b); }
 inline __m128 greatest(__m128 a, __m128 b) { return _mm_max_ps(a, b); }
 inline __m128d greatest(__m128d a, __m128d b) { return _mm_max_pd(a, b); }
 
+// 1/x to 12 bits or so; which ones follow depends on the processor.
+inline __m128 rough_reciprocal(__m128 x) { return _mm_rcp_ps(x); }
+
 inline __m128 square_root(__m128 x) { return _mm_sqrt_ps(x); }
 inline __m128d square_root(__m128d x) { return _mm_sqrt_pd(x); }
 
@@ -271,5 +274,10 @@ inline bool any_bit(__m128d x) { return !_mm_testz_si128(_mm_castpd_si128(x), _m
 // One bit per lane, lane 0 lowest.
 inline unsigned lane_bits(__m128 mask) { return static_cast<unsigned>(_mm_movemask_ps(mask)); }
 inline unsigned lane_bits(__m128d mask) { return static_cast<unsigned>(_mm_movemask_pd(mask)); }
+// How many of four such bits are set.
+inline int32_t count_bits(unsigned four) {
+    static constexpr uint8_t counts[16] = {0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4};
+    return counts[four];
+}
 
 }  // namespace orv::simd

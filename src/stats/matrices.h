@@ -3,6 +3,8 @@
 
 #include "stats/data.h"
 
+#include <float.h>
+
 namespace orv::stats {
 
 enum class Form : int32_t { packed_upper, full, packed_lower };
@@ -53,6 +55,14 @@ void write_matrix(const Data& data, Matrix<T> to, Value value) {
         to.data[element_at(to.form, i, j, p)] = result;
         if (to.form == Form::full) to.data[i * p + j] = result;
     });
+}
+
+// What rounding lifts above 1, by up to 8 ulp, is 1. More is no correlation and stays visible, as a NaN does.
+template <class T>
+double clamped(double correlation) {
+    constexpr double most = 1 + 8 * (sizeof(T) == sizeof(float) ? FLT_EPSILON : DBL_EPSILON);
+    const double size = __builtin_fabs(correlation);
+    return size > 1 && size <= most ? __builtin_copysign(1, correlation) : correlation;
 }
 
 }  // namespace orv::stats

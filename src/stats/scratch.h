@@ -16,11 +16,16 @@ inline uint64_t room_for(uint64_t elements, uint64_t size = sizeof(double)) {
 struct Room {
     char* block;
     char* next;
+    bool owned = true;
 
     explicit Room(uint64_t bytes)
         : block(bytes >> 31 ? nullptr : static_cast<char*>(orv_serv_allocate(static_cast<size_t>(bytes) + 1, 128))),
           next(block) {}
-    ~Room() { orv_serv_deallocate(block); }
+    // Another's block, or a part of it.
+    explicit Room(char* part) : block(part), next(part), owned(false) {}
+    ~Room() {
+        if (owned) orv_serv_deallocate(block);
+    }
     Room(const Room&) = delete;
     Room& operator=(const Room&) = delete;
 

@@ -36,23 +36,12 @@ TEST_P(WorstError, StaysWithinItsBound) {
     EXPECT_LE(worst.subnormal_ulp, bound->subnormal_ulp) << at(worst.subnormal_at);
 }
 
-// The exact values of some functions are roots, found digit by digit: a search among them takes minutes.
-std::vector<Kernel> searched(bool in_minutes) {
-    std::vector<Kernel> list;
-    for (const Kernel& kernel : kernels()) {
-        const std::string_view name = kernel.name;
-        const bool is_root = name == "ErfInv" || name == "ErfcInv" || name == "CdfNormInv";
-        if (is_root == in_minutes) list.push_back(kernel);
-    }
-    return list;
-}
 std::string name_of(const testing::TestParamInfo<Kernel>& instance) {
     const Kernel& kernel = instance.param;
     return std::string(1, kernel.type) + kernel.name + "_" + accuracy_names[kernel.accuracy];
 }
 
-INSTANTIATE_TEST_SUITE_P(Kernels, WorstError, testing::ValuesIn(searched(false)), name_of);
-INSTANTIATE_TEST_SUITE_P(ExhaustiveKernels, WorstError, testing::ValuesIn(searched(true)), name_of);
+INSTANTIATE_TEST_SUITE_P(Kernels, WorstError, testing::ValuesIn(kernels()), name_of);
 
 // Rows that are not measured yet. This list can only get shorter.
 TEST(Rows, AreMeasured) { EXPECT_EQ(rows_without_function(), std::vector<std::string>{}); }

@@ -98,9 +98,10 @@ TEST_F(Command, PagesAndCompletion) {
 #ifndef _WIN32
     const std::string complete =
         "bash -c '. pages/orv; COMP_WORDS=(orv draw uni); COMP_CWORD=2; _orv; echo ${COMPREPLY[@]}; "
-        "COMP_WORDS=(orv stats --js); _orv; echo ${COMPREPLY[@]}' >said 2>&1";
+        "COMP_WORDS=(orv stats --js); _orv; echo ${COMPREPLY[@]}; "
+        "COMP_WORDS=(orv math Hyp); _orv; echo ${COMPREPLY[@]}' >said 2>&1";
     EXPECT_EQ(std::system(complete.c_str()), 0);
-    EXPECT_EQ(get("said"), "uniform\n--json\n");
+    EXPECT_EQ(get("said"), "uniform\n--json\nHypot\n");
 #endif
 }
 

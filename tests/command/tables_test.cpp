@@ -154,6 +154,8 @@ TEST_F(Command, Refuses) {
         {"fit --x t --y v --integrate 1", parabola, "--integrate: 1 is not two numbers with a comma between them\n"},
 
         {"draw sobol --dimension 41", "", "--dimension: Sobol has 40 here"},
+        {"draw sobol --dimension 41 --brng SOBOL", "", "--dimension: Sobol has 40 here"},
+        {"draw sobol --brng Sobl", "", "no sequence Sobl; did you mean Sobol? There are Sobol, Niederr\n"},
         {"draw sobol --dimension 319 --brng Niederr", "", ""},
         {"draw sobol --dimension 1 --plot p.svg", "", "--plot wants two dimensions or more\n"},
         {"draw sobol --n 4294967295 --skip 4294967295", "", "--skip: the "},
@@ -217,14 +219,19 @@ TEST_F(Command, Draws) {
         const char *arguments, *input;
         std::vector<const char*> parts;  // of the picture
     } cases[] = {
-        {"fit --x t --y v --sites 2", parabola, {"natural spline", "derivative", "data"}},
+        {"fit --x t --y v --sites 2", parabola, {"natural spline", "data", "5 rows"}},
+        {"fit --x t --y v --derivatives 2", parabola, {"first derivative", "second derivative", "v / t^2"}},
         {"fit --x 1 --y 2", "a%s\\n{x}_1,100%\n0,1\n1,2\n2,2\n", {"a%s\\n{x}_1", "100%"}},
         {"stats", "x,o'y\n1,2\n2,4\n3,9\n", {"o'y", "0.97", "Correlation"}},
         {"stats", "%d,%%s,{a}_b^c@&~\\t\n1,2,3\n2,4,1\n3,9,5\n", {">%d<", ">%%s<", "{a}_b^c@&amp;~\\t"}},
-        {"accuracy Exp --type s --points 3000", "", {"Exp", "argument", "error, ulp"}},
-        {"accuracy Add --points 3000", "", {"Add", "first", "second"}},
-        {"draw uniform --n 100", "", {"100 uniform numbers"}},
-        {"draw sobol --n 300 --dimension 3", "", {"Sobol, 300 points", "PHILOX4X32X10, 300 points"}},
+        {"accuracy Exp --type s --points 3000", "", {"Exp in float", "argument", "error, ulp", "HA: 0.5"}},
+        {"accuracy Ceil --points 100", "", {"Ceil in double", "EP: 0 ulp"}},
+        {"accuracy Conj --type z --points 100", "", {"Conj in complex double", "imaginary part"}},
+        {"accuracy Add --points 3000", "", {"Add in double", "first argument", "second argument", "LA: 0.5"}},
+        {"draw uniform --n 100",
+         "",
+         {"100 uniform numbers from PHILOX4X32X10, seed 1", "count in a bin of width 0.05"}},
+        {"draw sobol --n 300 --dimension 3", "", {"Sobol, 300 points", "PHILOX4X32X10, seed 1, 300 points"}},
     };
     for (const auto& c : cases) {
         const Outcome outcome = orv(std::string(c.arguments) + " --plot picture\\'s.svg", c.input);

@@ -14,14 +14,6 @@ void reciprocal_roots(const double* c, ptrdiff_t p, double* roots) {
     if (j < p) roots[j] = 1 / __builtin_sqrt(roots[j]);
 }
 
-// What rounding lifts above 1, by up to 8 ulp, is 1. More is no correlation and stays visible, as a NaN does.
-template <class T>
-double clamped(double correlation) {
-    constexpr double most = 1 + 8 * (sizeof(T) == sizeof(float) ? FLT_EPSILON : DBL_EPSILON);
-    const double size = __builtin_fabs(correlation);
-    return size > 1 && size <= most ? __builtin_copysign(1, correlation) : correlation;
-}
-
 // Calls put(array, value) for the shape of a component's distribution.
 template <class Put>
 void each_shape(double mean, double c2, double c3, double c4, Put put) {

@@ -5,57 +5,10 @@
 // in what the one before left behind it.
 #include "stats/order/entry.h"
 #include "stats/order/keys.h"
+#include "stats/order/parted.h"
 
 namespace orv::stats {
 namespace {
-
-// A component's observations, parted as far as has been asked: all before `from` are in their places' order.
-template <class T>
-struct Parted {
-    T* x;
-    int32_t numbers;  // without the NaNs, which stand behind
-    int32_t n;
-    int32_t from;
-
-    T of_order(int32_t k) {
-        if (k >= numbers) return std::numeric_limits<T>::quiet_NaN();
-        T value = x[k];
-        if (k >= from) {
-            value = select(Spaced<T>{x, 1}, from, numbers - 1, k);
-            from = k + 1;
-        }
-        return value == 0 ? zero_of_order(k) : value;
-    }
-
-    // Zeros are equal to the selection; the negative ones come first.
-    T zero_of_order(int32_t k) const {
-        int32_t before = 0;
-        for (int32_t i = 0; i < numbers; ++i) before += x[i] < 0 || (x[i] == 0 && std::signbit(x[i]));
-        return k < before ? -T{0} : T{0};
-    }
-};
-
-template <class T>
-void copy_observations(const Strided<T>& from, Parted<T>& to) {
-    int32_t front = 0, back = to.n;
-    for (int32_t i = 0; i < to.n; ++i)
-        if (from[i] == from[i])
-            to.x[front++] = from[i];
-        else
-            to.x[--back] = from[i];
-    to.numbers = front;
-    to.from = 0;
-}
-
-template <class T>
-T quantile(Parted<T>& parted, double order) {
-    const double position = order * (parted.n - 1);
-    const int32_t i = static_cast<int32_t>(position);
-    const double share = position - i;
-    const double a = parted.of_order(i);
-    const double b = parted.of_order(i + 1 < parted.n ? i + 1 : i);
-    return static_cast<T>(a * (1 - share) + b * share);
-}
 
 template <class T>
 int32_t quantiles(SSTask* task, uint64_t estimates, uint64_t method, const orv_services* services) {
@@ -93,7 +46,7 @@ int32_t quantiles(SSTask* task, uint64_t estimates, uint64_t method, const orv_s
         const Strided<T> x = data.component<T>(j);
         if (!sorted) {
             Parted<T> parted{reinterpret_cast<T*>(memory), 0, data.n, 0};
-            copy_observations(x, parted);
+            copy_numbers(x, parted);
             for (int32_t k = 0; k < count; ++k)
                 results[ptrdiff_t{j} * count + place[k]] = quantile(parted, static_cast<double>(orders[place[k]]));
             return;

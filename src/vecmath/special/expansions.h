@@ -32,8 +32,8 @@ struct Expanded {
 };
 
 // f of c + d for the intervals of t, the first row being that of 2^First; with `Pairs` pairs of coefficients.
-template <int First, int Pairs>
-inline Expanded expand(const ExpansionRow* rows, __m128d t, __m128d d) {
+template <int First, int Pairs, size_t Width>
+inline Expanded expand(const double (*rows)[Width], __m128d t, __m128d d) {
     constexpr uint32_t first = uint32_t{1023 + First} << 5;
     const simd::Indices<2> at(_mm_srli_epi64(simd::bits_of(t), 47));
     const double* row0 = rows[at.lane[0] - first];

@@ -5,25 +5,35 @@
 
 namespace orv::vecmath {
 
-// 64 significant bits while the guard lives; the caller's precision afterwards.
+// 64 significant bits, rounded to nearest, while the guard lives; the caller's setting afterwards.
 struct ExtendedPrecision {
-    static constexpr uint16_t precision = 0x0300;
+    static constexpr uint16_t setting = 0x0F00, extended_nearest = 0x0300;
     uint16_t saved = frame::read_x87_control();
 
     ExtendedPrecision() {
-        if ((saved & precision) != precision) frame::write_x87_control(static_cast<uint16_t>(saved | precision));
+        if (!kept()) frame::write_x87_control(static_cast<uint16_t>((saved & ~setting) | extended_nearest));
     }
     ~ExtendedPrecision() {
-        if ((saved & precision) != precision) frame::write_x87_control(saved);
+        if (!kept()) frame::write_x87_control(saved);
     }
+    bool kept() const { return (saved & setting) == extended_nearest; }
     ExtendedPrecision(const ExtendedPrecision&) = delete;
     ExtendedPrecision& operator=(const ExtendedPrecision&) = delete;
+};
+
+// The frame of kernels whose every element is worked out so.
+struct ExtendedFrame : frame::GeneralFrame {
+    ExtendedPrecision extended;
 };
 
 inline long double x87_ln(long double x) {
     long double y;
     __asm__("fyl2x" : "=t"(y) : "0"(x), "u"(0.693147180559945309417232121458176568L) : "st(1)");
     return y;
+}
+inline long double x87_sin(long double x) {
+    __asm__("fsin" : "+t"(x));
+    return x;
 }
 inline long double x87_root(long double x) {
     __asm__("fsqrt" : "+t"(x));

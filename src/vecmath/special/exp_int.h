@@ -1,0 +1,65 @@
+// The exponential integral E1(x): e^(-x) F(x) with F expanded in x from 2^-4 on; below by its series,
+//
+//   E1(x) = -gamma - ln x + x - x^2 / (2 2!) + x^3 / (3 3!) - ...
+#pragma once
+
+#include "vecmath/special/decay.h"
+
+namespace orv::vecmath {
+
+struct ExpIntBlock {
+    alignas(16) ExpansionRow rows[448] = {
+#include "vecmath/tables/exp_int.inc"
+    };
+};
+inline constexpr ExpIntBlock exp_int_block;
+
+template <int Pairs, bool TwoParts>
+inline Decayed exp_int(__m128d x) {
+    const Expanded f = expand<-4, Pairs>(exp_int_block.rows, x, x - expansion_centre(x));
+    return decay<TwoParts>(x, _mm_setzero_pd(), f);
+}
+template <int Pairs, bool TwoParts>
+inline __m128d exp_int_lanes(__m128d x) {
+    const Decayed y = exp_int<Pairs, TwoParts>(x);
+    if constexpr (!TwoParts) return y.high * y.scale();
+    return (y.high + y.low) * y.scale();
+}
+
+inline long double exp_int_series(long double x) {
+    long double sum = 0;
+    // x^(n+1) / ((n+1) (n+1)!) is x^n / (n n!) times n x / (n + 1)^2.
+    for (int n = 12; n > 0; --n) sum = 1 - sum * (n * x) / ((n + 1) * (n + 1));
+    return (x * sum - 0.577215664901532860606512090082402431L) - x87_ln(x);
+}
+
+// Underflow is said where `Underflow`.
+template <int Pairs, bool TwoParts, bool Underflow, class T>
+inline int32_t exp_int_scalar(T x, T* y) {
+    if (is_nan(x)) {
+        *y = quiet(x);
+        return frame::status_ok;
+    }
+    if (x < 0) {
+        *y = invalid<T>();
+        return frame::status_domain;
+    }
+    if (x == 0) {
+        *y = -minus_infinity_at_pole<T>();
+        return frame::status_singularity;
+    }
+    if (!is_finite(x)) {
+        *y = T{0};
+        return frame::status_ok;
+    }
+    if (x < T(0.0625)) {
+        const ExtendedPrecision extended;
+        *y = static_cast<T>(exp_int_series(x));
+        return frame::status_ok;
+    }
+    const double d = x;
+    *y = rounded_once<T>(exp_int<Pairs, TwoParts>(simd::splat(d < 800 ? d : 800.0)));
+    return Underflow && *y < std::numeric_limits<T>::min() ? frame::status_underflow : frame::status_ok;
+}
+
+}  // namespace orv::vecmath

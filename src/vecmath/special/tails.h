@@ -1,0 +1,78 @@
+// erfc and the cumulative normal distribution: e^(-z) F(|x|), z = x^2 or x^2 / 2, on the side where they fall, and 2 or 1 less
+// that on the other. F is expanded in |x| + 1.
+//
+// x^2 is formed in two parts, the first exact. Results below 2^-960 or so, and what is not finite, go one by one.
+#pragma once
+
+#include "vecmath/special/decay.h"
+
+namespace orv::vecmath {
+
+struct ErfcTail {
+    static constexpr int sign = 1;  // falls for x of this sign
+    static constexpr double half = 1.0, whole = 2.0, last_vector = 26.0, beyond_zero = 28.0;
+    alignas(16) static constexpr ExpansionRow rows[160] = {
+#include "vecmath/tables/erfcx.inc"
+    };
+};
+struct NormalTail {
+    static constexpr int sign = -1;
+    static constexpr double half = 0.5, whole = 1.0, last_vector = 37.0, beyond_zero = 39.0;
+    alignas(16) static constexpr ExpansionRow rows[192] = {
+#include "vecmath/tables/cdf_norm_scaled.inc"
+    };
+};
+
+// F(|x|) e^(-z).
+template <class Tail, int Pairs, bool TwoParts>
+inline Decayed falling(__m128d magnitude) {
+    const __m128d one = simd::splat(1.0), half = simd::splat(Tail::half);
+    const __m128d t = magnitude + one;
+    const Expanded f = expand<0, Pairs>(Tail::rows, t, magnitude - (expansion_centre(t) - one));
+    const __m128d leading = upper_26(magnitude);
+    const __m128d z_low = (magnitude - leading) * (magnitude + leading);
+    return decay<TwoParts>(leading * leading * half, z_low * half, f);
+}
+
+// True in the lanes, by sign bits, where x lies on the side that rises to `whole`.
+template <class Tail>
+inline __m128d rising_side(__m128d x) {
+    return Tail::sign > 0 ? x : simd::bit_xor(x, simd::splat(-0.0));
+}
+
+template <class Tail, int Pairs, bool TwoParts>
+inline __m128d tail_lanes(__m128d x) {
+    const __m128d magnitude = simd::least(simd::magnitude(x), simd::splat(Tail::last_vector));
+    const Decayed y = falling<Tail, Pairs, TwoParts>(magnitude);
+    const __m128d turned = simd::sign_of(rising_side<Tail>(x));
+    const __m128d base = simd::select_by_sign(turned, simd::splat(Tail::whole), _mm_setzero_pd());
+    const __m128d scale = simd::bit_or(y.scale(), turned);
+    const __m128d high = y.high * scale;
+    const __m128d sum = base + high;
+    if constexpr (!TwoParts) return sum;
+    return sum + (((base - sum) + high) + y.low * scale);
+}
+
+// Any element; results on the falling side are rounded once.
+template <class Tail, int Pairs, bool TwoParts, class T>
+inline int32_t tail_scalar(T x, T* y) {
+    if (is_nan(x)) {
+        *y = quiet(x);
+        return frame::status_ok;
+    }
+    const double d = x;
+    if ((Tail::sign > 0) == (d < 0)) {
+        *y = static_cast<T>(_mm_cvtsd_f64(tail_lanes<Tail, Pairs, TwoParts>(simd::splat(d))));
+        return frame::status_ok;
+    }
+    if (!is_finite(x)) {
+        *y = T{0};
+        return frame::status_ok;
+    }
+    const double magnitude = __builtin_fabs(d);
+    *y = rounded_once<T>(
+        falling<Tail, Pairs, TwoParts>(simd::splat(magnitude < Tail::beyond_zero ? magnitude : Tail::beyond_zero)));
+    return *y < std::numeric_limits<T>::min() ? frame::status_underflow : frame::status_ok;
+}
+
+}  // namespace orv::vecmath
