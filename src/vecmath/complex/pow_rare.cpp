@@ -150,16 +150,19 @@ int32_t rare_pow(orv_complex_d a, orv_complex_d b, orv_complex_d* y) {
     const bool huge = std::fmax(std::fabs(b.re), std::fabs(b.im)) > 0x1p+500;
     const __m128d down = simd::splat(huge ? 0x1p-600 : 1.0), up = simd::splat(huge ? 0x1p+600 : 1.0);
     ComplexExponent w = exponent_of({simd::splat(b.re) * down, simd::splat(b.im) * down}, log.size, log.angle);
-    // An angle beyond all numbers is as good as the last of them.
-    const double last = std::numeric_limits<double>::max(), angle = of_lane(w.im.high * up);
-    const Pair turned = is_finite(angle) ? scaled(w.im, up) : pair_of(std::copysign(last, angle));
-    Direction2 d = any_direction(turned);
-    if (angle == 0) d.sine = simd::splat(zero);
-    const double size = of_lane(w.re.high * up);
+    // What is beyond 2^1000 is as good as that.
+    const auto whole = [&](Pair x) {
+        const double high = of_lane(x.high);
+        return huge && std::fabs(high) > 0x1p+400 ? pair_of(std::copysign(0x1p+1000, high)) : scaled(x, up);
+    };
+    w = {whole(w.re), whole(w.im)};
+    Direction2 d = any_direction(w.im);
+    if (of_lane(w.im.high) == 0) d.sine = simd::splat(zero);
+    const double size = of_lane(w.re.high);
     Exp2Parts power{simd::splat(1.0), _mm_setzero_pd(), _mm_setzero_si128()};
     int n = size > 0 ? 4000 : -4000;
     if (std::fabs(size) < 2500) {
-        power = exp_parts(scaled(w.re, up));
+        power = exp_parts(w.re);
         n = _mm_cvtsi128_si32(power.shifted) >> 7;
     }
     *y = {scaled_part(power, d.cosine, n), scaled_part(power, d.sine, n)};
