@@ -18,7 +18,12 @@ struct ComplexInverseBlockS {
 };
 inline constexpr ComplexInverseBlockS complex_inverse_s;
 
-inline __m128d short_angle(__m128d a, __m128d b) { return atan2_lanes<atan_radians, turn_radians, true>(a, b); }
+// The angle of (b, a); a b of zero counts as what is next to it, so that no division by zero is raised.
+inline __m128d short_angle(__m128d a, __m128d b) {
+    const __m128d not_zero =
+        simd::bit_or(simd::greatest(simd::magnitude(b), complex_inverse_s.least), simd::sign_of(b));
+    return atan2_lanes<atan_radians, turn_radians, true>(a, not_zero);
+}
 
 struct ArcPartsS {
     __m128d w, v;
@@ -32,8 +37,7 @@ inline ArcPartsS arc_parts_s(__m128d x, __m128d y) {
     const __m128d sinh_squared = simd::select_by_sign(q, other, larger);
     const __m128d cos_squared = simd::select_by_sign(q, larger, other);
     const __m128d s = simd::square_root(sinh_squared * (sinh_squared + K.one)), total = sinh_squared + s;
-    return {simd::square_root(simd::greatest(cos_squared + y_squared, K.least)),
-            log1p_lanes<log1p_ep>(total + total) * K.half};
+    return {simd::square_root(cos_squared + y_squared), log1p_lanes<log1p_ep>(total + total) * K.half};
 }
 
 inline ComplexD asin_lanes_s(ComplexD z) {
@@ -52,9 +56,7 @@ inline ComplexD atanh_lanes_s(ComplexD z) {
     const __m128d twice = x + x;
     const __m128d re = log1p_lanes<log1p_ep>((twice + twice) / (across * across + y_squared)) * K.quarter;
     const __m128d b = simd::bit_xor((x * x - K.one) + y_squared, simd::splat(-0.0));
-    const __m128d not_zero = simd::bit_or(simd::greatest(simd::magnitude(b), K.least), simd::sign_of(b));
-    return {simd::bit_or(re, simd::sign_of(z.re)),
-            simd::bit_or(short_angle(y + y, not_zero) * K.half, simd::sign_of(z.im))};
+    return {simd::bit_or(re, simd::sign_of(z.re)), simd::bit_or(short_angle(y + y, b) * K.half, simd::sign_of(z.im))};
 }
 
 }  // namespace orv::vecmath

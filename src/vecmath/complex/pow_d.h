@@ -42,6 +42,10 @@ inline Pair plus(Pair a, Pair b) {
     const Pair total = two_sum(a.high, b.high);
     return two_sum(total.high, total.low + (a.low + b.low));
 }
+inline Pair without_lanes(Pair a, __m128d lanes) {
+    return {simd::select_by_sign(lanes, _mm_setzero_pd(), a.high),
+            simd::select_by_sign(lanes, _mm_setzero_pd(), a.low)};
+}
 inline Pair with_sign(Pair a, __m128d sign) { return {simd::bit_xor(a.high, sign), simd::bit_xor(a.low, sign)}; }
 
 // ln|x + i y|, at 26 bits.
@@ -130,9 +134,11 @@ inline __m128d sign_of_sine(__m128d sine, __m128d angle, __m128d a_im, __m128d b
 // a^b where a has a real part and all parts are zero or well within range; `doubt` has the lanes whose result is not.
 inline ComplexD pow_lanes(ComplexD a, ComplexD b, __m128d& doubt) {
     constexpr const ComplexPowBlock& K = complex_pow;
-    const ComplexExponent w = exponent_of(b, ln_modulus(a.re, a.im), angle_of(a.re, a.im));
+    ComplexExponent w = exponent_of(b, ln_modulus(a.re, a.im), angle_of(a.re, a.im));
     doubt = simd::bit_or(simd::exceeds(simd::magnitude(w.re.high), K.last_size),
                          simd::exceeds(simd::magnitude(w.im.high), last_128));
+    // They raise nothing.
+    w = {without_lanes(w.re, doubt), without_lanes(w.im, doubt)};
     const Direction2 d = direction(w.im);
     const Exp2Parts power = exp_parts(w.re);
     const __m128d scale = power_of_two(power.shifted);
@@ -152,9 +158,11 @@ inline ComplexD pow_lanes_s(ComplexD a, ComplexD b, __m128d& doubt) {
         log2_pair<inverse_log>(squares.high, squares.low * simd::doubles(simd::subtract(H.twice_bias, field)));
     const __m128d size = (log.high + log.low) * K.half_ln2;
     const __m128d angle = atan2_lanes<atan_radians, turn_radians, false>(a.im, a.re);
-    const __m128d re = b.re * size - b.im * angle, im = b.re * angle + b.im * size;
+    __m128d re = b.re * size - b.im * angle, im = b.re * angle + b.im * size;
     doubt =
         simd::bit_or(simd::exceeds(simd::magnitude(re), K.last_size_s), simd::exceeds(simd::magnitude(im), last_128));
+    re = simd::select_by_sign(doubt, _mm_setzero_pd(), re);
+    im = simd::select_by_sign(doubt, _mm_setzero_pd(), im);
     __m128d sine, cosine;
     sincos_128(im, sine, cosine);
     const Exp2Parts power = exp2_parts<inverse_log>({re * K.log2e, _mm_setzero_pd()});
