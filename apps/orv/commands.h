@@ -12,6 +12,7 @@ void add_fit(CLI::App& app, int& status);
 void add_info(CLI::App& app, int& status);
 void add_math(CLI::App& app, int& status);
 void add_draw(CLI::App& app, int& status);
+void add_sort(CLI::App& app, int& status);
 void add_stats(CLI::App& app, int& status);
 
 }  // namespace orv::command

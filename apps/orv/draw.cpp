@@ -98,6 +98,8 @@ void add_draw(CLI::App& app, int&) {
     add_draw_uniform(*draw);
     add_draw_bits(*draw);
     add_draw_points(*draw);
+    add_draw_continuous(*draw);
+    add_draw_vectors(*draw);
 }
 
 }  // namespace orv::command

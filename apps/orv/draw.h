@@ -86,5 +86,7 @@ void draw_all(Receiver& receiver, double from, double to, Fill fill) {
 void add_draw_uniform(CLI::App& draw);
 void add_draw_bits(CLI::App& draw);
 void add_draw_points(CLI::App& draw);
+void add_draw_continuous(CLI::App& draw);
+void add_draw_vectors(CLI::App& draw);
 
 }  // namespace orv::command

@@ -4,6 +4,7 @@
 #include "output.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,7 @@ struct Histogram {
     bool whole;  // of integers: bins are as many of them wide each, as far as they go into the range
     std::vector<int64_t> counts;
     int64_t outside;
+    std::function<double(double)> density = nullptr;  // what the numbers should have, where it is known
 };
 
 Histogram make_histogram(double from, double to, size_t bins);
@@ -24,7 +26,8 @@ void count(Histogram& histogram, double value);
 // A line for each bin: its lower edge, its count, and a bar.
 std::string as_text(const Histogram& histogram);
 
-// Writes an SVG picture with gnuplot, which must be installed. Ends the command where that fails.
+// Writes an SVG picture with gnuplot, which must be installed, the density over the bins where it is known. Ends the command
+// where that fails.
 void draw_plot(const Histogram& histogram, const std::string& title, Output& output);
 
 }  // namespace orv::command

@@ -41,6 +41,7 @@ int run(int argc, char** argv) {
     add_info(app, status);
     add_math(app, status);
     add_draw(app, status);
+    add_sort(app, status);
     add_stats(app, status);
     expect_subcommands(app, argc, argv);
     if (argc == 3 && std::string_view(argv[1]) == "--write-pages") {

@@ -4,11 +4,12 @@
 #include "json.h"
 #include "options.h"
 #include "output.h"
+#include "stats_sections.h"
 #include "stats_tables.h"
 #include "table.h"
 
 #include <cmath>
-#include <limits>
+#include <map>
 #include <memory>
 #include <optional>
 #include <orv/statistics.h>
@@ -20,7 +21,10 @@ namespace {
 struct Request {
     std::string file = "-";
     std::vector<std::string> columns;
-    std::string weights;
+    std::string weights, groups, partial;
+    std::vector<double> quantiles;
+    double stream_epsilon = 0;
+    bool mad = false;
     int32_t threads = 0;
     bool csv = false, json = false;
     Format format;
@@ -28,6 +32,8 @@ struct Request {
 };
 
 constexpr size_t block_values = 1 << 18;  // 2 MB of numbers between two calls
+
+const std::vector<double> usual_orders = {0.05, 0.25, 0.5, 0.75, 0.95};
 
 constexpr uint64_t estimates = ORV_SS_SKEWNESS | ORV_SS_KURTOSIS | ORV_SS_CENTRAL_MOMENT3 | ORV_SS_COV | ORV_SS_COR;
 
@@ -44,11 +50,6 @@ const orv_services* services() {
     return &table;
 }
 
-void check(int32_t status) {
-    if (status == SSStatusAllocation) fail("no memory");
-    if (status != SSStatusOk) fail("the statistics kernel returned status " + std::to_string(status));
-}
-
 struct DeleteTask {
     void operator()(SSTask* task) const { __kuzSSDeleteTask(&task); }
 };
@@ -57,7 +58,7 @@ struct DeleteTask {
 struct Accumulation {
     std::vector<std::string> names;
     std::vector<size_t> columns;
-    size_t weight_column = SIZE_MAX;
+    size_t weight_column = SIZE_MAX, group_column = SIZE_MAX;
     int32_t p = 0, n = 0, form = StorageColumns, full = SSMatrixFull;
     int64_t rows = 0;
     std::vector<int64_t> nans;  // in each column
@@ -66,45 +67,76 @@ struct Accumulation {
     double weights[2] = {0, 0};
     std::unique_ptr<SSTask, DeleteTask> task;
 
+    // For the streaming quantiles.
+    int32_t order_count = 0, param_count = 1;
+    std::vector<double> orders, stream;
+    double epsilon = 0;
+
+    // All of it, where something is asked for that takes more than a look at each row.
+    bool holds = false;
+    HeldData held{names, {}, {}, {}};
+    std::map<std::string, int32_t, std::less<>> group_numbers;
+
     const std::vector<double>& moment(int id) const { return moments[id - SSIdMean]; }
 };
 
 void choose_columns_of(Accumulation& data, const Request& request, const Head& head) {
     if (!request.weights.empty()) data.weight_column = find_column(head, request.weights);
+    if (!request.groups.empty()) data.group_column = find_column(head, request.groups);
     for (const std::string& name : request.columns) data.columns.push_back(find_column(head, name));
     if (request.columns.empty())
         for (size_t column = 0; column < head.width; ++column)
-            if (column != data.weight_column) data.columns.push_back(column);
-    if (data.columns.empty()) fail_at(head.source, 1, "no column left beside the weights");
+            if (column != data.weight_column && column != data.group_column) data.columns.push_back(column);
+    if (data.columns.empty())
+        fail_at(head.source, 1, request.groups.empty() ? "no column left beside the weights" : "no column left");
     for (const size_t column : data.columns) data.names.push_back(column_name(head, column));
 }
 
-void start(Accumulation& data) {
+void start(Accumulation& data, const Request& request) {
     const size_t p = data.columns.size();
     data.p = static_cast<int32_t>(p);
     data.x.reserve(block_values + p);
     data.nans.assign(p, 0);
-    data.minimum.assign(p, std::numeric_limits<double>::infinity());
-    data.maximum.assign(p, -std::numeric_limits<double>::infinity());
+    data.minimum.resize(p);
+    data.maximum.resize(p);
     data.cov.resize(p * p);
     data.cor.resize(p * p);
     SSTask* task = nullptr;
-    check(__kuzdSSNewTask(&task, &data.p, &data.n, &data.form, nullptr, nullptr, nullptr, 0));
+    check_statistics(__kuzdSSNewTask(&task, &data.p, &data.n, &data.form, nullptr, nullptr, nullptr, 0));
     data.task.reset(task);
     for (int id = SSIdMean; id <= SSIdSkewness; ++id) {
         data.moments[id - SSIdMean].resize(p);
-        check(__kuzdSSEditTask(task, id, data.moments[id - SSIdMean].data()));
+        check_statistics(__kuzdSSEditTask(task, id, data.moments[id - SSIdMean].data()));
     }
-    check(__kuzdSSEditCovCor(task, nullptr, data.cov.data(), &data.full, data.cor.data(), &data.full));
-    check(__kuzdSSEditTask(task, SSIdAccumWeight, data.weights));
+    check_statistics(__kuzdSSEditCovCor(task, nullptr, data.cov.data(), &data.full, data.cor.data(), &data.full));
+    check_statistics(__kuzdSSEditTask(task, SSIdAccumWeight, data.weights));
+    check_statistics(__kuzdSSEditTask(task, SSIdMinimum, data.minimum.data()));
+    check_statistics(__kuzdSSEditTask(task, SSIdMaximum, data.maximum.data()));
+    data.holds = request.mad || !request.groups.empty() || (!request.quantiles.empty() && request.stream_epsilon == 0);
+    if (request.stream_epsilon == 0) return;
+    data.epsilon = request.stream_epsilon;
+    data.orders = request.quantiles.empty() ? usual_orders : request.quantiles;
+    data.order_count = static_cast<int32_t>(data.orders.size());
+    data.stream.resize(p * data.orders.size());
+    check_statistics(__kuzdSSEditStreamQuantiles(task, &data.order_count, data.orders.data(), data.stream.data(),
+                                                 &data.param_count, &data.epsilon));
 }
 
 void flush(Accumulation& data) {
     if (data.x.empty()) return;
     data.n = static_cast<int32_t>(data.x.size() / static_cast<size_t>(data.p));
-    check(__kuzdSSEditTask(data.task.get(), SSIdX, data.x.data()));
-    if (!data.w.empty()) check(__kuzdSSEditTask(data.task.get(), SSIdW, data.w.data()));
-    check(_kuzdSSBasic(data.task.get(), estimates, BasicOnePass, services()));
+    check_statistics(__kuzdSSEditTask(data.task.get(), SSIdX, data.x.data()));
+    if (!data.w.empty()) check_statistics(__kuzdSSEditTask(data.task.get(), SSIdW, data.w.data()));
+    check_statistics(_kuzdSSBasic(data.task.get(), estimates, BasicOnePass, services()));
+    // The extremes of the first block start them.
+    const uint64_t join = data.rows > data.n ? ORV_SS_METHOD_JOIN : 0;
+    check_statistics(_kuzdSSMinmax(data.task.get(), ORV_SS_MINIMUM | ORV_SS_MAXIMUM, join, services()));
+    if (data.epsilon > 0)
+        check_statistics(_kuzdSSStreamQuantiles(data.task.get(), ORV_SS_STREAM_QUANTILES, 0, services()));
+    if (data.holds) {
+        data.held.x.insert(data.held.x.end(), data.x.begin(), data.x.end());
+        data.held.w.insert(data.held.w.end(), data.w.begin(), data.w.end());
+    }
     data.x.clear();
     data.w.clear();
 }
@@ -114,14 +146,18 @@ void add_row(Accumulation& data, const Head& head, const Row& row, const std::ve
     const size_t p = data.columns.size();
     for (size_t j = 0; j < p; ++j) {
         const double value = numbers[j];
-        if (value < data.minimum[j]) data.minimum[j] = value;
-        if (value > data.maximum[j]) data.maximum[j] = value;
         if (std::isnan(value)) ++data.nans[j];
         data.x.push_back(value);
     }
     if (data.weight_column != SIZE_MAX) {
         data.w.push_back(numbers[p]);
         if (!(numbers[p] >= 0)) fail_at(head.source, row.line, "a weight must be 0 or more");
+    }
+    if (data.group_column != SIZE_MAX) {
+        const auto [at, fresh] = data.group_numbers.try_emplace(std::string(row.fields[data.group_column]),
+                                                                static_cast<int32_t>(data.held.groups.size()));
+        if (fresh) data.held.groups.push_back(at->first);
+        data.held.group.push_back(at->second);
     }
     ++data.rows;
     if (data.x.size() >= block_values) flush(data);
@@ -132,7 +168,7 @@ void read(const Request& request, Accumulation& data) {
     std::vector<double> numbers;
     const auto begin = [&](const Head& head) {
         choose_columns_of(data, request, head);
-        start(data);
+        start(data, request);
         read_columns = data.columns;
         if (data.weight_column != SIZE_MAX) read_columns.push_back(data.weight_column);
     };
@@ -147,6 +183,22 @@ void read(const Request& request, Accumulation& data) {
     if (data.weights[0] == 0) fail(source_name(request.file) + ": the weights add up to 0");
 }
 
+// What was asked for beside moments and matrices.
+std::vector<Section> sections_of(const Request& request, const Accumulation& data) {
+    std::vector<Section> sections;
+    const auto append = [&](const std::vector<Section>& more) {
+        sections.insert(sections.end(), more.begin(), more.end());
+    };
+    if (data.epsilon > 0)
+        append({{"stream quantile", data.names, order_names(data.orders), data.stream}});
+    else if (!request.quantiles.empty())
+        append({quantiles(data.held, request.quantiles, services())});
+    if (request.mad) append({deviations(data.held, services())});
+    if (!request.groups.empty()) append(pooled(data.held, services()));
+    if (!request.partial.empty()) append(partial(request.partial, data.names, data.cov));
+    return sections;
+}
+
 Cells moments_table(const Accumulation& data, bool csv) {
     Cells cells = {{"column", "count", "mean", "standard deviation", "skewness", "kurtosis", "minimum", "maximum"}};
     for (size_t j = 0; j < data.names.size(); ++j)
@@ -157,15 +209,16 @@ Cells moments_table(const Accumulation& data, bool csv) {
     return cells;
 }
 
-std::string as_tables(const Accumulation& data, bool csv) {
+std::string as_tables(const Accumulation& data, const std::vector<Section>& sections, bool csv) {
     std::string text;
     append_table(text, moments_table(data, csv), csv);
     append_table(text += '\n', matrix_table("covariance", data.names, data.cov, csv), csv);
     append_table(text += '\n', matrix_table("correlation", data.names, data.cor, csv), csv);
+    for (const Section& section : sections) append_section(text, section, csv);
     return text;
 }
 
-std::string as_json(const Accumulation& data) {
+std::string as_json(const Accumulation& data, const std::vector<Section>& sections) {
     std::string text = "{\"rows\": " + std::to_string(data.rows) + ",\n \"columns\": [";
     for (size_t j = 0; j < data.names.size(); ++j) {
         append_json(text += j == 0 ? "\n  {\"name\": " : ",\n  {\"name\": ", data.names[j]);
@@ -180,6 +233,7 @@ std::string as_json(const Accumulation& data) {
     }
     append_json_matrix(text += "],\n \"covariance\": ", data.cov, data.names.size());
     append_json_matrix(text += ",\n \"correlation\": ", data.cor, data.names.size());
+    for (const Section& section : sections) append_json_section(text, section);
     return text + "}\n";
 }
 
@@ -199,7 +253,8 @@ void run(const Request& request) {
     if (!request.plot.empty()) plot.emplace(request.plot);
     Accumulation data;
     read(request, data);
-    const std::string text = request.json ? as_json(data) : as_tables(data, request.csv);
+    const std::vector<Section> sections = sections_of(request, data);
+    const std::string text = request.json ? as_json(data, sections) : as_tables(data, sections, request.csv);
     if (!request.json) name_nans(data);
     if (plot)
         draw_matrix("Correlation of " + std::to_string(data.rows) + " rows of " + source_name(request.file), data.names,
@@ -214,7 +269,8 @@ void add_stats(CLI::App& app, int& status) {
     const auto request = std::make_shared<Request>();
     CLI::App* stats = app.add_subcommand("stats", "Moments, covariance and correlation of the columns of a CSV file");
     stats->footer(
-        "The file is read once and may be of any size. The standard deviation is that of a sample (n - 1); skewness "
+        "The file is read once and may be of any size, unless --quantiles, --mad or --groups ask for it as a whole. "
+        "The standard deviation is that of a sample (n - 1); skewness "
         "and\n"
         "kurtosis are m3 / s^3 and m4 / s^4 - 3 with that s, m3 and m4 being the mean third and fourth powers of the\n"
         "deviations.");
@@ -223,6 +279,20 @@ void add_stats(CLI::App& app, int& status) {
         ->delimiter(',')
         ->allow_extra_args(false);
     stats->add_option("--weights", request->weights, "the column that holds the weights of the rows");
+    CLI::Option* orders = stats->add_option("--quantiles", request->quantiles,
+                                            "orders from 0 to 1, with commas between: the quantiles of each column");
+    orders->delimiter(',')->allow_extra_args(false)->check(CLI::Range(0.0, 1.0));
+    stats
+        ->add_option("--stream-quantiles", request->stream_epsilon,
+                     "quantiles of a file that does not fit into memory, with ranks right to this share of the rows; "
+                     "of the orders 0.05, 0.25, 0.5, 0.75, 0.95 without --quantiles")
+        ->check(CLI::Range(1e-7, 0.5));
+    stats->add_flag("--mad", request->mad,
+                    "median, and median and mean of the absolute deviations from it; without weights");
+    stats->add_option(
+        "--groups", request->groups,
+        "the column that says which group a row belongs to: means of the groups and the pooled covariance");
+    stats->add_option("--partial", request->partial, "A,B/C: covariance and correlation of A and B given C");
     add_count(*stats, "--threads", request->threads, 1, INT32_MAX,
               "at most so many threads; all processors if not given");
     CLI::Option* csv = stats->add_flag("--csv", request->csv, "write CSV, each number in full");

@@ -38,6 +38,22 @@ ORV_DRAWN(poisson_10000, _kuziRngPoisson(PoissonRejection, stream, n, r, 10000))
 ORV_DRAWN(poisson_normal_0_5, _kuziRngPoisson(PoissonNormal, stream, n, r, 0.5));
 ORV_DRAWN(poisson_normal_5, _kuziRngPoisson(PoissonNormal, stream, n, r, 5));
 ORV_DRAWN(poisson_normal_1000, _kuziRngPoisson(PoissonNormal, stream, n, r, 1000));
+ORV_DRAWN(hypergeometric_10000_1000_5000, _kuziRngHypergeometric(0, stream, n, r, 10000, 5000, 1000));
+ORV_DRAWN(hypergeometric_50_10_20, _kuziRngHypergeometric(0, stream, n, r, 50, 20, 10));
+ORV_DRAWN(negbinomial_5_0_3, _kuziRngNegbinomial(0, stream, n, r, 5, 0.3));
+ORV_DRAWN(negbinomial_100_0_02, _kuziRngNegbinomial(0, stream, n, r, 100, 0.02));
+
+// Means log-uniform from 0.01 to 1000, as they come and in rising order.
+void means_of_their_own(benchmark::State& state, bool sorted) {
+    std::vector<double> means(static_cast<size_t>(state.range(0)));
+    std::mt19937 engine(777);
+    std::uniform_real_distribution<double> logarithm(std::log(0.01), std::log(1000));
+    for (double& mean : means) mean = std::exp(logarithm(engine));
+    if (sorted) std::sort(means.begin(), means.end());
+    numbers(state, [&](Stream* stream, int32_t n, int32_t* r) { _kuziRngPoissonV(0, stream, n, r, means.data()); });
+}
+BENCHMARK_CAPTURE(means_of_their_own, any_order, false)->Arg(working_run)->Arg(memory_run);
+BENCHMARK_CAPTURE(means_of_their_own, sorted, true)->Arg(working_run)->Arg(memory_run);
 
 template <class Distribution>
 void standard(benchmark::State& state, Distribution distribution) {
@@ -51,5 +67,7 @@ BENCHMARK_CAPTURE(standard, binomial_200_0_4, std::binomial_distribution<int32_t
 BENCHMARK_CAPTURE(standard, binomial_10_0_3, std::binomial_distribution<int32_t>(10, 0.3));
 BENCHMARK_CAPTURE(standard, poisson_40, std::poisson_distribution<int32_t>(40));
 BENCHMARK_CAPTURE(standard, poisson_5, std::poisson_distribution<int32_t>(5));
+BENCHMARK_CAPTURE(standard, negbinomial_5_0_3, std::negative_binomial_distribution<int32_t>(5, 0.3));
+BENCHMARK_CAPTURE(standard, negbinomial_100_0_02, std::negative_binomial_distribution<int32_t>(100, 0.02));
 
 }  // namespace

@@ -572,7 +572,7 @@ int32_t _kuzsSSWMedian(SSTask* task, uint64_t estimates, uint64_t method, const 
  *       RobustMaronna  Maronna's monotone M-estimator with Huber's weights, affine equivariant, of breakdown point 1 / (q + 1)
  *                      and no more.
  *     `robustParams`, `robustParamCount` (4) data, of which RobustMaronna uses the last two:
- *       [0]  breakdown point, in (0, 1/2]; no more than (n - q) / (2 n) is used
+ *       [0]  breakdown point, in [1e-9, 1/2]; no more than (n - q) / (2 n) is used
  *       [1]  asymptotic rejection probability, in (0, 1): of an observation from the normal model, to lose its weight
  *            altogether. The breakdown point has precedence where both cannot be had: for 1/2 and 0.001, up to 4 components
  *            more is rejected, and from 17 less

@@ -1,4 +1,4 @@
-/* Elementwise vector mathematics in three accuracies: "LA" (about 1 ulp), "HA" (about half an ulp) and "EP" (about half
+/* Elementwise vector mathematics in three accuracies: "LA" (within 4 ulp), "HA" (about half an ulp) and "EP" (about half
  * of the significand's bits).
  *
  *     #include <errno.h>

@@ -162,7 +162,7 @@ int32_t draw_rejecting(Stream* stream, int32_t n, int32_t* r, int32_t ntrial, do
     const ByRejection& b = setup->rejection;
     const Law law = {b.steps, ntrial,     b.npq,          b.inverse_npq, scaled_odds,
                      b.odds,  b.hat.mode, double(ntrial), p / (1 - p)};
-    return draw_by_rejection(stream, n, r, b.hat, law);
+    return draw_under_hat(stream, n, r, b.hat, law);
 }
 
 // ---- Table ---------------------------------------------------------------------------------------------------------
@@ -174,7 +174,7 @@ void set_table(ByTable& b, int32_t size, double ntrial, double p) {
     b.scaled_odds = (ntrial + 1) * b.odds;
     // q is rounded, which ntrial factors multiply.
     const double lost = (1 - q) - p;
-    b.entries[0] = precise_power(q, ntrial) * (1 + ntrial * lost / q);
+    b.entries[0] = accurate_power(q, ntrial) * (1 + ntrial * lost / q);
     for (int32_t k = 1; k < size; ++k) {
         const double term = b.entries[k - 1] * (b.scaled_odds / k - b.odds);
         b.entries[k] = k <= ntrial ? term : 0;

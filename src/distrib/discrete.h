@@ -27,13 +27,8 @@ Setup* setup_in_chunk(Stream* stream, int32_t id, int32_t size, Matches matches,
     return setup;
 }
 
-// The high-accuracy kernel of a function of doubles, for one number.
-inline double precise(orv_arq_kernel kernel, double x) {
-    run(reinterpret_cast<OneResult<double>>(kernel), 1, &x, &x);
-    return x;
-}
-inline double precise_exponential(double x) { return precise(orv_arq_kernel_dExp_ttab[1], x); }
-inline double precise_power(double x, double y) {
+// By the high-accuracy kernel, as accurate_exponential is.
+inline double accurate_power(double x, double y) {
     run(reinterpret_cast<WithScalar<double>>(orv_arq_kernel_dPowx_ttab[1]), 1, &x, y, &x);
     return x;
 }

@@ -15,6 +15,13 @@ struct ThreadState {
     uint32_t mode = block ? frame::mode_of(block) : 0;
     orv_arq_callback callback = block ? block->callback : nullptr;
 
+    // As SetMode does, without looking for the thread's block again.
+    void set_mode(uint32_t field, uint32_t value) const {
+        if (block) block->mode = (block->mode & ~field) | value;
+    }
+    void set_callback(orv_arq_callback other) const {
+        if (block) block->callback = other;
+    }
     void restore() const {
         if (!block) return;
         block->callback = callback;
@@ -36,8 +43,8 @@ public:
         if (x87_changed()) frame::write_x87_control(static_cast<uint16_t>(x87 | frame::X87Guard::masks));
         mxcsr = frame::read_mxcsr();
         if (mxcsr_changed()) frame::write_mxcsr(mxcsr | frame::mxcsr_masks);
-        orv_arq_kernel_SetMode(frame::mode_error_callback);
-        orv_arq_kernel_SetErrorCallBack(callback);
+        thread.set_mode(frame::mode_error, frame::mode_error_callback);
+        thread.set_callback(callback);
     }
     ~ErrorFrame() {
         thread.restore();

@@ -79,7 +79,7 @@ struct Law {
 
     Verdict judge(__m128i, __m128 d, __m128 alv) const {
         const __m128 m = simd::splat(mode);
-        const auto g = growth(m, d, 0.0f);
+        const auto g = growth<float>(m, d);
         const __m128 twelve_products = simd::splat(12 * mode) * (m + d);
         const __m128 log_ratio =
             d * simd::splat(log_step) - g.deviance - simd::splat(0.5f) * g.log + d / twelve_products;
@@ -104,13 +104,13 @@ int32_t draw_rejecting(Stream* stream, int32_t n, int32_t* r, float lambda) {
         [=](Setup& s) { set_rejection(s.rejection, lambda); });
     if (!setup) return StatusNoMemory;
     const ByRejection& b = setup->rejection;
-    return draw_by_rejection(stream, n, r, b.hat, Law{b.steps, lambda, b.hat.mode, b.log_step});
+    return draw_under_hat(stream, n, r, b.hat, Law{b.steps, lambda, b.hat.mode, b.log_step});
 }
 
 // ---- Table ---------------------------------------------------------------------------------------------------------
 
 void set_table(ByTable& b, double lambda, int32_t size) {
-    double term = precise_exponential(-lambda), sum = term;
+    double term = accurate_exponential(-lambda), sum = term;
     b.entries[0] = term;
     for (int32_t k = 1; k < size; ++k) {
         term = term * lambda / k;

@@ -54,9 +54,9 @@ ORV_DISTRIB_KERNEL(sine_and_cosine, SinCos, TwoResults)
 template <class Kernel, class... Arguments>
 void run(Kernel kernel, Arguments... arguments) {
     const ThreadState thread;
-    orv_arq_kernel_SetMode(frame::mode_denormal_keep);
+    thread.set_mode(frame::mode_denormal, frame::mode_denormal_keep);
     kernel(arguments...);
-    if (thread.block) thread.block->mode = thread.mode;
+    thread.set_mode(~0u, thread.mode);
 }
 
 // A kernel over one number, of the high accuracy that constants are made with.

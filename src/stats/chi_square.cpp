@@ -90,6 +90,7 @@ Tails chi_square(int32_t freedom, double x) {
 // Newton's iteration for the logarithm of the smaller tail, which is nearly straight in x where that is the upper one and
 // in ln x where it is the lower. A step that leaves the bounds found so far, or the normal numbers, gives way to their middle.
 double chi_square_quantile(int32_t freedom, double upper) {
+    if (upper < DBL_MIN) upper = DBL_MIN;
     const bool by_upper = upper <= 0.5;
     const double wanted = natural_logarithm(by_upper ? upper : 1 - upper);
     double low = 0, high = DBL_MAX, x = freedom;

@@ -57,6 +57,10 @@ TEST_F(Command, Prints) {
         {"draw uniform --brng mrg32k3a --seed 12345,12345,12345,12345,12345,12345 --n 2 --type s", "",
          "0.12701112\n0.31852758\n"},
         {"draw uniform --type i --from 5 --to 6 --n 0.3e1", "", "5\n5\n5\n"},
+        {"draw geometric --p 1 --n 2", "", "0\n0\n"},
+        {"draw gaussian --mean 3 --sigma 1e-300 --n 2 --method paired", "", "3\n3\n"},
+        {"draw gamma --a 2 --beta 1e-30 --n 1 --type s", "", "2\n"},
+        {"draw gaussian-mv --cov - --mean 5,6 --n 2", "1e-300,0\n0,1e-300\n", "5,6\n5,6\n"},
         {"draw sobol --n 3", "", "0.5,0.5\n0.75,0.25\n0.25,0.75\n"},
         {"draw sobol --dimension 3 --n 1 --skip 1 --brng niederr", "", "0.75,0.25,0.3125\n"},
         {"draw uniform --type i --from -1 --to 1 --n 1000 --histogram --bins 1 --seed 7", "",
@@ -74,7 +78,7 @@ TEST_F(Command, Prints) {
          "  {\"name\": \"x\", \"nan\": 0, \"mean\": 1, \"standard deviation\": 1, \"skewness\": 0, \"kurtosis\": -2.2, "
          "\"minimum\": 0, \"maximum\": 2},\n"
          "  {\"name\": \"y \\\\\\\"1\", \"nan\": 1, \"mean\": null, \"standard deviation\": null, \"skewness\": null, "
-         "\"kurtosis\": null, \"minimum\": 0, \"maximum\": 4}],\n"
+         "\"kurtosis\": null, \"minimum\": null, \"maximum\": null}],\n"
          " \"covariance\": [[1, null], [null, null]],\n \"correlation\": [[1, null], [null, null]]}\n"},
         {"stats --columns 3,1", "a,b,c\n1,-,5\n2,-,7\n",
          "column  count  mean  standard deviation  skewness  kurtosis  minimum  maximum\n"
@@ -82,6 +86,31 @@ TEST_F(Command, Prints) {
          "a           2   1.5        0.7071067812         0     -2.75        1        2\n\n"
          "covariance  c    a\nc           2    1\na           1  0.5\n\n"
          "correlation  c  a\nc            1  1\na            1  1\n"},
+        // Two groups with the same means; y = 2 x, given which x has nothing left.
+        {"stats --csv --columns x --quantiles 0.5,0.625,1 --mad", "x\n2\n0\n2\n0\n1\n",
+         "column,count,mean,standard deviation,skewness,kurtosis,minimum,maximum\n"
+         "x,5,1,1,0,-2.2,0,2\n\ncovariance,x\nx,1\n\ncorrelation,x\nx,1\n\n"
+         "quantile,median,0.625,1\nx,1,1.5,2\n\n"
+         "deviation,median,median absolute deviation,mean absolute deviation\nx,1,1,0.8\n"},
+        {"stats --csv --columns x --stream-quantiles 0.1", "x\n0\n4\n2\n4\n0\n",
+         "column,count,mean,standard deviation,skewness,kurtosis,minimum,maximum\n"
+         "x,5,2,2,0,-2.2,0,4\n\ncovariance,x\nx,4\n\ncorrelation,x\nx,1\n\n"
+         "stream quantile,0.05,0.25,median,0.75,0.95\nx,0,0,2,4,4\n"},
+        {"stats --json --groups g --partial x/y", "g,x,y\nb,2,4\nb,0,0\na,2,4\na,0,0\na,1,2\n",
+         "{\"rows\": 5,\n \"columns\": [\n"
+         "  {\"name\": \"x\", \"nan\": 0, \"mean\": 1, \"standard deviation\": 1, \"skewness\": 0, \"kurtosis\": -2.2, "
+         "\"minimum\": 0, \"maximum\": 2},\n"
+         "  {\"name\": \"y\", \"nan\": 0, \"mean\": 2, \"standard deviation\": 2, \"skewness\": 0, \"kurtosis\": -2.2, "
+         "\"minimum\": 0, \"maximum\": 4}],\n"
+         " \"covariance\": [[1, 2], [2, 4]],\n \"correlation\": [[1, 1], [1, 1]],\n"
+         " \"group\": {\n  \"b\": {\"count\": 2, \"mean of x\": 1, \"mean of y\": 2},\n"
+         "  \"a\": {\"count\": 3, \"mean of x\": 1, \"mean of y\": 2}},\n"
+         " \"pooled covariance\": {\n  \"x\": {\"x\": 1.3333333333333333, \"y\": 2.6666666666666665},\n"
+         "  \"y\": {\"x\": 2.6666666666666665, \"y\": 5.333333333333333}},\n"
+         " \"partial covariance\": {\n  \"x\": {\"x\": 0}},\n"
+         " \"partial correlation\": {\n  \"x\": {\"x\": null}}}\n"},
+        {"sort --column b", "a,b\n1,3\n2,nan\n3,-1\n4,2.5\n", "b\n-1\n2.5\n3\nnan\n"},
+        {"sort", "3\n1\n2\n", "1\n2\n3\n"},
     };
     for (const auto& c : cases) {
         const Outcome outcome = orv(c.arguments, c.input);
@@ -153,6 +182,17 @@ TEST_F(Command, Refuses) {
         {"fit --x t --y v --sites 0", parabola, "--sites: a whole number from 1 to 10,000,000, or a file\n"},
         {"fit --x t --y v --integrate 1", parabola, "--integrate: 1 is not two numbers with a comma between them\n"},
 
+        {"draw gaussian --method none", "", "--method: none not in {box-muller,paired,inverse}\n"},
+        {"draw gamma --alpha 0", "", "--alpha must be above 0\n"},
+        {"draw cauchy --a inf", "", "--a must be a finite number\n"},
+        {"draw weibull --beta 1e39 --type s", "", "a parameter is too large for a float\n"},
+        {"draw weibull --alpha 1e-3 --histogram", "", "no histogram: its range is empty or not finite\n"},
+        {"draw geometric --p 1.5", "", "--p must be above 0 and at most 1\n"},
+        {"draw chi-square --v 2.5", "", "--v must be a whole number from 1 to 1e9\n"},
+        {"draw gaussian-mv --cov -", "4,2\n2,1\n", "-: not positive definite\n"},
+        {"draw gaussian-mv --cov -", "4,2\n1,1\n", "-: not symmetric in row 2, column 1\n"},
+        {"draw gaussian-mv --cov -", "4,2\n", "-: a covariance matrix has as many rows as columns\n"},
+        {"draw gaussian-mv --cov - --mean 1", "4,1\n1,1\n", "--mean wants as many numbers as --cov has columns\n"},
         {"draw sobol --dimension 41", "", "--dimension: Sobol has 40 here"},
         {"draw sobol --dimension 41 --brng SOBOL", "", "--dimension: Sobol has 40 here"},
         {"draw sobol --brng Sobl", "", "no sequence Sobl; did you mean Sobol? There are Sobol, Niederr\n"},
@@ -185,6 +225,13 @@ TEST_F(Command, Refuses) {
         {"stats --weights y", "x,y\n1,0\n", "<stdin>: the weights add up to 0\n"},
         {"stats --weights 1", "1\n", "<stdin>:1: no column left beside the weights\n"},
         {"stats", "x,y\n", "<stdin>: no rows of numbers\n"},
+        {"stats --groups g", "x,y\n1,2\n", "<stdin>:1: no column g"},
+        {"stats --partial x", "x,y\n1,2\n2,1\n", "--partial: 'x' is not A,B/C\n"},
+        {"stats --partial x/z", "x,y\n1,2\n2,1\n", "--partial: no column z\n"},
+        {"stats --partial x/y,x", "x,y\n1,2\n2,1\n", "--partial: column x stands on both sides\n"},
+        {"stats --quantiles 2", "x\n1\n", ""},
+        {"sort", "x,y\n1,2\n", "<stdin>:1: several columns: --column says which\n"},
+        {"sort --column z", "x,y\n1,2\n", "<stdin>:1: no column z"},
         {"stats", "", "<stdin>: no rows of numbers\n"},
 
         {"accuracy Nonsense", "", "no function of type d, Nonsense; "},
@@ -231,6 +278,7 @@ TEST_F(Command, Draws) {
         {"draw uniform --n 100",
          "",
          {"100 uniform numbers from PHILOX4X32X10, seed 1", "count in a bin of width 0.05"}},
+        {"draw beta --n 100", "", {"100 numbers, beta", "gnuplot_plot_2"}},
         {"draw sobol --n 300 --dimension 3", "", {"Sobol, 300 points", "PHILOX4X32X10, seed 1, 300 points"}},
     };
     for (const auto& c : cases) {

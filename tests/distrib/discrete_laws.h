@@ -104,4 +104,27 @@ inline DiscreteLaw poisson(int32_t method, double lambda) {
             [=](long double k) { return static_cast<long double>(lambda) / k; }};
 }
 
+inline DiscreteLaw hypergeometric(int32_t l, int32_t s, int32_t m) {
+    const long double marked = m, drawn = s, others = static_cast<long double>(l) - m;
+    const int64_t low = std::max<int64_t>(0, int64_t{s} + m - l), high = std::min(s, m);
+    const auto mode = static_cast<int64_t>((marked + 1) * (drawn + 1) / (static_cast<long double>(l) + 2));
+    return {"Hypergeometric " + std::to_string(l) + " " + std::to_string(s) + " " + std::to_string(m),
+            [=](Stream* stream, int32_t n, int32_t* r) { return _kuziRngHypergeometric(0, stream, n, r, l, s, m); },
+            low,
+            std::clamp(mode, low, high),
+            high,
+            [=](long double k) { return (marked - k + 1) * (drawn - k + 1) / (k * (others - drawn + k)); }};
+}
+
+inline DiscreteLaw negbinomial(double a, double p) {
+    const long double q = 1 - static_cast<long double>(p), shape = a;
+    const auto peak = static_cast<int64_t>((shape - 1) * q / static_cast<long double>(p));
+    return {"Negbinomial " + std::to_string(a) + " " + std::to_string(p),
+            [=](Stream* s, int32_t n, int32_t* r) { return _kuziRngNegbinomial(0, s, n, r, a, p); },
+            0,
+            std::max<int64_t>(0, peak),
+            INT32_MAX,
+            [=](long double k) { return (shape + k - 1) * q / k; }};
+}
+
 }  // namespace orv::test

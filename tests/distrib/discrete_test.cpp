@@ -37,6 +37,36 @@ std::vector<Fit> fits() {
                   {75, 0.4},  {76, 0.6},  {200, 0.4},    {200, 0.6},      {1000, 0.03},      {1000, 0.0299},
                   {100, 0.0}, {100, 1.0}, {100000, 0.5}, {100000, 0.999}, {INT32_MAX, 1e-9}, {INT32_MAX, 1e-7}};
     for (const auto& c : trials) all.push_back({binomial(c.n, c.p)});
+    const struct {
+        int32_t l, s, m;
+    } lots[] = {{50, 20, 10},
+                {50, 20, 40},
+                {50, 30, 10},
+                {50, 30, 40},
+                {50, 50, 10},
+                {50, 20, 0},
+                {10000, 5000, 1000},
+                {10000, 5000, 9000},
+                {10000, 6000, 1000},
+                {10000, 6000, 9000},
+                {1000, 390, 100},
+                {1000, 400, 101},
+                {1000, 410, 100},
+                {300, 150, 150},
+                {1000000, 300000, 500000},
+                {100000000, 1000000, 1000},
+                {INT32_MAX, 1000000, 100000},
+                {INT32_MAX, 100, INT32_MAX / 3},
+                {INT32_MAX, INT32_MAX / 2, 10000}};
+    for (const auto& c : lots) all.push_back({hypergeometric(c.l, c.s, c.m)});
+    all.push_back({hypergeometric(INT32_MAX, INT32_MAX / 2, INT32_MAX / 3), 64});
+    const struct {
+        double a, p;
+        int64_t spacing;
+    } waits[] = {{1, 0.5, 1},     {5, 0.3, 1},    {0.3, 0.1, 1}, {100, 0.02, 1}, {2, 0.0099, 1},
+                 {2, 0.0098, 1},  {1.5, 1e-3, 1}, {30, 0.2, 1},  {30, 0.22, 1},  {1e6, 0.9999, 1},
+                 {1e6, 0.999, 1}, {1e4, 0.5, 1},  {3, 1e-5, 1},  {1e6, 0.05, 2}};
+    for (const auto& c : waits) all.push_back({negbinomial(c.a, c.p), c.spacing});
     all.push_back({binomial(INT32_MAX, 0.4), 128});
     all.push_back({binomial(INT32_MAX, 0.99), 8});
     return all;
@@ -55,6 +85,23 @@ TEST(Discrete, HaveTheirProbabilities) {
             ++counts[cell_of(cells, k)];
         }
         EXPECT_LT(chi_square(counts, cells), 4) << fit.law.name;
+    }
+}
+
+// Great means of few successes spread too far to sum: closed forms of the distribution function, the last one that of the
+// gamma distribution, to which p = 4e-8 comes near.
+TEST(Discrete, NegbinomialOfGreatMeans) {
+    const struct {
+        double a, p;
+        std::function<double(double)> cdf;
+    } cases[] = {{1, 5e-8, [](double k) { return -std::expm1((k + 1) * std::log1p(-5e-8)); }},
+                 {2, 1e-7, [](double k) { return 1 - (1 + (k + 1) * 1e-7) * std::exp((k + 1) * std::log1p(-1e-7)); }},
+                 {0.5, 4e-8, [](double k) { return std::erf(std::sqrt((k + 0.25) * 4e-8)); }}};
+    for (const auto& c : cases) {
+        OwnedStream stream(BrngSFMT19937, {20260});
+        std::vector<int32_t> r(100000);
+        ASSERT_EQ(_kuziRngNegbinomial(0, stream, 100000, r.data(), c.a, c.p), StatusOk);
+        EXPECT_LT(kolmogorov(r, c.cdf), 2.23) << c.a;
     }
 }
 
@@ -159,7 +206,11 @@ std::vector<Kept> kept() {
     return {{poisson(PoissonRejection, 5), poisson(PoissonRejection, 5.5), 3, 696, 360},
             {poisson(PoissonRejection, 40), poisson(PoissonRejection, 41), 3, 696, 240},
             {binomial(10, 0.3), binomial(10, 0.7), 5, 544, 240},
-            {binomial(200, 0.4), binomial(201, 0.4), 5, 544, 240}};
+            {binomial(200, 0.4), binomial(201, 0.4), 5, 544, 240},
+            {hypergeometric(50, 20, 10), hypergeometric(51, 20, 10), 6, 136, 60},
+            {hypergeometric(10000, 5000, 1000), hypergeometric(10000, 5000, 1001), 6, 600, 240},
+            {negbinomial(5, 0.3), negbinomial(5.5, 0.3), 4, 1328, 240},
+            {negbinomial(100, 0.02), negbinomial(101, 0.02), 4, 1328, 240}};
 }
 
 std::vector<int32_t> numbers(const DiscreteLaw& law, Stream* stream, int32_t n) {

@@ -379,6 +379,16 @@ TYPED_TEST(SSRobust, StatusesAndMemory) {
         return Robust<TypeParam>::covariance(study.task, estimates, method, services);
     };
     const auto outliers = [&] { return Robust<TypeParam>::outliers(study.task, ORV_SS_OUTLIERS, 0, services); };
+    // A weight that hardly falls, and one that hardly stays: the plain covariance, and one of a few.
+    ASSERT_EQ(study.run(ORV_SS_COV, BasicOnePass), 0);
+    study.params = {TypeParam(1e-9), TypeParam(1e-30), TypeParam(1e-9), 100};
+    study.set();
+    ASSERT_EQ(covariance(), 0);
+    EXPECT_NEAR(study.scattered(0, 0) / study.element(study.cov, 0, 0), 1, 0.01);
+    study.params[0] = TypeParam(0.5), study.params[1] = TypeParam(0.999999);
+    study.set();
+    ASSERT_EQ(covariance(), 0);
+    study.set();
     EXPECT_EQ(covariance(0), SSStatusMethod);
     EXPECT_EQ(covariance(3), SSStatusMethod);
     EXPECT_EQ(covariance(RobustTBS, uint64_t{1} << 60), SSStatusEstimates);

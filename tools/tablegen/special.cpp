@@ -37,13 +37,31 @@ void expansion_row(Table& table, const std::vector<Real>& c) {
                to_double(c[4]), to_double(c[5]), to_double(c[6]), to_double(c[7]), to_double(c[8])});
 }
 
-// 32 rows for each power of two from 2^first to below 2^(last + 1).
-void expansions(Table& table, int first, int last, const F& f) {
+// The middle and the half width of the 32 intervals of each power of two from 2^first to below 2^(last + 1).
+void for_intervals(int first, int last, const std::function<void(const Real& c, const Real& h)>& row) {
     for (int exponent = first; exponent <= last; ++exponent)
         for (int j = 0; j < 32; ++j) {
             const Real unit = exp2(Real(exponent));
-            expansion_row(table, fit(f, unit * (Real(1) + Real(j + 0.5) / Real(32)), unit / Real(64), 8));
+            row(unit * (Real(1) + Real(j + 0.5) / Real(32)), unit / Real(64));
         }
+}
+void expansions(Table& table, int first, int last, const F& f) {
+    for_intervals(first, last, [&](const Real& c, const Real& h) { expansion_row(table, fit(f, c, h, 8)); });
+}
+// And for results of fewer digits: coefficients up to the fifth power, none of them in parts.
+void short_expansions(Table& table, int first, int last, const F& f) {
+    for_intervals(first, last, [&](const Real& at, const Real& h) {
+        const std::vector<Real> c = fit(f, at, h, 5);
+        table.row(
+            {to_double(c[0]), to_double(c[1]), to_double(c[2]), to_double(c[3]), to_double(c[4]), to_double(c[5])});
+    });
+}
+// Both of a function.
+void both_expansions(const Output& output, const std::string& name, int first, int last, const F& f) {
+    Table table(output, name, "the expansion's constant term high and low, then its coefficients");
+    expansions(table, first, last, f);
+    Table short_table(output, name + "_short", "the coefficients of a short expansion");
+    short_expansions(short_table, first, last, f);
 }
 
 // ---- Inverse error functions -----------------------------------------------------------------------------------------
@@ -61,11 +79,20 @@ Real two_over_root_pi() { return Real(2) / sqrt(pi()); }
 Real erf_inverse(const Real& v) {
     return zero_from(v, [&](const Real& y) { return (erf(y) - v) / (two_over_root_pi() * exp(-(y * y))); });
 }
+// e^(x^2) erfc(x); from 8 on by Laplace's continued fraction, 1 / (x + (1/2) / (x + (2/2) / (x + ...))) / sqrt pi, whose n
+// terms leave e^(-2 x sqrt(2 n)) or so.
+Real scaled_erfc(const Real& x) {
+    const double size = to_double(x);
+    if (size < 8) return exp(x * x) * erfc(x);
+    Real tail = x;
+    for (int n = 30 + static_cast<int>(6000 / (size * size)); n > 0; --n) tail = x + Real(n) / Real(2) / tail;
+    return Real(1) / (tail * sqrt(pi()));
+}
 // The y with erfc(y) = e^-l.
 Real erfc_inverse_of_log(const Real& l) {
     return zero_from(sqrt(l), [&](const Real& y) {
-        const Real value = erfc(y);
-        return -((log(value) + l) * value / (two_over_root_pi() * exp(-(y * y))));
+        const Real value = scaled_erfc(y);
+        return -((log(value) - y * y + l) * value / two_over_root_pi());
     });
 }
 
@@ -99,22 +126,14 @@ void erf_rows(const Output& output) {
 }
 // In t = x + 1: e^(x^2) erfc x, and e^(x^2/2) of the lower tail of the normal distribution at -x.
 void scaled_tails(const Output& output) {
-    Table erfcx(output, "erfcx", "the expansion's constant term high and low, then its coefficients");
-    expansions(erfcx, 0, 4, [](const Real& t) {
-        const Real x = t - Real(1);
-        return exp(x * x) * erfc(x);
-    });
-    Table normal(output, "cdf_norm_scaled", "the expansion's constant term high and low, then its coefficients");
-    expansions(normal, 0, 5, [](const Real& t) {
-        const Real x = (t - Real(1)) / sqrt(Real(2));
-        return exp(x * x) * erfc(x) / Real(2);
-    });
+    both_expansions(output, "erfcx", 0, 4, [](const Real& t) { return scaled_erfc(t - Real(1)); });
+    both_expansions(output, "cdf_norm_scaled", 0, 5,
+                    [](const Real& t) { return scaled_erfc((t - Real(1)) / sqrt(Real(2))) / Real(2); });
 }
 
 // In x: e^x E1(x).
 void exp_int(const Output& output) {
-    Table table(output, "exp_int", "the expansion's constant term high and low, then its coefficients");
-    expansions(table, -4, 9, [](const Real& x) {
+    both_expansions(output, "exp_int", -4, 9, [](const Real& x) {
         Real value = -x;
         mpfr_eint(value.value, value.value, MPFR_RNDN);
         return -(value * exp(x));

@@ -10,9 +10,9 @@ namespace {
 
 using Pair = simd::Lanes<double>::V;
 
-// Observations of a block: the deviations of 20 components fill half of a second-level cache. The blocks' limits do not depend
-// on the threads, so that results do not either.
-constexpr int32_t block_length = 512;
+// Observations of a block, whose deviations stay in a second-level cache. Not a power of two, which would have the components
+// share a few sets of it. The blocks' limits do not depend on the threads, so that results do not either.
+constexpr int32_t block_length = 504;
 
 // A block lies as its observations do: by rows with a component's deviations contiguous, else with an observation's.
 template <class T>

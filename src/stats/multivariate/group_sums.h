@@ -11,6 +11,7 @@
 // (1983).
 #pragma once
 
+#include "simd/lanes.h"
 #include "stats/dense.h"
 #include "stats/multivariate/components.h"
 
@@ -76,6 +77,7 @@ inline void join(const Grouping& by, const GroupSums& into, int32_t k, double w,
 // A thread's room for one block of `length` observations.
 struct Block {
     int32_t length;   // even
+    int32_t stride;   // of the components: not a power of two, which would have them share a few sets of the cache
     double* packed;   // a component after the other
     double* weights;  // and their roots; not used without weights
     double* roots;
@@ -84,13 +86,14 @@ struct Block {
     int32_t* order;   // the observations, group by group
     int32_t* starts;  // of the groups in that; one more for the end
 
+    static int32_t stride_of(int32_t length) { return length + 8; }
     static uint64_t bytes(const Grouping& by, int32_t length) {
-        return sizeof(double) * (uint64_t(length) * (by.row() + 2) + 2 * by.row()) +
+        return sizeof(double) * (uint64_t(stride_of(length)) * by.row() + 2 * uint64_t(length) + 2 * by.row()) +
                sizeof(int32_t) * (uint64_t(length) + by.groups + 2);
     }
     static Block at(void* memory, const Grouping& by, int32_t length) {
-        Block block{length, static_cast<double*>(memory), {}, {}, {}, {}, {}, {}};
-        block.weights = block.packed + length * by.row();
+        Block block{length, stride_of(length), static_cast<double*>(memory), {}, {}, {}, {}, {}, {}};
+        block.weights = block.packed + block.stride * by.row();
         block.roots = block.weights + length;
         block.mean = block.roots + length;
         block.spare = block.mean + by.row();
@@ -123,14 +126,14 @@ void pack(const Grouping& by, const Block& block, int32_t count) {
         if (data.by_rows) {
             for (int32_t a = 0; a < q && first < last; ++a) {
                 const T* x = data.component<T>(by.chosen[a]).first;
-                double* to = block.packed + ptrdiff_t{a} * block.length;
+                double* to = block.packed + ptrdiff_t{a} * block.stride;
                 for (int32_t t = first; t < last; ++t) to[t] = static_cast<double>(x[block.order[t]]) - shift[a];
             }
         } else {
             for (int32_t t = first; t < last; ++t) {
                 const T* x = data.observation<T>(block.order[t]).first;
                 double* to = block.packed + t;
-                for (int32_t a = 0; a < q; ++a, to += block.length)
+                for (int32_t a = 0; a < q; ++a, to += block.stride)
                     *to = static_cast<double>(x[by.chosen[a]]) - shift[a];
             }
         }
@@ -141,6 +144,8 @@ void pack(const Grouping& by, const Block& block, int32_t count) {
         block.roots[t] = std::sqrt(block.weights[t]);
     }
 }
+
+using Pair = simd::Lanes<double>::V;
 
 // Takes up one group's segment [first, last) of a packed block: deviations from its mean, times the roots of the weights, take the
 // place of the observations.
@@ -160,18 +165,27 @@ void add_segment(const Grouping& by, const Block& block, const GroupSums& sums, 
     }
     if (w == 0) return;
     for (int32_t a = 0; a < q; ++a) {
-        double* x = block.packed + ptrdiff_t{a} * block.length + first;
-        double sum[4] = {};
+        double* x = block.packed + ptrdiff_t{a} * block.stride + first;
+        const auto weighed = [&](Pair value, const double* factor) {
+            if constexpr (weighted) value *= simd::load(factor);
+            return value;
+        };
+        Pair even{}, odd{};
         int32_t t = 0;
-        for (; t + 4 <= count; t += 4)
-            for (int lane = 0; lane < 4; ++lane) sum[lane] += weighted ? weights[t + lane] * x[t + lane] : x[t + lane];
-        for (; t < count; ++t) sum[0] += weighted ? weights[t] * x[t] : x[t];
-        const double mean = ((sum[0] + sum[1]) + (sum[2] + sum[3])) / w;
+        for (; t + 4 <= count; t += 4) {
+            even += weighed(simd::load(x + t), weights + t);
+            odd += weighed(simd::load(x + t + 2), weights + t + 2);
+        }
+        double sum = simd::sum_of_lanes(even + odd);
+        for (; t < count; ++t) sum += weighted ? weights[t] * x[t] : x[t];
+        const double mean = sum / w;
+        const Pair centre = simd::splat(mean);
+        for (t = 0; t + 2 <= count; t += 2) simd::store(x + t, weighed(simd::load(x + t) - centre, roots + t));
+        if (t < count) x[t] = weighted ? (x[t] - mean) * roots[t] : x[t] - mean;
         block.mean[a] = mean;
-        for (t = 0; t < count; ++t) x[t] = weighted ? (x[t] - mean) * roots[t] : x[t] - mean;
     }
     const double one = 1;
-    Dense<double>::syrk("u", "t", &q, &count, &one, block.packed + first, &block.length, &one, sums.cross_of(k, by),
+    Dense<double>::syrk("u", "t", &q, &count, &one, block.packed + first, &block.stride, &one, sums.cross_of(k, by),
                         &q);
     join(by, sums, k, w, w2, block.mean, block.spare);
 }

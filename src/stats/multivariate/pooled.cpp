@@ -159,6 +159,7 @@ int32_t pooled(SSTask* task, uint64_t estimates, uint64_t method, const orv_serv
     const Scratch numbers(sizeof(int32_t) * uint64_t(data.p));
     if (!numbers.block) return SSStatusAllocation;
     Grouping by{data, taking_part(data, static_cast<int32_t*>(numbers.block)), groups, task->pooledCov != nullptr, {}};
+    if (by.chosen.count >> 14) return SSStatusAllocation;  // a matrix of theirs is beyond this address space
     const uint64_t shifts = uint64_t(groups) * by.row();
     const uint64_t sums = GroupSums::doubles(by) * span_count(data.n, groups);
     if (by.chosen.count == 0) return SSStatusOk;

@@ -41,11 +41,15 @@ void copy_fit(const Sample& sample, const Fit& from, Fit& to) {
     to.log_det = from.log_det;
 }
 
+// A few components may have more parts, and take more room, than many.
 uint64_t sums_bytes(const Data& data) {
-    Sample most;
-    most.n = data.n;
-    const uint64_t parts = part_count(most), order = static_cast<uint64_t>(data.p) + 1;
-    return room_for(parts * order * order) + room_for(parts * order * block_observations);
+    uint64_t most = 0;
+    for (int32_t q = 1; q <= data.p; ++q) {
+        const uint64_t parts = static_cast<uint64_t>(part_count(data.n, q)), order = static_cast<uint64_t>(q) + 1;
+        const uint64_t bytes = room_for(parts * order * order) + room_for(parts * order * block_observations);
+        if (bytes > most) most = bytes;
+    }
+    return most;
 }
 
 Sums take_sums(const Sample& sample, Room& room) {

@@ -18,7 +18,8 @@ int32_t read_params(const SSTask* task, RobustParams& params) {
     if (read_integer(task->robustParamCount, task->wideInts) != 4) return SSStatusRobustParamCount;
     const T* given = static_cast<const T*>(task->robustParams);
     const double breakdown = given[0], rejection = given[1], tolerance = given[2], iterations = given[3];
-    if (!(breakdown > 0 && breakdown <= 0.5 && rejection > 0 && rejection < 1 && tolerance >= 0 && iterations >= 1))
+    if (!(breakdown >= double{1e-9f} && breakdown <= 0.5 && rejection > 0 && rejection < 1 && tolerance >= 0 &&
+          iterations >= 1))
         return SSStatusRobustParams;
     params = {breakdown, rejection, tolerance, iterations < INT_MAX ? static_cast<int32_t>(iterations) : INT_MAX};
     return SSStatusOk;

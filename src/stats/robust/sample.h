@@ -28,13 +28,18 @@ template <class T>
 int32_t take_sample(const Data& data, const orv_services* services, Room& room, Sample& sample);
 
 // Sums over the observations are formed part by part, each part by one thread, and joined in the order of the parts: the parts
-// depend on n alone, so results do not depend on the number of threads.
+// depend on n and q alone, so results do not depend on the number of threads. The matrices of all parts stay within 32 MB, if
+// they are more than one.
 inline constexpr int32_t most_parts = 64, least_part = 256;
 
-inline int32_t part_count(const Sample& sample) {
-    const int32_t parts = sample.n / least_part;
-    return parts < 1 ? 1 : parts > most_parts ? most_parts : parts;
+inline int32_t part_count(int32_t n, int32_t q) {
+    const int64_t room = (int64_t{1} << 22) / ((int64_t{q} + 1) * (int64_t{q} + 1));
+    int64_t parts = n / least_part;
+    if (parts > most_parts) parts = most_parts;
+    if (parts > room) parts = room;
+    return parts < 1 ? 1 : static_cast<int32_t>(parts);
 }
+inline int32_t part_count(const Sample& sample) { return part_count(sample.n, sample.q); }
 
 // work(part, first, last) for every part. `weight` is the multiplications per observation.
 template <class Work>

@@ -11,19 +11,25 @@ struct ExpIntBlock {
     alignas(16) ExpansionRow rows[448] = {
 #include "vecmath/tables/exp_int.inc"
     };
+    alignas(16) ShortRow short_rows[448] = {
+#include "vecmath/tables/exp_int_short.inc"
+    };
 };
 inline constexpr ExpIntBlock exp_int_block;
 
-template <int Pairs, bool TwoParts>
 inline Decayed exp_int(__m128d x) {
-    const Expanded f = expand<-4, Pairs>(exp_int_block.rows, x, x - expansion_centre(x));
-    return decay<TwoParts>(x, _mm_setzero_pd(), f);
+    const Expanded f = expand<-4, 4>(exp_int_block.rows, x, x - expansion_centre(x));
+    return decay(x, _mm_setzero_pd(), f);
 }
-template <int Pairs, bool TwoParts>
+// For doubles of the highest accuracy with no `Pairs`, otherwise in one part.
+template <int Pairs = 0>
 inline __m128d exp_int_lanes(__m128d x) {
-    const Decayed y = exp_int<Pairs, TwoParts>(x);
-    if constexpr (!TwoParts) return y.high * y.scale();
-    return (y.high + y.low) * y.scale();
+    if constexpr (Pairs > 0) {
+        return short_decay(x, expand_short<-4, Pairs>(exp_int_block.short_rows, x, x - expansion_centre(x)));
+    } else {
+        const Decayed y = exp_int(x);
+        return (y.high + y.low) * decay_scale(y.shifted);
+    }
 }
 
 inline long double exp_int_series(long double x) {
@@ -34,7 +40,7 @@ inline long double exp_int_series(long double x) {
 }
 
 // Underflow is said where `Underflow`.
-template <int Pairs, bool TwoParts, bool Underflow, class T>
+template <bool Underflow, class T>
 inline int32_t exp_int_scalar(T x, T* y) {
     if (is_nan(x)) {
         *y = quiet(x);
@@ -58,7 +64,7 @@ inline int32_t exp_int_scalar(T x, T* y) {
         return frame::status_ok;
     }
     const double d = x;
-    *y = rounded_once<T>(exp_int<Pairs, TwoParts>(simd::splat(d < 800 ? d : 800.0)));
+    *y = rounded_once<T>(exp_int(simd::splat(d < 800 ? d : 800.0)));
     return Underflow && *y < std::numeric_limits<T>::min() ? frame::status_underflow : frame::status_ok;
 }
 

@@ -17,12 +17,12 @@ struct ExpInt : frame::OneInput<float, 8, frame::Tail::masked> {
         return simd::floats(_mm_or_si128(_mm_cmpgt_epi32(first, bits), _mm_cmpgt_epi32(bits, last)));
     }
     static __m128 lanes(__m128 x) {
-        return vecmath::in_double(x, [](__m128d d) { return vecmath::exp_int_lanes<Pairs, false>(d); });
+        return vecmath::in_double(x, [](__m128d d) { return vecmath::exp_int_lanes<Pairs>(d); });
     }
-    static int32_t scalar(const float* x, float* y) { return vecmath::exp_int_scalar<Pairs, false, true>(*x, y); }
+    static int32_t scalar(const float* x, float* y) { return vecmath::exp_int_scalar<true>(*x, y); }
 };
 
 }  // namespace
 
-ORV_ONE_INPUT(sExpInt1, la, ExpInt<2>)
+ORV_ONE_INPUT(sExpInt1, la, ExpInt<3>)
 ORV_ONE_INPUT(sExpInt1, ep, ExpInt<1>)

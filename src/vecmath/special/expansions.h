@@ -13,6 +13,8 @@
 namespace orv::vecmath {
 
 using ExpansionRow = double[10];
+// For results of fewer digits: c0 in one part, coefficients up to the fifth power.
+using ShortRow = double[6];
 
 struct ExpansionBits {
     simd::SplatBits<uint64_t> row{0xFFFF800000000000}, half_row{0x0000400000000000};
@@ -31,29 +33,52 @@ struct Expanded {
     __m128d high, low;
 };
 
-// f of c + d for the intervals of t, the first row being that of 2^First; with `Pairs` pairs of coefficients.
-template <int First, int Pairs, size_t Width>
-inline Expanded expand(const double (*rows)[Width], __m128d t, __m128d d) {
-    constexpr uint32_t first = uint32_t{1023 + First} << 5;
-    const simd::Indices<2> at(_mm_srli_epi64(simd::bits_of(t), 47));
-    const double* row0 = rows[at.lane[0] - first];
-    const double* row1 = rows[at.lane[1] - first];
-    const auto pair = [&](int k, __m128d& a, __m128d& b) {
+// The rows of both lanes of t, the first row being that of 2^First.
+template <int First, size_t Width>
+struct RowsOf {
+    const double *row0, *row1;
+    RowsOf(const double (*rows)[Width], __m128d t) {
+        constexpr uint32_t first = uint32_t{1023 + First} << 5;
+        const simd::Indices<2> at(_mm_srli_epi64(simd::bits_of(t), 47));
+        row0 = rows[at.lane[0] - first];
+        row1 = rows[at.lane[1] - first];
+    }
+    void pair(int k, __m128d& a, __m128d& b) const {
         const __m128d from0 = _mm_load_pd(row0 + 2 * k), from1 = _mm_load_pd(row1 + 2 * k);
         a = _mm_unpacklo_pd(from0, from1);
         b = _mm_unpackhi_pd(from0, from1);
-    };
+    }
+};
+
+// f of c + d for the intervals of t; with `Pairs` pairs of coefficients.
+template <int First, int Pairs, size_t Width>
+inline Expanded expand(const double (*rows)[Width], __m128d t, __m128d d) {
+    const RowsOf<First, Width> row(rows, t);
     __m128d high, low, a, b;
-    pair(0, high, low);
-    pair(Pairs, a, b);
+    row.pair(0, high, low);
+    row.pair(Pairs, a, b);
     __m128d sum = a + b * d;
     const __m128d square = d * d;
 #pragma GCC unroll 4
     for (int k = Pairs - 1; k > 0; --k) {
-        pair(k, a, b);
+        row.pair(k, a, b);
         sum = (a + b * d) + square * sum;
     }
     return {high, low + d * sum};
+}
+template <int First, int Pairs>
+inline __m128d expand_short(const ShortRow* rows, __m128d t, __m128d d) {
+    const RowsOf<First, 6> row(rows, t);
+    __m128d a, b;
+    row.pair(Pairs - 1, a, b);
+    __m128d sum = a + b * d;
+    const __m128d square = d * d;
+#pragma GCC unroll 2
+    for (int k = Pairs - 2; k >= 0; --k) {
+        row.pair(k, a, b);
+        sum = (a + b * d) + square * sum;
+    }
+    return sum;
 }
 
 // The same for one number, in extended precision.

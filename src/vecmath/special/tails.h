@@ -14,6 +14,9 @@ struct ErfcTail {
     alignas(16) static constexpr ExpansionRow rows[160] = {
 #include "vecmath/tables/erfcx.inc"
     };
+    alignas(16) static constexpr ShortRow short_rows[160] = {
+#include "vecmath/tables/erfcx_short.inc"
+    };
 };
 struct NormalTail {
     static constexpr int sign = -1;
@@ -21,40 +24,57 @@ struct NormalTail {
     alignas(16) static constexpr ExpansionRow rows[192] = {
 #include "vecmath/tables/cdf_norm_scaled.inc"
     };
+    alignas(16) static constexpr ShortRow short_rows[192] = {
+#include "vecmath/tables/cdf_norm_scaled_short.inc"
+    };
 };
 
 // F(|x|) e^(-z).
-template <class Tail, int Pairs, bool TwoParts>
+template <class Tail>
 inline Decayed falling(__m128d magnitude) {
     const __m128d one = simd::splat(1.0), half = simd::splat(Tail::half);
     const __m128d t = magnitude + one;
-    const Expanded f = expand<0, Pairs>(Tail::rows, t, magnitude - (expansion_centre(t) - one));
+    const Expanded f = expand<0, 4>(Tail::rows, t, magnitude - (expansion_centre(t) - one));
     const __m128d leading = upper_26(magnitude);
     const __m128d z_low = (magnitude - leading) * (magnitude + leading);
-    return decay<TwoParts>(leading * leading * half, z_low * half, f);
+    return decay(leading * leading * half, z_low * half, f);
+}
+// The same in one part, with so many pairs of coefficients.
+template <class Tail, int Pairs>
+inline __m128d short_falling(__m128d magnitude) {
+    const __m128d one = simd::splat(1.0);
+    const __m128d t = magnitude + one;
+    const __m128d f = expand_short<0, Pairs>(Tail::short_rows, t, magnitude - (expansion_centre(t) - one));
+    __m128d z = magnitude * magnitude;
+    if constexpr (Tail::half != 1.0) z = z * simd::splat(Tail::half);
+    return short_decay(z, f);
 }
 
-// True in the lanes, by sign bits, where x lies on the side that rises to `whole`.
+// The signs of x, turned about where the function falls to the left: set on the side that rises to `whole`.
 template <class Tail>
 inline __m128d rising_side(__m128d x) {
     return Tail::sign > 0 ? x : simd::bit_xor(x, simd::splat(-0.0));
 }
 
-template <class Tail, int Pairs, bool TwoParts>
+// For doubles of the highest accuracy with no `Pairs`, otherwise in one part.
+template <class Tail, int Pairs = 0>
 inline __m128d tail_lanes(__m128d x) {
     const __m128d magnitude = simd::least(simd::magnitude(x), simd::splat(Tail::last_vector));
-    const Decayed y = falling<Tail, Pairs, TwoParts>(magnitude);
     const __m128d turned = simd::sign_of(rising_side<Tail>(x));
     const __m128d base = simd::select_by_sign(turned, simd::splat(Tail::whole), _mm_setzero_pd());
-    const __m128d scale = simd::bit_or(y.scale(), turned);
-    const __m128d high = y.high * scale;
-    const __m128d sum = base + high;
-    if constexpr (!TwoParts) return sum;
-    return sum + (((base - sum) + high) + y.low * scale);
+    if constexpr (Pairs > 0) {
+        return base + simd::bit_or(short_falling<Tail, Pairs>(magnitude), turned);
+    } else {
+        const Decayed y = falling<Tail>(magnitude);
+        const __m128d scale = simd::bit_or(decay_scale(y.shifted), turned);
+        const __m128d high = y.high * scale;
+        const __m128d sum = base + high;
+        return sum + (((base - sum) + high) + y.low * scale);
+    }
 }
 
 // Any element; results on the falling side are rounded once.
-template <class Tail, int Pairs, bool TwoParts, class T>
+template <class Tail, class T>
 inline int32_t tail_scalar(T x, T* y) {
     if (is_nan(x)) {
         *y = quiet(x);
@@ -62,7 +82,7 @@ inline int32_t tail_scalar(T x, T* y) {
     }
     const double d = x;
     if ((Tail::sign > 0) == (d < 0)) {
-        *y = static_cast<T>(_mm_cvtsd_f64(tail_lanes<Tail, Pairs, TwoParts>(simd::splat(d))));
+        *y = static_cast<T>(_mm_cvtsd_f64(tail_lanes<Tail>(simd::splat(d))));
         return frame::status_ok;
     }
     if (!is_finite(x)) {
@@ -70,8 +90,7 @@ inline int32_t tail_scalar(T x, T* y) {
         return frame::status_ok;
     }
     const double magnitude = __builtin_fabs(d);
-    *y = rounded_once<T>(
-        falling<Tail, Pairs, TwoParts>(simd::splat(magnitude < Tail::beyond_zero ? magnitude : Tail::beyond_zero)));
+    *y = rounded_once<T>(falling<Tail>(simd::splat(magnitude < Tail::beyond_zero ? magnitude : Tail::beyond_zero)));
     return *y < std::numeric_limits<T>::min() ? frame::status_underflow : frame::status_ok;
 }
 

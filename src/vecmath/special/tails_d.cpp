@@ -7,7 +7,7 @@ namespace {
 using namespace orv;
 using simd::SplatBits;
 
-template <class Tail, int Pairs, bool TwoParts>
+template <class Tail, int Pairs = 0>
 struct TailD : frame::OneInput<double, 4, frame::Tail::masked> {
     static constexpr SplatBits<uint32_t> limit{static_cast<uint32_t>(std::bit_cast<uint64_t>(Tail::last_vector) >> 32) -
                                                1};
@@ -19,13 +19,13 @@ struct TailD : frame::OneInput<double, 4, frame::Tail::masked> {
         return simd::doubles(
             _mm_or_si128(_mm_cmpgt_epi32(turned, limit), _mm_cmpgt_epi32(_mm_and_si128(bits, magnitude), greatest)));
     }
-    static __m128d lanes(__m128d x) { return vecmath::tail_lanes<Tail, Pairs, TwoParts>(x); }
-    static int32_t scalar(const double* x, double* y) { return vecmath::tail_scalar<Tail, Pairs, TwoParts>(*x, y); }
+    static __m128d lanes(__m128d x) { return vecmath::tail_lanes<Tail, Pairs>(x); }
+    static int32_t scalar(const double* x, double* y) { return vecmath::tail_scalar<Tail>(*x, y); }
 };
 
-using Erfc = TailD<vecmath::ErfcTail, 4, true>;
-using CdfNorm = TailD<vecmath::NormalTail, 4, true>;
-using CdfNormEp = TailD<vecmath::NormalTail, 2, false>;
+using Erfc = TailD<vecmath::ErfcTail>;
+using CdfNorm = TailD<vecmath::NormalTail>;
+using CdfNormEp = TailD<vecmath::NormalTail, 3>;
 
 }  // namespace
 

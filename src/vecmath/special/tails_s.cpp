@@ -22,22 +22,21 @@ struct TailS : frame::OneInput<float, 8, frame::Tail::masked> {
             _mm_or_si128(_mm_cmpgt_epi32(turned, limit), _mm_cmpgt_epi32(_mm_and_si128(bits, magnitude), greatest)));
     }
     static __m128 lanes(__m128 x) {
-        return vecmath::in_double(x, [](__m128d d) { return vecmath::tail_lanes<Tail, Pairs, false>(d); });
+        return vecmath::in_double(x, [](__m128d d) { return vecmath::tail_lanes<Tail, Pairs>(d); });
     }
-    static int32_t scalar(const float* x, float* y) { return vecmath::tail_scalar<Tail, Pairs, false>(*x, y); }
+    static int32_t scalar(const float* x, float* y) { return vecmath::tail_scalar<Tail>(*x, y); }
 };
 
-using Erfc = TailS<vecmath::ErfcTail, 2>;
-using ErfcAccurate = TailS<vecmath::ErfcTail, 3>;
-using ErfcEp = TailS<vecmath::ErfcTail, 1>;
-using CdfNorm = TailS<vecmath::NormalTail, 2>;
-using CdfNormEp = TailS<vecmath::NormalTail, 1>;
+template <int Pairs>
+using Erfc = TailS<vecmath::ErfcTail, Pairs>;
+template <int Pairs>
+using CdfNorm = TailS<vecmath::NormalTail, Pairs>;
 
 }  // namespace
 
-ORV_ONE_INPUT(sErfc, la, Erfc)
-ORV_ONE_INPUT(sErfc, ha, ErfcAccurate)
-ORV_ONE_INPUT(sErfc, ep, ErfcEp)
-ORV_ONE_INPUT(sCdfNorm, la, CdfNorm)
-ORV_ONE_INPUT(sCdfNorm, ha, CdfNorm)
-ORV_ONE_INPUT(sCdfNorm, ep, CdfNormEp)
+ORV_ONE_INPUT(sErfc, la, Erfc<3>)
+ORV_ONE_INPUT(sErfc, ha, Erfc<3>)
+ORV_ONE_INPUT(sErfc, ep, Erfc<1>)
+ORV_ONE_INPUT(sCdfNorm, la, CdfNorm<3>)
+ORV_ONE_INPUT(sCdfNorm, ha, CdfNorm<3>)
+ORV_ONE_INPUT(sCdfNorm, ep, CdfNorm<1>)

@@ -1,0 +1,48 @@
+// What `orv stats` shows beside moments and matrices: tables of numbers with names at their sides.
+#pragma once
+
+#include <orv/statistics.h>
+
+#include <string>
+#include <vector>
+
+namespace orv::command {
+
+struct Section {
+    std::string title;
+    std::vector<std::string> rows, columns;
+    std::vector<double> values;  // row by row
+};
+
+void append_section(std::string& text, const Section& section, bool csv);
+
+// As one member more of an object: ,"title": {"row": {"column": value, ...}, ...}
+void append_json_section(std::string& text, const Section& section);
+
+// The columns of the file in memory, row after row.
+struct HeldData {
+    const std::vector<std::string>& names;
+    std::vector<double> x, w;           // w is empty where each weight is 1
+    std::vector<int32_t> group;         // of each row; empty without groups
+    std::vector<std::string> groups{};  // their names
+};
+
+// The quantiles of each column; that of order 1/2 is called the median.
+Section quantiles(const HeldData& data, const std::vector<double>& orders, const orv_services* services);
+
+// Median, median absolute deviation and mean absolute deviation from the median of each column.
+Section deviations(const HeldData& data, const orv_services* services);
+
+// Count and means of each group, and the covariance about those.
+std::vector<Section> pooled(const HeldData& data, const orv_services* services);
+
+// The covariance and the correlation of some columns given others, from the covariance of all. `wanted` is A,B/C: A and B given C.
+std::vector<Section> partial(const std::string& wanted, const std::vector<std::string>& names,
+                             const std::vector<double>& covariance);
+
+std::vector<std::string> order_names(const std::vector<double>& orders);
+
+// Ends the command where a kernel did not return 0.
+void check_statistics(int32_t status);
+
+}  // namespace orv::command
