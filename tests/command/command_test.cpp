@@ -82,6 +82,9 @@ TEST_F(Command, BenchMeasures) {
     ASSERT_EQ(std::sscanf(outcome.out.c_str(), "function,type,LA,HA,EP Exp,d,%lf,%lf,%lf", &la, &ha, &ep), 3)
         << outcome.out << outcome.err;
     EXPECT_GT(std::min({la, ha, ep}), 0.05);
+    const std::string complex = orv("bench Conj --n 1e2 --csv").out;
+    EXPECT_NE(complex.find("\nConj,c,"), std::string::npos) << complex;
+    EXPECT_NE(complex.find("\nConj,z,"), std::string::npos) << complex;
 }
 
 // The pages are well formed, and name what --help does.
