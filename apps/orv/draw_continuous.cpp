@@ -208,8 +208,8 @@ void check(const Parameter& parameter, double value) {
     if (!std::isfinite(value)) fail(name + " must be a finite number");
     if (parameter.range == Range::positive && value <= 0) fail(name + " must be above 0");
     if (parameter.range == Range::share && (value <= 0 || value > 1)) fail(name + " must be above 0 and at most 1");
-    if (parameter.range == Range::count && (value < 1 || value > INT32_MAX || value != std::floor(value)))
-        fail(name + " must be a whole number of at least 1");
+    if (parameter.range == Range::count && (value < 1 || value > 1e9 || value != std::floor(value)))
+        fail(name + " must be a whole number from 1 to 1e9");
 }
 
 int32_t method_number(const Distribution& distribution, const std::string& name) {
@@ -226,6 +226,8 @@ void draw(const Distribution& distribution, const Request& request) {
         if (request.type == 's' && !std::isfinite(value)) fail("a parameter is too large for a float");
     const int32_t method = method_number(distribution, request.method);
     const auto [from, to] = distribution.span(p);
+    const bool pictured = request.common.histogram || !request.common.plot.empty();
+    if (pictured && !(from < to && std::isfinite(to - from))) fail("no histogram: its range is empty or not finite");
     Receiver receiver(request.common);
     const StreamHandle handle = stream_for(request.common);
     Stream* const stream = handle.get();

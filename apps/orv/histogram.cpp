@@ -17,20 +17,34 @@ double edge(const Histogram& histogram, size_t bin) {
     return histogram.from + (histogram.to - histogram.from) * share;
 }
 
-// The density as counts of a bin, at so many places.
+// What the bins should count: of integers a step for each bin, otherwise the density in the units of the picture.
 std::string curve(const Histogram& histogram, double shift) {
-    constexpr size_t places = 800;
     int64_t all = histogram.outside;
     for (const int64_t bin : histogram.counts) all += bin;
-    const double width = histogram.to - histogram.from;
-    const double bin_count = static_cast<double>(all) * width / static_cast<double>(histogram.counts.size());
     std::string points;
+    const auto point = [&](double x, double expected) {
+        append_number(points, x + shift);
+        append_number(points += ' ', static_cast<double>(all) * expected);
+        points += '\n';
+    };
+    if (histogram.whole) {
+        for (size_t bin = 0; bin < histogram.counts.size(); ++bin) {
+            double share = 0;
+            // Of a wide bin a thousand integers speak for their neighbours.
+            const double from = edge(histogram, bin), to = edge(histogram, bin + 1);
+            const double step = std::max(1.0, std::floor((to - from) / 1000));
+            for (double k = from; k < to - 0.5; k += step) share += step * histogram.density(k + std::floor(step / 2));
+            point(from, share);
+            point(to, share);
+        }
+        return points;
+    }
+    constexpr size_t places = 800;
+    const double width = histogram.to - histogram.from,
+                 bin_width = width / static_cast<double>(histogram.counts.size());
     for (size_t i = 0; i < places; ++i) {
         const double x = histogram.from + width * (static_cast<double>(i) + 0.5) / places;
-        append_number(points, x + shift);
-        points += ' ';
-        append_number(points, bin_count * histogram.density(x));
-        points += '\n';
+        point(x, bin_width * histogram.density(x));
     }
     return points;
 }
@@ -88,9 +102,10 @@ void draw_plot(const Histogram& histogram, const std::string& title, Output& out
                   histogram.from + shift, histogram.to + shift, edge(histogram, 1) - histogram.from,
                   edge(histogram, 1) - histogram.from);
     std::string script = "set title " + plot_quoted(title) + setting +
-                         "set style fill solid 0.6\nset tics out nomirror\nset xlabel 'value'\nset yrange [0:*]\n"
-                         "unset key\nplot '-' using 1:2 with boxes lc rgb '#1f6fb4'";
-    script += histogram.density ? ", '-' using 1:2 with lines lc rgb '#d95f02' linewidth 2\n" : "\n";
+                         "set style fill solid 0.6\nset tics out nomirror\nset xlabel 'value'\nset yrange [0:*]\n" +
+                         std::string(histogram.density ? "set key outside top right horizontal\n" : "unset key\n") +
+                         "plot '-' using 1:2 with boxes lc rgb '#1f6fb4' title 'drawn'";
+    script += histogram.density ? ", '-' using 1:2 with lines lc rgb '#d95f02' linewidth 2 title 'expected'\n" : "\n";
     for (size_t bin = 0; bin < histogram.counts.size(); ++bin) {
         append_number(script, (edge(histogram, bin) + edge(histogram, bin + 1)) / 2 + shift);
         script += " " + std::to_string(histogram.counts[bin]) + "\n";

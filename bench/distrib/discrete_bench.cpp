@@ -43,6 +43,18 @@ ORV_DRAWN(hypergeometric_50_10_20, _kuziRngHypergeometric(0, stream, n, r, 50, 2
 ORV_DRAWN(negbinomial_5_0_3, _kuziRngNegbinomial(0, stream, n, r, 5, 0.3));
 ORV_DRAWN(negbinomial_100_0_02, _kuziRngNegbinomial(0, stream, n, r, 100, 0.02));
 
+// Means log-uniform from 0.01 to 1000, as they come and in rising order.
+void means_of_their_own(benchmark::State& state, bool sorted) {
+    std::vector<double> means(static_cast<size_t>(state.range(0)));
+    std::mt19937 engine(777);
+    std::uniform_real_distribution<double> logarithm(std::log(0.01), std::log(1000));
+    for (double& mean : means) mean = std::exp(logarithm(engine));
+    if (sorted) std::sort(means.begin(), means.end());
+    numbers(state, [&](Stream* stream, int32_t n, int32_t* r) { _kuziRngPoissonV(0, stream, n, r, means.data()); });
+}
+BENCHMARK_CAPTURE(means_of_their_own, any_order, false)->Arg(working_run)->Arg(memory_run);
+BENCHMARK_CAPTURE(means_of_their_own, sorted, true)->Arg(working_run)->Arg(memory_run);
+
 template <class Distribution>
 void standard(benchmark::State& state, Distribution distribution) {
     std::mt19937 engine(777);

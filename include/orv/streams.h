@@ -93,9 +93,10 @@ enum RandomStatus {
     AbstractStatusWrongKernel = -1122, /* abstract stream: numbers of another type were asked for */
     TrngStatusNotSupported = -1130,    /* the processor has no RDRAND instruction */
     TrngStatusRetriesExhausted = -1131,
-    ArsStatusNotSupported = -1140, /* the processor has no AES instructions */
-    StreamStatusBadImage = -1200,  /* the memory block is not the image of a stream of a known generator */
-    RoTableStatusNotFound = -3000, /* the shared table has no such key */
+    ArsStatusNotSupported = -1140,             /* the processor has no AES instructions */
+    MultinomialStatusBadProbabilities = -1150, /* none, one below 0, or their sum not within 0.001 of 1 */
+    StreamStatusBadImage = -1200,              /* the memory block is not the image of a stream of a known generator */
+    RoTableStatusNotFound = -3000,             /* the shared table has no such key */
     RoTableStatusFull = -3001
 };
 

@@ -7,10 +7,9 @@ namespace simd = orv::simd;
 
 namespace {
 
+// To be run where the logarithm of 0 is mended.
 template <class T>
-int32_t exponential(Stream* stream, int32_t n, T* r, T a, T beta) {
-    if (n <= 0) return StatusOk;
-    const ErrorFrame frame(take_least_logarithm<T>);
+int32_t draw_exponentials(Stream* stream, int32_t n, T* r, T a, T beta) {
     const int32_t status = draw_uniforms(stream, n, r, T(0), T(1));
     if (status < 0) return status;
     run(logarithm<T>(), n, r, r);
@@ -21,10 +20,17 @@ int32_t exponential(Stream* stream, int32_t n, T* r, T a, T beta) {
 }
 
 template <class T>
+int32_t exponential(Stream* stream, int32_t n, T* r, T a, T beta) {
+    if (n <= 0) return StatusOk;
+    const ErrorFrame frame(take_least_logarithm<T>);
+    return draw_exponentials(stream, n, r, a, beta);
+}
+
+template <class T>
 int32_t gumbel(Stream* stream, int32_t n, T* r, T a, T beta) {
     if (n <= 0) return StatusOk;
     const ErrorFrame frame(take_least_logarithm<T>);
-    const int32_t status = exponential(stream, n, r, T(0), T(1));
+    const int32_t status = draw_exponentials(stream, n, r, T(0), T(1));
     if (status < 0) return status;
     run(logarithm<T>(), n, r, r);
     shift_and_scale(n, r, a, beta);

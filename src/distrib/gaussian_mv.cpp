@@ -51,7 +51,7 @@ int32_t gaussian_mv(int32_t method, Stream* stream, int32_t n, T* r, int32_t dim
     using Entry = Entries<T>;
     if (dimen == 1) return Entry::gaussian(method, stream, n, r, a[0], t[0]);
     const int32_t status = Entry::gaussian(method, stream, n * dimen, r, T(0), T(1));
-    if (status < 0 || n <= 0) return status;
+    if (status < 0 || n <= 0 || dimen <= 0) return status;
     const T one = 1;
     switch (storage) {
         case MatrixStorageFull: {

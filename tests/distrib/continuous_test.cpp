@@ -153,6 +153,7 @@ TEST(Scalars, AreTheirFunctions) {
     const double numbers[] = {1e-310, 0.3, 1, 2.5, 1e300};
     for (const double x : numbers) {
         EXPECT_NEAR(__kuzdLn(x), std::log(x), 1e-15 * std::fabs(std::log(x))) << x;
+        EXPECT_NEAR(__kuzdLGamma(x), std::lgamma(x), 1e-14 * std::max(1.0, std::fabs(std::lgamma(x)))) << x;
         EXPECT_EQ(__kuzdSqrt(x), std::sqrt(x));
         const float narrow = std::max(static_cast<float>(std::min(x, 1e38)), 1e-40f);
         EXPECT_NEAR(__kuzsLn(narrow), std::log(narrow), 1e-7f * std::fabs(std::log(narrow))) << narrow;

@@ -31,10 +31,6 @@ inline long double x87_ln(long double x) {
     __asm__("fyl2x" : "=t"(y) : "0"(x), "u"(0.693147180559945309417232121458176568L) : "st(1)");
     return y;
 }
-inline long double x87_sin(long double x) {
-    __asm__("fsin" : "+t"(x));
-    return x;
-}
 inline long double x87_root(long double x) {
     __asm__("fsqrt" : "+t"(x));
     return x;

@@ -54,18 +54,45 @@ struct ScaledGamma {
     return {sum * product, at >= K.first_scaled};
 }
 
+// The coefficients of sin(pi r) / (pi r) in r^2 after the first, by the series; the sum leaves 2^-67 for r up to 1/2.
+struct SineSeries {
+    static constexpr long double pi = 3.14159265358979323846264338327950288L;
+    long double c[12];
+
+    constexpr SineSeries() : c{} {
+        long double term = 1;
+        for (int k = 1; k <= 12; ++k) c[k - 1] = term *= -pi * pi / (2 * k * (2 * k + 1));
+    }
+};
+inline constexpr SineSeries sine_series;
+// sin(pi r) / pi for r up to 1/2 in magnitude.
+inline long double sine_of_half_turns(long double r) {
+    constexpr const auto& c = sine_series.c;
+    const long double z = r * r, w = z * z;
+    const long double even = c[0] + w * (c[2] + w * (c[4] + w * (c[6] + w * (c[8] + w * c[10]))));
+    const long double odd = c[1] + w * (c[3] + w * (c[5] + w * (c[7] + w * (c[9] + w * c[11]))));
+    return r + r * z * (even + z * odd);
+}
+
+// 1 / Gamma of x from -185 to 0.
+[[gnu::always_inline]] inline ScaledGamma inverse_gamma_below_zero(double x) {
+    const long double e = x;
+    const double whole = __builtin_rint(x);
+    const ScaledGamma g = gamma_from_one(1 - e);
+    const long double sine = sine_of_half_turns(e - whole);
+    return {(static_cast<int32_t>(whole) & 1 ? -sine : sine) * g.value, g.scaled};
+}
+
 // Of finite x above -185, no pole.
 [[gnu::always_inline]] inline long double gamma_extended(double x) {
     constexpr const auto& K = gamma_block;
+    if (x < 0) {
+        const ScaledGamma inverse = inverse_gamma_below_zero(x);
+        return 1 / inverse.value * K.powers[inverse.scaled ? 1 : 0];
+    }
     const long double e = x;
-    const ScaledGamma g = gamma_from_one(x >= 1 ? e : 1 + __builtin_fabsl(e));
-    if (x >= 1) return g.value * K.powers[g.scaled ? 2 : 0];
-    if (x > 0) return g.value / e;
-    const double whole = __builtin_rint(x);
-    const long double pi = 3.14159265358979323846264338327950288L;
-    const long double sine = x87_sin(pi * (e - whole));
-    const bool odd = static_cast<int32_t>(whole) & 1;
-    return pi / ((odd ? -sine : sine) * g.value) * K.powers[g.scaled ? 1 : 0];
+    const ScaledGamma g = gamma_from_one(x >= 1 ? e : 1 + e);
+    return x >= 1 ? g.value * K.powers[g.scaled ? 2 : 0] : g.value / e;
 }
 
 // Any element.

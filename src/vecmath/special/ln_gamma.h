@@ -48,9 +48,8 @@ inline long double ln_gamma_stirling(long double x) {
 [[gnu::noinline]] inline long double ln_gamma_below_zero(double x) {
     constexpr const auto& K = ln_gamma_block;
     if (x < -170) {
-        const long double pi = 3.14159265358979323846264338327950288L;
-        const long double sine = x87_sin(pi * (x - __builtin_rint(x)));
-        return x87_ln(pi / __builtin_fabsl(sine)) - ln_gamma_stirling(1 - static_cast<long double>(x));
+        const long double sine = sine_of_half_turns(x - __builtin_rint(x));
+        return -x87_ln(__builtin_fabsl(sine)) - ln_gamma_stirling(1 - static_cast<long double>(x));
     }
     const int whole = static_cast<int>(-x);
     if (whole >= 2 && whole <= K.last_with_zeros) {
@@ -62,7 +61,8 @@ inline long double ln_gamma_stirling(long double x) {
             return d * (row[3] + (row[4] + d * sum));
         }
     }
-    return x87_ln(__builtin_fabsl(gamma_extended(x)));
+    const ScaledGamma inverse = inverse_gamma_below_zero(x);
+    return -x87_ln(__builtin_fabsl(inverse.value) * gamma_block.powers[inverse.scaled ? 2 : 0]);
 }
 
 // Of finite x, no pole.
