@@ -156,46 +156,46 @@
     ROW(HERE,  d, Cosd,       ONE,        EACH,  MEASURED(dCosd))                 \
     ROW(HERE,  d, Tand,       ONE,        EACH,  MEASURED(dTand))                 \
     ROW(HERE,  d, Logb,       ONE,        ALL,   MEASURED(dLogb))                 \
-    ROW(LATER, c, Cos,        ONE,        ALL,   MEASURED(cCos))                  \
-    ROW(LATER, c, Sin,        ONE,        ALL,   MEASURED(cSin))                  \
-    ROW(LATER, c, Tan,        ONE,        ALL,   MEASURED(cTan))                  \
-    ROW(LATER, c, Cosh,       ONE,        ALL,   MEASURED(cCosh))                 \
-    ROW(LATER, c, Sinh,       ONE,        ALL,   MEASURED(cSinh))                 \
-    ROW(LATER, c, Tanh,       ONE,        ALL,   MEASURED(cTanh))                 \
+    ROW(HERE,  c, Cos,        ONE,        ALL,   MEASURED(cCos))                  \
+    ROW(HERE,  c, Sin,        ONE,        ALL,   MEASURED(cSin))                  \
+    ROW(HERE,  c, Tan,        ONE,        ALL,   MEASURED(cTan))                  \
+    ROW(HERE,  c, Cosh,       ONE,        ALL,   MEASURED(cCosh))                 \
+    ROW(HERE,  c, Sinh,       ONE,        ALL,   MEASURED(cSinh))                 \
+    ROW(HERE,  c, Tanh,       ONE,        ALL,   MEASURED(cTanh))                 \
     ROW(LATER, c, Acos,       ONE,        ALL,   MEASURED(cAcos))                 \
     ROW(LATER, c, Asin,       ONE,        ALL,   COST(1223.63, 1223.63, 1223.63)) \
     ROW(LATER, c, Atan,       ONE,        ALL,   MEASURED(cAtan))                 \
     ROW(LATER, c, Acosh,      ONE,        ALL,   MEASURED(cAcosh))                \
     ROW(LATER, c, Asinh,      ONE,        ALL,   MEASURED(cAsinh))                \
     ROW(LATER, c, Atanh,      ONE,        ALL,   MEASURED(cAtanh))                \
-    ROW(LATER, c, Exp,        ONE,        LA_EP, MEASURED(cExp))                  \
-    ROW(LATER, c, Ln,         ONE,        EACH,  MEASURED(cLn))                   \
-    ROW(LATER, c, Log10,      ONE,        ALL,   MEASURED(cLog10))                \
-    ROW(LATER, c, Sqrt,       ONE,        LA_EP, MEASURED(cSqrt))                 \
+    ROW(HERE,  c, Exp,        ONE,        LA_EP, MEASURED(cExp))                  \
+    ROW(HERE,  c, Ln,         ONE,        EACH,  MEASURED(cLn))                   \
+    ROW(HERE,  c, Log10,      ONE,        ALL,   MEASURED(cLog10))                \
+    ROW(HERE,  c, Sqrt,       ONE,        LA_EP, MEASURED(cSqrt))                 \
     ROW(HERE,  c, Conj,       ONE,        ALL,   MEASURED(cConj))                 \
-    ROW(LATER, z, Cos,        ONE,        ALL,   MEASURED(zCos))                  \
-    ROW(LATER, z, Sin,        ONE,        ALL,   MEASURED(zSin))                  \
-    ROW(LATER, z, Tan,        ONE,        ALL,   MEASURED(zTan))                  \
-    ROW(LATER, z, Cosh,       ONE,        ALL,   MEASURED(zCosh))                 \
-    ROW(LATER, z, Sinh,       ONE,        ALL,   MEASURED(zSinh))                 \
-    ROW(LATER, z, Tanh,       ONE,        ALL,   MEASURED(zTanh))                 \
+    ROW(HERE,  z, Cos,        ONE,        ALL,   MEASURED(zCos))                  \
+    ROW(HERE,  z, Sin,        ONE,        ALL,   MEASURED(zSin))                  \
+    ROW(HERE,  z, Tan,        ONE,        ALL,   MEASURED(zTan))                  \
+    ROW(HERE,  z, Cosh,       ONE,        ALL,   MEASURED(zCosh))                 \
+    ROW(HERE,  z, Sinh,       ONE,        ALL,   MEASURED(zSinh))                 \
+    ROW(HERE,  z, Tanh,       ONE,        ALL,   MEASURED(zTanh))                 \
     ROW(LATER, z, Acos,       ONE,        ALL,   MEASURED(zAcos))                 \
     ROW(LATER, z, Asin,       ONE,        ALL,   MEASURED(zAsin))                 \
     ROW(LATER, z, Atan,       ONE,        ALL,   MEASURED(zAtan))                 \
     ROW(LATER, z, Acosh,      ONE,        ALL,   MEASURED(zAcosh))                \
     ROW(LATER, z, Asinh,      ONE,        ALL,   MEASURED(zAsinh))                \
     ROW(LATER, z, Atanh,      ONE,        ALL,   MEASURED(zAtanh))                \
-    ROW(LATER, z, Exp,        ONE,        LA_EP, MEASURED(zExp))                  \
-    ROW(LATER, z, Ln,         ONE,        LA_HA, MEASURED(zLn))                   \
-    ROW(LATER, z, Log10,      ONE,        ALL,   MEASURED(zLog10))                \
-    ROW(LATER, z, Sqrt,       ONE,        ALL,   MEASURED(zSqrt))                 \
+    ROW(HERE,  z, Exp,        ONE,        LA_EP, MEASURED(zExp))                  \
+    ROW(HERE,  z, Ln,         ONE,        LA_HA, MEASURED(zLn))                   \
+    ROW(HERE,  z, Log10,      ONE,        ALL,   MEASURED(zLog10))                \
+    ROW(HERE,  z, Sqrt,       ONE,        ALL,   MEASURED(zSqrt))                 \
     ROW(HERE,  z, Conj,       ONE,        ALL,   MEASURED(zConj))                 \
-    ROW(LATER, c, CIS,        TO_COMPLEX, EACH,  MEASURED(cCIS))                  \
-    ROW(LATER, z, CIS,        TO_COMPLEX, EACH,  MEASURED(zCIS))                  \
-    ROW(LATER, c, Abs,        TO_REAL,    EACH,  MEASURED(cAbs))                  \
-    ROW(LATER, c, Arg,        TO_REAL,    EACH,  MEASURED(cArg))                  \
-    ROW(LATER, z, Abs,        TO_REAL,    EACH,  MEASURED(zAbs))                  \
-    ROW(LATER, z, Arg,        TO_REAL,    EACH,  MEASURED(zArg))                  \
+    ROW(HERE,  c, CIS,        TO_COMPLEX, EACH,  MEASURED(cCIS))                  \
+    ROW(HERE,  z, CIS,        TO_COMPLEX, EACH,  MEASURED(zCIS))                  \
+    ROW(HERE,  c, Abs,        TO_REAL,    EACH,  MEASURED(cAbs))                  \
+    ROW(HERE,  c, Arg,        TO_REAL,    EACH,  MEASURED(cArg))                  \
+    ROW(HERE,  z, Abs,        TO_REAL,    EACH,  MEASURED(zAbs))                  \
+    ROW(HERE,  z, Arg,        TO_REAL,    EACH,  MEASURED(zArg))                  \
     ROW(HERE,  s, Div,        TWO,        ALL,   MEASURED(sDiv))                  \
     ROW(HERE,  s, Pow,        TWO,        LA_HA, MEASURED(sPow))                  \
     ROW(HERE,  s, Atan2,      TWO,        EACH,  MEASURED(sAtan2))                \

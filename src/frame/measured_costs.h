@@ -155,5 +155,31 @@
 #define ORV_COST_zMulByConj 25, 25, 6
 #define ORV_COST_cDiv 10, 10, 6
 #define ORV_COST_zDiv 40, 40, 12
+#define ORV_COST_cAbs 5, 9, 4
+#define ORV_COST_zAbs 9, 20, 9
+#define ORV_COST_cArg 20, 20, 20
+#define ORV_COST_zArg 36, 36, 20
+#define ORV_COST_cCIS 14, 24, 14
+#define ORV_COST_zCIS 45, 45, 21
+#define ORV_COST_cSqrt 14, 14, 14
+#define ORV_COST_zSqrt 36, 36, 36
+#define ORV_COST_cExp 30, 30, 30
+#define ORV_COST_zExp 50, 60, 50
+#define ORV_COST_cLn 50, 50, 50
+#define ORV_COST_zLn 70, 70, 60
+#define ORV_COST_cLog10 50, 50, 50
+#define ORV_COST_zLog10 75, 75, 75
+#define ORV_COST_cSin 60, 60, 60
+#define ORV_COST_zSin 70, 70, 70
+#define ORV_COST_cCos 60, 60, 60
+#define ORV_COST_zCos 70, 70, 70
+#define ORV_COST_cSinh 60, 60, 60
+#define ORV_COST_zSinh 70, 70, 70
+#define ORV_COST_cCosh 60, 60, 60
+#define ORV_COST_zCosh 70, 70, 70
+#define ORV_COST_cTan 70, 70, 70
+#define ORV_COST_zTan 100, 100, 100
+#define ORV_COST_cTanh 70, 70, 70
+#define ORV_COST_zTanh 100, 100, 100
 
 #endif

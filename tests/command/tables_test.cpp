@@ -245,7 +245,7 @@ TEST_F(Command, Refuses) {
         {"stats", "", "<stdin>: no rows of numbers\n"},
 
         {"accuracy Nonsense", "", "no function of type d, Nonsense; "},
-        {"accuracy Exp --type c", "", "no function of type c, Exp; "},
+        {"accuracy Ceil --type c", "", "no function of type c, Ceil; "},
         {"accuracy Exp --range 1 1", "", "the range is empty\n"},
 
         // A place that cannot be written to is found before the work: here the input is not there either.

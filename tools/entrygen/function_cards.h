@@ -94,11 +94,24 @@
     CARD(ErfcInv, "the inverse of the complementary error function: the x with erfc(x) = a", "0 gives infinity and 2 minus infinity, reported as singularity; values below 0 or above 2 a NaN, reported as domain.", "Keeps its relative accuracy next to a = 1.", "As ErfInv") \
     CARD(CdfNormInv, "the inverse of the cumulative normal distribution: the quantile of a", "0 gives minus infinity and 1 infinity, reported as singularity; values below 0 or above 1 a NaN, reported as domain.", "Keeps its relative accuracy next to a = 1/2.", "As ErfInv") \
     CARD(Conj, "the complex conjugate of a", "The sign bit of the imaginary part is turned whatever it is the sign of; no flag is raised.", "", "C99 7.3.9.4") \
-    CARD(MulByConj, "a times the complex conjugate of b", "As Mul.", "", "C99 Annex G.5.1")
+    CARD(MulByConj, "a times the complex conjugate of b", "As Mul.", "", "C99 Annex G.5.1") \
+    CARD(CIS, "cos a + i sin a", "An infinity gives NaNs and status 1, a NaN quiet NaNs.", "", "As SinCos") \
+    CARD(Arg, "the angle of the complex number a, in radians, from -pi to pi", "Zeros and infinities as C99 has them for atan2; continuous from the side of a signed zero.", "", "As Atan2")
 
 #define ORV_COMPLEX_CARDS(CARD) \
     CARD(Add, "Each part by itself; EP cannot differ.", "IEC 60559") \
     CARD(Sub, "Each part by itself; EP cannot differ.", "IEC 60559") \
     CARD(Mul, "An infinity times anything but zero is an infinity, beside a NaN too. Nothing is reported.", "Products in two parts, T. J. Dekker, Numer. Math. 18 (1971); C99 Annex G.5.1") \
-    CARD(Div, "A finite number other than zero over zero gives infinities, reported as singularity; 0/0 and infinity/infinity NaNs, reported as domain; an infinity over a finite number is an infinity, a finite number over an infinity zero. Overflow and underflow are not reported.", "Products in two parts, T. J. Dekker, Numer. Math. 18 (1971); C99 Annex G.5.1")
+    CARD(Div, "A finite number other than zero over zero gives infinities, reported as singularity; 0/0 and infinity/infinity NaNs, reported as domain; an infinity over a finite number is an infinity, a finite number over an infinity zero. Overflow and underflow are not reported.", "Products in two parts, T. J. Dekker, Numer. Math. 18 (1971); C99 Annex G.5.1") \
+    CARD(Abs, "As Hypot: an infinity gives plus infinity, beside a NaN too; an overflow infinity, reported as such.", "C99 Annex G.6") \
+    CARD(Sqrt, "The root in the right half plane, continuous from the side of a signed zero; an infinite imaginary part makes both parts infinite, beside a NaN too. Nothing is reported.", "C99 Annex G.6.4.2") \
+    CARD(Exp, "An infinite imaginary part gives NaNs, reported as domain, but zeros beside minus infinity; parts that overflow are infinities, reported as such; underflow is not reported.", "C99 Annex G.6.3.1") \
+    CARD(Ln, "The cut is the negative real axis, continuous from the side of a signed zero. Zero gives minus infinity, reported as singularity; an infinite part makes the real part plus infinity.", "C99 Annex G.6.3.2") \
+    CARD(Log10, "As Ln, both parts over ln 10.", "C99 Annex G.6.3.2") \
+    CARD(Sin, "An infinite real part gives NaNs, reported as domain; parts that overflow are infinities, reported as such; underflow is not reported.", "C99 Annex G.6.2") \
+    CARD(Cos, "As Sin.", "C99 Annex G.6.2") \
+    CARD(Tan, "An infinite real part beside a finite imaginary one gives NaNs, reported as domain; an infinite imaginary part gives i or -i.", "C99 Annex G.6.2.6") \
+    CARD(Sinh, "An infinite imaginary part gives NaNs, reported as domain; parts that overflow are infinities, reported as such; underflow is not reported.", "C99 Annex G.6.2.5") \
+    CARD(Cosh, "As Sinh.", "C99 Annex G.6.2.4") \
+    CARD(Tanh, "An infinite imaginary part beside a finite real one gives NaNs, reported as domain; an infinite real part gives 1 or -1.", "C99 Annex G.6.2.6")
 // clang-format on

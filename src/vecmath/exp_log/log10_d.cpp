@@ -5,29 +5,11 @@
 // "LA", "EP": the method of centres with 257 rows and a polynomial of degree 5.
 //
 // Next to 1 it is the polynomial's own error that shows in "LA" and "EP".
-#include "vecmath/exp_log/log_d.h"
+#include "vecmath/exp_log/log10_513.h"
 
 namespace {
 
 using namespace orv;
-
-constexpr double log10_of_2_52 = 0x1.f4e9f6303263ep+3;
-
-constexpr vecmath::Log513Block log10_ha{
-    .log2_high = 0x1.34413509f78p-2,
-    .log2_low = 0x1.fef311f12b358p-46,
-    .leading = 0x1.bcp-2,
-    .q0 = 0x1.a7a6cbf2e4108p-10,
-    .q1 = -0x1.27af2dc77af28p+0,
-    .q2 = 0x1.c6a02dc962e0fp+0,
-    .q3 = -0x1.8930aac7d7c5p+1,
-    .q4 = 0x1.6aba0f9751ec1p+2,
-    .log_of_2_52 = log10_of_2_52,
-    .rows =
-        {
-#include "vecmath/tables/log10_513.inc"
-        },
-};
 
 constexpr vecmath::LogCentresBlock<vecmath::centres_257> log10_la{
     .log2_high = 0x1.34413509f8p-2,
@@ -37,7 +19,7 @@ constexpr vecmath::LogCentresBlock<vecmath::centres_257> log10_la{
     .c3 = 0x1.287a7636f0131p-3,
     .c4 = -0x1.bcb80df8c56d7p-4,
     .c5 = 0x1.63c6841b96ed4p-4,
-    .log_of_2_52 = log10_of_2_52,
+    .log_of_2_52 = vecmath::log10_of_2_52,
     .rows =
         {
 #include "vecmath/tables/log10_257.inc"
@@ -47,4 +29,4 @@ constexpr vecmath::LogCentresBlock<vecmath::centres_257> log10_la{
 }  // namespace
 
 ORV_ONE_INPUT(dLog10, la, vecmath::LogD<log10_la>)
-ORV_ONE_INPUT(dLog10, ha, vecmath::LogD<log10_ha>)
+ORV_ONE_INPUT(dLog10, ha, vecmath::LogD<vecmath::log10_513>)

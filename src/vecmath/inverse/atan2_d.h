@@ -1,12 +1,14 @@
 // The angle of points in doubles.
 //
-// With q = |a| / |b| rounded, the rows of atan_d.h give a c next to q, below 2^-5 the upper half of q itself:
+// With q = |a| / |b| rounded, the rows of atan_d.h give a c next to q, below
+// 2^-5 the upper half of q itself:
 //
 //   atan(|a| / |b|) = atan c + atan t,  t = (|a| - c |b|) / (|b| + c |a|).
 //
-// c has so few bits that its products with both halves of |b| are exact, and |a| less the first of them too, so that t
-// carries what q lost, and what a and b themselves leave to low parts. For a negative b the angle is taken from pi, with the rounding error of that difference. "EP" has one
-// part of everything.
+// c has so few bits that its products with both halves of |b| are exact, and
+// |a| less the first of them too, so that t carries what q lost, and what a and
+// b themselves leave to low parts. For a negative b the angle is taken from pi,
+// with the rounding error of that difference. "EP" has one part of everything.
 #pragma once
 
 #include "vecmath/exp_log/pairs_d.h"
@@ -26,20 +28,21 @@ inline constexpr TurnBlock turn_radians{0x1.921fb54442d18p+1, 0x1.1a62633145c07p
 
 // high + tail, or half a turn less that where the sign `minus` is set.
 template <const TurnBlock& Turn, bool Short>
-inline __m128d from_half_turn(__m128d high, __m128d tail, __m128d minus) {
+inline Pair from_half_turn(__m128d high, __m128d tail, __m128d minus) {
     const __m128d behind =
         simd::doubles(_mm_shuffle_epi32(_mm_srai_epi32(simd::bits_of(minus), 31), _MM_SHUFFLE(3, 3, 1, 1)));
     const __m128d half = simd::bit_and(behind, Turn.half_high);
     high = simd::bit_xor(high, minus);
     tail = simd::bit_xor(tail, minus);
     const __m128d sum = half + high;
-    if constexpr (Short) return sum + tail;
-    return sum + (((half - sum) + high) + (tail + simd::bit_and(behind, Turn.half_low)));
+    if constexpr (Short) return {sum, tail};
+    return {sum, ((half - sum) + high) + (tail + simd::bit_and(behind, Turn.half_low))};
 }
 
-// Of exponents within 150 of 0. `low` is nothing, or a_low and b_low: what to add to a and b.
+// The magnitude of the angle. Of exponents within 150 of 0. `low` is nothing,
+// or a_low and b_low: what to add to a and b.
 template <const AtanBlock& K, const TurnBlock& Turn, bool Short, class... Low>
-inline __m128d atan2_lanes(__m128d a, __m128d b, Low... low) {
+inline Pair atan2_in_two(__m128d a, __m128d b, Low... low) {
     const __m128d minus = simd::sign_of(b);
     const __m128d y = simd::magnitude(a), x = simd::magnitude(b);
     const __m128d q = y / x;
@@ -71,10 +74,16 @@ inline __m128d atan2_lanes(__m128d a, __m128d b, Low... low) {
             tail = t + (row.low + rest);
         }
     }
-    return simd::bit_or(from_half_turn<Turn, Short>(high, tail, minus), simd::sign_of(a));
+    return from_half_turn<Turn, Short>(high, tail, minus);
+}
+template <const AtanBlock& K, const TurnBlock& Turn, bool Short, class... Low>
+inline __m128d atan2_lanes(__m128d a, __m128d b, Low... low) {
+    const Pair angle = atan2_in_two<K, Turn, Short>(a, b, low...);
+    return simd::bit_or(angle.high + angle.low, simd::sign_of(a));
 }
 
-// ---- A single point, of any exponents ---------------------------------------------------------------------------------
+// ---- A single point, of any exponents
+// ---------------------------------------------------------------------------------
 
 // eighths / 8 of half a turn.
 template <const TurnBlock& Turn>
@@ -83,7 +92,8 @@ inline double part_of_turn(int eighths) {
     return part * double{Turn.half_high} + at_run_time(part * double{Turn.half_low});
 }
 
-// 2^n a / b, over pi where that is the unit, rounded once, of a and b in [1/2, 1).
+// 2^n a / b, over pi where that is the unit, rounded once, of a and b in [1/2,
+// 1).
 template <const AtanBlock& K>
 inline double scaled_quotient(double a, double b, int n) {
     if constexpr (!K.in_pi) {

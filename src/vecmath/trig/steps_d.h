@@ -1,11 +1,14 @@
-// The sine of theta + r, theta a row of a table and r small, for every double kernel that works by table.
+// The sine of theta + r, theta a row of a table and r small, for every double
+// kernel that works by table.
 //
 // With s = sin theta, c = cos theta and the reduced argument r + low,
 //
-//   sin(theta + r + low) = s + c r + [c (sin r - r) + s (cos r - 1) + (c - s r) low].
+//   sin(theta + r + low) = s + c r + [c (sin r - r) + s (cos r - 1) + (c - s r)
+//   low].
 //
-// The cosine is kept as a power of two next to it (its product with r is exact) and the rest. The three large terms
-// s + lead r + rest r are added with their errors kept; the bracket is small. The cosine of the angle is its sine a
+// The cosine is kept as a power of two next to it (its product with r is exact)
+// and the rest. The three large terms s + lead r + rest r are added with their
+// errors kept; the bracket is small. The cosine of the angle is its sine a
 // quarter turn on, which is another row.
 #pragma once
 
@@ -27,9 +30,11 @@ struct TrigConstants {
 };
 inline constexpr TrigConstants trig;
 
-// ---- The nearest multiple of a step, the step in parts --------------------------------------------------------------
+// ---- The nearest multiple of a step, the step in parts
+// --------------------------------------------------------------
 
-// The first two parts have so few bits that their products with every multiple of the main paths are exact.
+// The first two parts have so few bits that their products with every multiple
+// of the main paths are exact.
 struct StepParts {
     Splat<double> inverse;  // of the step
     Splat<double> high, middle, low;
@@ -73,20 +78,23 @@ struct Columns {
     }
 };
 
-// Polynomials next to the sine and the cosine over a step of a table; the sine's last term may be absent.
+// Polynomials next to the sine and the cosine over a step of a table; the
+// sine's last term may be absent.
 struct StepPolynomials {
     Splat<double> s3, s5, s7;
     Splat<double> c2, c4, c6;
 };
 
-// ---- 128 rows: |r| up to pi/128, Taylor polynomials ------------------------------------------------------------------
+// ---- 128 rows: |r| up to pi/128, Taylor polynomials
+// ------------------------------------------------------------------
 
 inline constexpr StepPolynomials taylor_128{-0x1.5555555555555p-3,  0x1.1111111111111p-7,
                                             -0x1.a01a01a01a01ap-13, -0x1p-1,
                                             0x1.5555555555555p-5,   -0x1.6c16c16c16c17p-10};
 
 struct Step128 {
-    D r, low, z, sine, cosine;  // sin r / r - 1 and cos r - 1 over the reduced argument
+    D r, low, z, sine,
+        cosine;  // sin r / r - 1 and cos r - 1 over the reduced argument
 
     explicit Step128(const Pair& angle) : r(angle.high), low(angle.low), z(r * r) {
         constexpr const StepPolynomials& P = taylor_128;
@@ -94,8 +102,13 @@ struct Step128 {
         cosine = z * (P.c2 + z * (P.c4 + z * P.c6));
     }
 
-    // The sine of r + low and the angle of row j of a lane, `quarters` quarter turns on.
+    // The sine of r + low and the angle of row j of a lane, `quarters` quarter
+    // turns on; and its leading part and the rest.
     D sin(simd::Indices<2> j, unsigned quarters) const {
+        const Pair y = sin_in_two(j, quarters);
+        return y.high + y.low;
+    }
+    Pair sin_in_two(simd::Indices<2> j, unsigned quarters) const {
         const Columns row(sin_128[(j.lane[0] + 32 * quarters) & 127], sin_128[(j.lane[1] + 32 * quarters) & 127]);
         const D rest = row.c[0], s = row.c[1], s_low = row.c[2], lead = row.c[3];
         const D c = lead + rest;
@@ -108,13 +121,15 @@ struct Step128 {
         const D low1 = (s - high) + t1;
         const D high2 = high + t2;
         const D low2 = (high - high2) + t2;
-        return high2 + (low1 + low2 + e + sine_term + cosine_term);
+        return {high2, low1 + low2 + e + sine_term + cosine_term};
     }
 };
 
-// ---- 512 rows: |r| up to pi/512, exceeded by less than 2^-28 of it where k comes from a rounded product --------------
+// ---- 512 rows: |r| up to pi/512, exceeded by less than 2^-28 of it where k
+// comes from a rounded product --------------
 
-// An angle of index * 2 pi/512 + r + low; the index is in the low bits of the 64-bit lanes.
+// An angle of index * 2 pi/512 + r + low; the index is in the low bits of the
+// 64-bit lanes.
 struct Reduced {
     D r, low;
     __m128i index;
@@ -156,8 +171,11 @@ struct Step512 {
     }
 
     D sin(unsigned quarters) const {
-        const Pair y = sum_512<true, Kind>(j.lane[0] + 128 * quarters, j.lane[1] + 128 * quarters, r, p, q);
+        const Pair y = sin_in_two(quarters);
         return y.high + y.low;
+    }
+    Pair sin_in_two(unsigned quarters) const {
+        return sum_512<true, Kind>(j.lane[0] + 128 * quarters, j.lane[1] + 128 * quarters, r, p, q);
     }
 };
 
@@ -167,7 +185,8 @@ struct Tangent512Block {
 };
 inline constexpr Tangent512Block tangent_512;
 
-// The tangent of an angle: with T = tan(r + low), (s + c T)/(c - s T), and c - s T is s + c T a quarter turn on.
+// The tangent of an angle: with T = tan(r + low), (s + c T)/(c - s T), and c -
+// s T is s + c T a quarter turn on.
 struct Tangent512 {
     Pair numerator, denominator;
 
