@@ -407,6 +407,25 @@ TYPED_TEST(SSMultivariate, PartialOfSingularBlock) {
     }
 }
 
+// Given two variables and three sums of them: the same as given the two, though rounding may leave a pivot of any sign.
+TYPED_TEST(SSMultivariate, PartialOfLowRank) {
+    using T = TypeParam;
+    const int sums[7][4] = {{1, 0, 0, 0}, {0, 1, 0, 0},  {0, 0, 1, 0}, {0, 0, 0, 1},
+                            {0, 0, 1, 1}, {0, 0, 1, -1}, {0, 0, 2, 1}};
+    for (unsigned seed = 1; seed <= 50; ++seed) {
+        const Square base = covariance(4, seed);
+        Square c(7);
+        for (int32_t i = 0; i < 7; ++i)
+            for (int32_t j = 0; j < 7; ++j)
+                for (int32_t k = 0; k < 4; ++k)
+                    for (int32_t l = 0; l < 4; ++l) c(i, j) += sums[i][k] * sums[j][l] * base(k, l);
+        Partial<T> problem(c, {1, 1, -1, -1, -1, -1, -1}, SSMatrixFull), plain(base, {1, 1, -1, -1}, SSMatrixFull);
+        ASSERT_EQ(problem.run(), 0) << seed;
+        ASSERT_EQ(plain.run(), 0);
+        for (int k = 0; k < 4; ++k) EXPECT_NEAR(problem.cov[k], plain.cov[k], 300 * Multivariate<T>::tolerance) << seed;
+    }
+}
+
 TYPED_TEST(SSMultivariate, CorParametrization) {
     using T = TypeParam;
     const auto run = [](const Square& c, int form) {
