@@ -17,6 +17,8 @@
 
 #include <math.h>
 
+#include <algorithm>
+
 namespace orv::vecmath {
 namespace {
 
@@ -111,8 +113,15 @@ int32_t exp_of_infinite(double re, double im, double zero, orv_complex_d* y) {
 
 // a^b where a or b is infinite, of ln|a| and arg a.
 int32_t pow_of_infinite(orv_complex_d b, double size, double angle, double zero, orv_complex_d* y) {
-    const auto times = [](double factor, double x) { return factor == 0 || x == 0 ? 0.0 : factor * x; };
-    return exp_of_infinite(times(b.re, size) - times(b.im, angle), times(b.re, angle) + times(b.im, size), zero, y);
+    // What is finite beside an infinity need not be exact, and is not to overflow.
+    const auto times = [](double factor, double x) {
+        if (factor == 0 || x == 0) return 0.0;
+        return x * (is_finite(factor) ? std::clamp(factor, -0x1p+1000, 0x1p+1000) : factor);
+    };
+    const double re = times(b.re, size) - times(b.im, angle), turned = times(b.re, angle), more = times(b.im, size);
+    // Of a vanishing power the direction may be unknown without more ado.
+    const bool known = re != -infinity || (is_finite(turned) && is_finite(more));
+    return exp_of_infinite(re, known ? turned + more : std::copysign(infinity, more), zero, y);
 }
 
 }  // namespace
@@ -134,7 +143,7 @@ int32_t rare_pow(orv_complex_d a, orv_complex_d b, orv_complex_d* y) {
             return frame::status_ok;
         }
         if (b.re < 0 && b.im == 0)
-            *y = {-minus_infinity_at_pole<double>(), zero};
+            *y = {b.re == -infinity ? infinity : -minus_infinity_at_pole<double>(), zero};
         else
             *y = {invalid<double>(), invalid<double>()};
         return frame::status_domain;
