@@ -23,7 +23,6 @@ namespace orv::vecmath {
 namespace {
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
-constexpr double not_a_number = std::numeric_limits<double>::quiet_NaN();
 
 double of_lane(__m128d x) { return simd::first_lane(x); }
 Pair pair_of(double high, double low = 0) { return {simd::splat(high), simd::splat(low)}; }
@@ -133,8 +132,10 @@ int32_t rare_pow(orv_complex_d a, orv_complex_d b, orv_complex_d* y) {
         return frame::status_ok;
     }
     if (any_nan(a) || any_nan(b)) {
-        const double nan = (a.re + a.im) + (b.re + b.im);
-        *y = {is_nan(nan) ? nan : not_a_number, is_nan(nan) ? nan : not_a_number};
+        double nan = 0;
+        for (const double part : {a.re, a.im, b.re, b.im})
+            if (is_nan(part)) nan = quiet(part);
+        *y = {nan, nan};
         return frame::status_ok;
     }
     if (a.re == 0 && a.im == 0) {
