@@ -42,6 +42,7 @@ int main(int argc, char** argv) {
     if (status == SSStatusOk) status = __kuzdSSEditMoments(task, mean, raw2, NULL, NULL, variance, NULL, NULL);
     if (status == SSStatusOk) status = __kuzdSSEditTask(task, SSIdAccumWeight, weights);
     for (int more = 1; more && status == SSStatusOk;) {
+        /* The first row of the first block is there already. */
         for (n = weights[0] == 0; n < BLOCK && (more = fgets(line, sizeof line, file) != NULL) != 0; ++n) {
             if (parse(line, row) != p) return fprintf(stderr, "rows of different length\n"), 1;
             memcpy(x + n * p, row, (size_t)p * sizeof row[0]);

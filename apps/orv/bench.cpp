@@ -21,7 +21,7 @@ namespace {
 
 struct Request {
     std::vector<std::string> functions = {"Exp", "Ln", "Sin", "Cos", "Tan", "Exp2", "Log2", "Expm1", "Log1p", "Mul"};
-    std::vector<std::string> types = {"s", "d"};
+    std::vector<std::string> types;  // none: those that a function has
     int32_t n = 1000;
     bool csv = false;
 };
@@ -67,22 +67,31 @@ double nanoseconds(const Function& function, orv_arq_kernel kernel, int32_t n) {
 void run(const Request& request) {
     Cells cells = {{"function", "type", "LA", "HA", "EP"}};
     orv_arq_kernel_SetMode(ORV_MODE_ERRMODE_NOERR);
-    Progress progress = start_progress(static_cast<int64_t>(request.functions.size() * request.types.size()));
-    for (const std::string& name : request.functions)
-        for (const std::string& type : request.types) {
-            const Function& function = find_function(name, type[0]);
-            if (function.shape > Shape::TWO_OUT) fail(std::string(function.name) + " is not called on arrays alone");
-            tell_progress(progress, static_cast<int64_t>(cells.size()) - 1, "measuring " + name + " of type " + type);
-            cells.push_back({std::string(function.name), type});
-            for (const orv_arq_kernel kernel : function.entries) {
-                const bool single = type == "s" || type == "c";
-                const double taken = single ? nanoseconds<float>(function, kernel, request.n)
-                                            : nanoseconds<double>(function, kernel, request.n);
-                char figure[32];
-                std::snprintf(figure, sizeof figure, "%.3g", taken);
-                cells.back().emplace_back(figure);
-            }
+    std::vector<const Function*> wanted;
+    for (const std::string& name : request.functions) {
+        for (const std::string& type : request.types) wanted.push_back(&find_function(name, type[0]));
+        if (!request.types.empty()) continue;
+        const size_t before = wanted.size();
+        for (const char type : {'s', 'd', 'c', 'z'})
+            if (const Function* function = try_function(name, type)) wanted.push_back(function);
+        if (wanted.size() == before) find_function(name, 'd');
+    }
+    Progress progress = start_progress(static_cast<int64_t>(wanted.size()));
+    for (const Function* chosen : wanted) {
+        const Function& function = *chosen;
+        const std::string name(function.name), type(1, function.type);
+        if (function.shape > Shape::TWO_OUT) fail(std::string(function.name) + " is not called on arrays alone");
+        tell_progress(progress, static_cast<int64_t>(cells.size()) - 1, "measuring " + name + " of type " + type);
+        cells.push_back({std::string(function.name), type});
+        for (const orv_arq_kernel kernel : function.entries) {
+            const bool single = type == "s" || type == "c";
+            const double taken = single ? nanoseconds<float>(function, kernel, request.n)
+                                        : nanoseconds<double>(function, kernel, request.n);
+            char figure[32];
+            std::snprintf(figure, sizeof figure, "%.3g", taken);
+            cells.back().emplace_back(figure);
         }
+    }
     end_progress(progress);
     std::string text = request.csv ? "" : "Nanoseconds per element, " + std::to_string(request.n) + " to a call\n\n";
     append_table(text, cells, request.csv);
@@ -96,7 +105,9 @@ void add_bench(CLI::App& app, int&) {
     CLI::App* bench = app.add_subcommand("bench", "Measure the speed of vector functions on this machine");
     bench->footer("Writes nanoseconds per element of each accuracy, for ordinary arguments.");
     bench->add_option("function", request->functions, "such as Exp or Pow; some common ones if none");
-    bench->add_option("--type", request->types, "s (float), d (double), c or z (complex), with commas between")
+    bench
+        ->add_option("--type", request->types,
+                     "s (float), d (double), c or z (complex), with commas between; those that there are if none")
         ->delimiter(',')
         ->check(CLI::IsMember({"s", "d", "c", "z"}))
         ->allow_extra_args(false);

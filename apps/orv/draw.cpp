@@ -99,6 +99,7 @@ void add_draw(CLI::App& app, int&) {
     add_draw_bits(*draw);
     add_draw_points(*draw);
     add_draw_continuous(*draw);
+    add_draw_discrete(*draw);
     add_draw_vectors(*draw);
 }
 

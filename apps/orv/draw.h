@@ -87,6 +87,7 @@ void add_draw_uniform(CLI::App& draw);
 void add_draw_bits(CLI::App& draw);
 void add_draw_points(CLI::App& draw);
 void add_draw_continuous(CLI::App& draw);
+void add_draw_discrete(CLI::App& draw);
 void add_draw_vectors(CLI::App& draw);
 
 }  // namespace orv::command

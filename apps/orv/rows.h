@@ -22,6 +22,7 @@ struct Format {
     char separator = ',', decimal = '.', comment = '\0';  // no comments where it is 0
     Header header = Header::GUESS;
     bool skip_missing = false;
+    bool missing_is_nan = false;
 };
 
 // "<stdin>" for "-", which stands for standard input.

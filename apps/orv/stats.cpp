@@ -4,6 +4,7 @@
 #include "json.h"
 #include "options.h"
 #include "output.h"
+#include "stats_robust.h"
 #include "stats_sections.h"
 #include "stats_tables.h"
 #include "table.h"
@@ -24,7 +25,7 @@ struct Request {
     std::string weights, groups, partial;
     std::vector<double> quantiles;
     double stream_epsilon = 0;
-    bool mad = false;
+    bool mad = false, robust = false, outliers = false, impute = false;
     int32_t threads = 0;
     bool csv = false, json = false;
     Format format;
@@ -50,10 +51,6 @@ const orv_services* services() {
     return &table;
 }
 
-struct DeleteTask {
-    void operator()(SSTask* task) const { __kuzSSDeleteTask(&task); }
-};
-
 // The data set so far: a block that fills up, and what the calls for the blocks before have left.
 struct Accumulation {
     std::vector<std::string> names;
@@ -76,6 +73,8 @@ struct Accumulation {
     bool holds = false;
     HeldData held{names, {}, {}, {}};
     std::map<std::string, int32_t, std::less<>> group_numbers;
+    std::optional<RobustFit> robust;
+    std::optional<OutlyingRows> outliers;
 
     const std::vector<double>& moment(int id) const { return moments[id - SSIdMean]; }
 };
@@ -112,7 +111,8 @@ void start(Accumulation& data, const Request& request) {
     check_statistics(__kuzdSSEditTask(task, SSIdAccumWeight, data.weights));
     check_statistics(__kuzdSSEditTask(task, SSIdMinimum, data.minimum.data()));
     check_statistics(__kuzdSSEditTask(task, SSIdMaximum, data.maximum.data()));
-    data.holds = request.mad || !request.groups.empty() || (!request.quantiles.empty() && request.stream_epsilon == 0);
+    data.holds = request.mad || request.robust || request.outliers || request.impute || !request.groups.empty() ||
+                 (!request.quantiles.empty() && request.stream_epsilon == 0);
     if (request.stream_epsilon == 0) return;
     data.epsilon = request.stream_epsilon;
     data.orders = request.quantiles.empty() ? usual_orders : request.quantiles;
@@ -196,6 +196,9 @@ std::vector<Section> sections_of(const Request& request, const Accumulation& dat
     if (request.mad) append({deviations(data.held, services())});
     if (!request.groups.empty()) append(pooled(data.held, services()));
     if (!request.partial.empty()) append(partial(request.partial, data.names, data.cov));
+    if (data.robust) append(robust_sections(data.held, *data.robust));
+    if (data.outliers) append({outliers_section(data.held, *data.outliers)});
+    if (request.impute) append({imputed_section(data.held, services())});
     return sections;
 }
 
@@ -246,6 +249,18 @@ void name_nans(const Accumulation& data) {
                          static_cast<long long>(data.rows));
 }
 
+void draw_picture(const Request& request, const Accumulation& data, Output& plot) {
+    if (data.robust && data.names.size() == 2)
+        draw_ellipses(data.held, *data.robust, data.moment(SSIdMean), data.cov, plot);
+    else if (data.outliers)
+        draw_distances(data.held, data.outliers->distances, data.outliers->kept, plot);
+    else if (data.robust)
+        draw_distances(data.held, distances_of(data.held, *data.robust, services()), {}, plot);
+    else
+        draw_matrix("Correlation of " + std::to_string(data.rows) + " rows of " + source_name(request.file), data.names,
+                    data.cor, plot);
+}
+
 void run(const Request& request) {
     asked_threads = request.threads;
     Output output(request.output);
@@ -253,12 +268,12 @@ void run(const Request& request) {
     if (!request.plot.empty()) plot.emplace(request.plot);
     Accumulation data;
     read(request, data);
+    if (request.robust) data.robust = robust_fit(data.held, services());
+    if (request.outliers) data.outliers = outlying_rows(data.held, services());
     const std::vector<Section> sections = sections_of(request, data);
     const std::string text = request.json ? as_json(data, sections) : as_tables(data, sections, request.csv);
     if (!request.json) name_nans(data);
-    if (plot)
-        draw_matrix("Correlation of " + std::to_string(data.rows) + " rows of " + source_name(request.file), data.names,
-                    data.cor, *plot);
+    if (plot) draw_picture(request, data, *plot);
     write(output, text);
     finish(output);
 }
@@ -269,7 +284,7 @@ void add_stats(CLI::App& app, int& status) {
     const auto request = std::make_shared<Request>();
     CLI::App* stats = app.add_subcommand("stats", "Moments, covariance and correlation of the columns of a CSV file");
     stats->footer(
-        "The file is read once and may be of any size, unless --quantiles, --mad or --groups ask for it as a whole. "
+        "The file is read once and may be of any size, unless more than moments and matrices is asked for. "
         "The standard deviation is that of a sample (n - 1); skewness "
         "and\n"
         "kurtosis are m3 / s^3 and m4 / s^4 - 3 with that s, m3 and m4 being the mean third and fourth powers of the\n"
@@ -292,6 +307,14 @@ void add_stats(CLI::App& app, int& status) {
     stats->add_option(
         "--groups", request->groups,
         "the column that says which group a row belongs to: means of the groups and the pooled covariance");
+    stats->add_flag("--robust", request->robust,
+                    "mean and covariance that up to half of the rows do not spoil (S-estimates with the translated "
+                    "biweight)");
+    stats->add_flag("--outliers", request->outliers,
+                    "the rows that are outliers, with their distances from the others (BACON)");
+    stats->add_flag("--impute", request->impute,
+                    "fields that are empty, NA, N/A, null or nan are taken as missing: means and deviations from 20 "
+                    "imputed sets (normal model)");
     stats->add_option("--partial", request->partial, "A,B/C: covariance and correlation of A and B given C");
     add_count(*stats, "--threads", request->threads, 1, INT32_MAX,
               "at most so many threads; all processors if not given");
@@ -299,8 +322,12 @@ void add_stats(CLI::App& app, int& status) {
     stats->add_flag("--json", request->json, "write JSON, each number in full; null stands for nan")->excludes(csv);
     add_format(*stats, request->format);
     stats->add_option("--output", request->output, "the file to write; standard output if not given");
-    stats->add_option("--plot", request->plot, "an SVG file for a picture of the correlation matrix");
+    stats->add_option("--plot", request->plot,
+                      "an SVG file for a picture: of the distances with --outliers or --robust, of two columns and "
+                      "their ellipses with "
+                      "--robust, else of the correlation matrix");
     stats->callback([request, &status] {
+        request->format.missing_is_nan = request->impute;
         run(*request);
         status = 0;
     });

@@ -6,33 +6,11 @@
 #include "stats_tables.h"
 
 #include <algorithm>
-#include <climits>
 #include <memory>
 
 namespace orv::command {
 
 namespace {
-
-struct DeleteTask {
-    void operator()(SSTask* task) const { __kuzSSDeleteTask(&task); }
-};
-
-// A task over the columns in memory. It refers to the members here.
-struct HeldTask {
-    int32_t p, n, form = StorageColumns, full = SSMatrixFull;
-    std::unique_ptr<SSTask, DeleteTask> task;
-
-    explicit HeldTask(const HeldData& data) : p(static_cast<int32_t>(data.names.size())) {
-        const size_t rows = data.x.size() / data.names.size();
-        if (rows > INT32_MAX) fail("too many rows to hold");
-        n = static_cast<int32_t>(rows);
-        SSTask* made = nullptr;
-        check_statistics(
-            __kuzdSSNewTask(&made, &p, &n, &form, data.x.data(), data.w.empty() ? nullptr : data.w.data(), nullptr, 0));
-        task.reset(made);
-    }
-    HeldTask(const HeldTask&) = delete;
-};
 
 // The columns called so in a list with commas between.
 std::vector<size_t> columns_of(std::string_view list, const std::vector<std::string>& names) {

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <charconv>
 #include <csv.h>
+#include <limits>
 
 namespace orv::command {
 
@@ -93,6 +94,10 @@ bool read_numbers(const Head& head, const Row& row, const std::vector<size_t>& c
         const Parsed parsed = parse_field(field, head.format, value);
         if (parsed == Parsed::number) {
             values.push_back(value);
+            continue;
+        }
+        if (is_missing(field) && head.format.missing_is_nan) {
+            values.push_back(std::numeric_limits<T>::quiet_NaN());
             continue;
         }
         if (is_missing(field) && head.format.skip_missing) return false;

@@ -29,7 +29,7 @@ size_t find_column(const Head& head, const std::string& name);
 std::string column_name(const Head& head, size_t column);
 
 // Fields as numbers. One that is none, or too large for the type, ends the command; so does a missing one, unless rows with
-// such are to be skipped: then the result is false.
+// such are to be skipped: then the result is false; or missing ones are nan.
 template <class T>
 bool read_numbers(const Head& head, const Row& row, const std::vector<size_t>& columns, std::vector<T>& values);
 

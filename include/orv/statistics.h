@@ -691,7 +691,7 @@ float __kuzsQSortSelect(int32_t n, float* data, int32_t k);
  *                              where it is set, else from `cor`: the covariance A - B' C^-1 B of the q kept ones given the others, to
  *                              `partialCov`, q by q, and its correlation to `partialCor`, in the forms of ids 47 and 49; one of
  *                              the two results may be null. The observations, n and `indices` are not read. With C scaled to
- *                              a unit diagonal, of r variables, what is not above 8 r ulp of 1 counts as 0: where a pivot of the
+ *                              a unit diagonal, of r variables, what is not above 100 r ulp of 1 counts as 0: where a pivot of the
  *                              Cholesky factor does not count, the generalised inverse over the eigenvalues that do (relative to
  *                              the largest) takes the place of the inverse, and a kept variable that the others explain up to that
  *                              has zeros in `partialCov` and NaNs in `partialCor`. SSStatusNotPositiveDefinite for a negative

@@ -82,6 +82,9 @@ TEST_F(Command, BenchMeasures) {
     ASSERT_EQ(std::sscanf(outcome.out.c_str(), "function,type,LA,HA,EP Exp,d,%lf,%lf,%lf", &la, &ha, &ep), 3)
         << outcome.out << outcome.err;
     EXPECT_GT(std::min({la, ha, ep}), 0.05);
+    const std::string complex = orv("bench Conj --n 1e2 --csv").out;
+    EXPECT_NE(complex.find("\nConj,c,"), std::string::npos) << complex;
+    EXPECT_NE(complex.find("\nConj,z,"), std::string::npos) << complex;
 }
 
 // The pages are well formed, and name what --help does.
@@ -174,6 +177,43 @@ TEST_F(Command, StatsGoesBlockByBlock) {
         EXPECT_NEAR(value_at(out, 1, 5), -1.2, 1e-4);
         EXPECT_NEAR(value_at(out, 5, 2) / (variance * (n - 1)), 1, 1e-12);  // the covariance of i and i^2
     }
+}
+
+// A line of rows with three far from it, one value missing, and the pictures that go with each question.
+TEST_F(Command, StatsLooksCloser) {
+    std::string text = "x,y\n";
+    for (int i = 0; i < 30; ++i)
+        text += std::to_string(i % 10) + "," + std::to_string(2 * (i % 10) + (i * i) % 7 * 0.1) + "\n";
+    put("line.csv", text + "4,80\n5,80.5\n4,81\n");
+    const Outcome outcome = orv("stats line.csv --csv --outliers --robust --plot e.svg");
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    const size_t outliers = outcome.out.find("\noutlier in row,distance,x,y\n31,");
+    ASSERT_NE(outliers, std::string::npos) << outcome.out;
+    const std::string rows = outcome.out.substr(outliers);
+    EXPECT_EQ(std::count(rows.begin(), rows.end(), '\n'), 5) << rows;
+    EXPECT_NE(rows.find(",4,80\n32,"), std::string::npos) << rows;
+    double x = 0, y = 0;
+    ASSERT_EQ(std::sscanf(outcome.out.c_str() + outcome.out.find("\nrobust,"),
+                          "\nrobust,mean,standard deviation x,%lf,%*f y,%lf", &x, &y),
+              2);
+    EXPECT_NEAR(x, 4.5, 0.3);
+    EXPECT_NEAR(y, 9.3, 0.6);
+    EXPECT_EQ(get("e.svg").substr(0, 5), "<?xml");
+    ASSERT_EQ(orv("stats line.csv --outliers --plot d.svg").status, 0);
+    EXPECT_NE(get("d.svg"), get("e.svg"));
+
+    put("gaps.csv", text + "4,\nNA,2.3\n");
+    const std::string imputed = orv("stats gaps.csv --csv --impute").out;
+    double error = 0;
+    ASSERT_EQ(std::sscanf(imputed.c_str() + imputed.find("\nimputed,"),
+                          "\nimputed,missing,mean,standard error,standard deviation x,1,%lf,%*f,%*f y,1,%lf,%lf", &x,
+                          &y, &error),
+              3)
+        << imputed;
+    EXPECT_NEAR(x, (135 + 4 + 1) / 32.0, 0.05);
+    EXPECT_NEAR(y, 2 * x + 0.25, 0.15);
+    EXPECT_NEAR(error, 5.8 / std::sqrt(32), 0.15);
+    EXPECT_EQ(orv("stats gaps.csv").err, "orv: gaps.csv:32: column y: missing value\n");
 }
 
 }  // namespace

@@ -58,6 +58,12 @@ TEST_F(Command, Prints) {
          "0.12701112\n0.31852758\n"},
         {"draw uniform --type i --from 5 --to 6 --n 0.3e1", "", "5\n5\n5\n"},
         {"draw geometric --p 1 --n 2", "", "0\n0\n"},
+        {"draw binomial --ntrial 7 --p 1 --n 2", "", "7\n7\n"},
+        {"draw poisson --lambda 1e-300 --n 2 --method normal", "", "0\n0\n"},
+        {"draw poisson-v --lambda 1e-300,1e-200 --n 3", "", "0\n0\n0\n"},
+        {"draw hypergeometric --lot 9 --sample 9 --marked 4 --n 2", "", "4\n4\n"},
+        {"draw negbinomial --p 1 --n 2", "", "0\n0\n"},
+        {"draw multinomial --p 0,1,0 --ntrial 12 --n 2", "", "0,12,0\n0,12,0\n"},
         {"draw gaussian --mean 3 --sigma 1e-300 --n 2 --method paired", "", "3\n3\n"},
         {"draw gamma --a 2 --beta 1e-30 --n 1 --type s", "", "2\n"},
         {"draw gaussian-mv --cov - --mean 5,6 --n 2", "1e-300,0\n0,1e-300\n", "5,6\n5,6\n"},
@@ -188,6 +194,10 @@ TEST_F(Command, Refuses) {
         {"draw weibull --beta 1e39 --type s", "", "a parameter is too large for a float\n"},
         {"draw weibull --alpha 1e-3 --histogram", "", "no histogram: its range is empty or not finite\n"},
         {"draw geometric --p 1.5", "", "--p must be above 0 and at most 1\n"},
+        {"draw binomial --p 1.5", "", "--p must be from 0 to 1\n"},
+        {"draw hypergeometric --lot 5 --sample 6", "", "--sample and --marked must be at most --lot\n"},
+        {"draw negbinomial --p 0", "", "--p must be above 0\n"},
+        {"draw multinomial --p 0.5,0.6", "", "--p: probabilities are not below 0 and sum to 1\n"},
         {"draw chi-square --v 2.5", "", "--v must be a whole number from 1 to 1e9\n"},
         {"draw gaussian-mv --cov -", "4,2\n2,1\n", "-: not positive definite\n"},
         {"draw gaussian-mv --cov -", "4,2\n1,1\n", "-: not symmetric in row 2, column 1\n"},
@@ -235,7 +245,7 @@ TEST_F(Command, Refuses) {
         {"stats", "", "<stdin>: no rows of numbers\n"},
 
         {"accuracy Nonsense", "", "no function of type d, Nonsense; "},
-        {"accuracy Exp --type c", "", "no function of type c, Exp; "},
+        {"accuracy Ceil --type c", "", "no function of type c, Ceil; "},
         {"accuracy Exp --range 1 1", "", "the range is empty\n"},
 
         // A place that cannot be written to is found before the work: here the input is not there either.

@@ -43,9 +43,9 @@ bool same(T a, T b) {
     return std::isnan(a) ? std::isnan(b) : a == b && std::signbit(a) == std::signbit(b);
 }
 
-enum class Kind { random, equal, sorted, reversed, organ_pipe, zeros, with_nans };
-constexpr Kind kinds[] = {Kind::random,     Kind::equal, Kind::sorted,   Kind::reversed,
-                          Kind::organ_pipe, Kind::zeros, Kind::with_nans};
+enum class Kind { random, equal, sorted, reversed, organ_pipe, zeros, close, with_nans };
+constexpr Kind kinds[] = {Kind::random,     Kind::equal, Kind::sorted, Kind::reversed,
+                          Kind::organ_pipe, Kind::zeros, Kind::close,  Kind::with_nans};
 
 template <class T>
 std::vector<T> column(Kind kind, int n) {
@@ -71,6 +71,10 @@ std::vector<T> column(Kind kind, int n) {
                 break;
             case Kind::zeros:
                 x[i] = random() % 3 ? (random() % 2 ? T{0} : -T{0}) : value;
+                break;
+            case Kind::close:  // in the last bits alone, but for a few
+                x[i] =
+                    i % 50 ? 1 + static_cast<T>(random() % 100000) * std::numeric_limits<T>::epsilon() : value * 1000;
                 break;
             case Kind::with_nans:
                 x[i] = random() % 4 ? value

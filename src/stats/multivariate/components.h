@@ -21,17 +21,20 @@ inline Components taking_part(const Data& data, int32_t* room) {
     return chosen;
 }
 
+// Element (i, j) in either order. The form that most have comes first.
 template <class T>
 double element_of(Matrix<const T> matrix, int32_t p, int32_t i, int32_t j) {
-    if (i > j) return static_cast<double>(matrix.data[element_at(matrix.form, j, i, p)]);
-    return static_cast<double>(matrix.data[element_at(matrix.form, i, j, p)]);
+    const int32_t first = i < j ? i : j, last = i < j ? j : i;
+    if (matrix.form == Form::full) return static_cast<double>(matrix.data[ptrdiff_t{last} * p + first]);
+    return static_cast<double>(matrix.data[element_at(matrix.form, first, last, p)]);
 }
 
 template <class T>
 void gather(Matrix<const T> from, int32_t p, const Components& chosen, double* to) {
-    for (int32_t b = 0; b < chosen.count; ++b)
-        for (int32_t a = 0; a <= b; ++a)
-            to[ptrdiff_t{b} * chosen.count + a] = element_of(from, p, chosen[a], chosen[b]);
+    for (int32_t b = 0; b < chosen.count; ++b) {
+        double* column = to + ptrdiff_t{b} * chosen.count;
+        for (int32_t a = 0; a <= b; ++a) column[a] = element_of(from, p, chosen[a], chosen[b]);
+    }
 }
 
 // Writes value(a, b), a <= b, of the a-th and b-th of the chosen to their places among p, to both triangles of the full form.

@@ -28,10 +28,10 @@ struct Blocks {
     int32_t work_size;
 };
 
-// Bound of what counts as 0 beside 1.
+// Bound of what counts as 0 beside 1, well above the rounding that a singular matrix is left with.
 template <class T>
 double rank_limit(int32_t given) {
-    return 8.0 * given * epsilon_of<T>;
+    return 100.0 * given * epsilon_of<T>;
 }
 
 // The given variables to unit variance; false where a variance is negative or anything is not finite.
@@ -55,54 +55,60 @@ bool standardise(const Blocks& blocks) {
     return finite;
 }
 
-// y = U'^-1 B with C = U'U. False where C is singular to the limit; then c and b are as before.
-bool by_cholesky(const Blocks& blocks, double limit) {
+// y = U'^-1 B with C = U'U. Returns the least pivot; 0 where C is singular to the limit, and then c and b are as before.
+double by_cholesky(const Blocks& blocks, double limit) {
     const int32_t r = blocks.given.count, q = blocks.kept.count;
     double* u = blocks.spare;
     memcpy(u, blocks.c, sizeof(double) * r * r);
-    if (!cholesky(r, u)) return false;
-    for (int32_t i = 0; i < r; ++i)
-        if (u[ptrdiff_t{i} * (r + 1)] * u[ptrdiff_t{i} * (r + 1)] <= limit) return false;
+    if (!cholesky(r, u)) return 0;
+    double least = 1;
+    for (int32_t i = 0; i < r; ++i) {
+        const double root = u[ptrdiff_t{i} * (r + 1)];
+        if (root * root < least) least = root * root;
+    }
+    if (least <= limit) return 0;
     int32_t info;
     Dense<double>::trtri("u", "n", &r, u, &r, &info);
     const double one = 1;
     memcpy(blocks.y, blocks.b, sizeof(double) * r * q);
     Dense<double>::trmm("l", "u", "t", "n", &r, &q, &one, u, &r, blocks.y, &r);
-    return true;
+    return least;
 }
 
-// y = L^-1/2 V' B over the eigenvalues L above the limit, V their vectors; the other rows are 0. False where one is negative.
-bool by_eigenvalues(const Blocks& blocks, double limit) {
+// y = L^-1/2 V' B over the eigenvalues L above the limit, V their vectors; the other rows are 0. Returns the least
+// of them; 0 where one is negative.
+double by_eigenvalues(const Blocks& blocks, double limit) {
     const int32_t r = blocks.given.count, q = blocks.kept.count;
     int32_t info;
     Dense<double>::syev("v", "u", &r, blocks.c, &r, blocks.eigenvalues, blocks.work, &blocks.work_size, &info);
     const double* eigenvalues = blocks.eigenvalues;
-    if (info != 0 || eigenvalues[0] < -limit * eigenvalues[r - 1]) return false;
+    if (info != 0 || eigenvalues[0] < -limit * eigenvalues[r - 1]) return 0;
+    double least = 1;
     const double one = 1, none = 0;
     Dense<double>::gemm("t", "n", &r, &q, &r, &one, blocks.c, &r, blocks.b, &r, &none, blocks.y, &r);
     for (int32_t k = 0; k < r; ++k) {
         const bool counts = eigenvalues[k] > limit * eigenvalues[r - 1];
         const double scale = counts ? 1 / std::sqrt(eigenvalues[k]) : 0;
+        if (counts && eigenvalues[k] < least) least = eigenvalues[k];
         for (int32_t j = 0; j < q; ++j) {
             double& y = blocks.y[ptrdiff_t{j} * r + k];
             y = counts ? y * scale : 0;
         }
     }
-    return true;
+    return least;
 }
 
 // a becomes the complement. A variance of which nothing but rounding is left is 0, and its covariances with it; false where one is
-// negative by more.
-bool complement(const Blocks& blocks, double limit) {
+// negative by more, rounding being as much larger as the least pivot is smaller.
+bool complement(const Blocks& blocks, double limit, double least) {
     const int32_t r = blocks.given.count, q = blocks.kept.count;
-    if (r == 0) return true;
     double* variances = blocks.work;
     for (int32_t j = 0; j < q; ++j) variances[j] = blocks.a[ptrdiff_t{j} * (q + 1)];
     const double one = 1, minus_one = -1;
     Dense<double>::syrk("u", "t", &q, &r, &minus_one, blocks.y, &r, &one, blocks.a, &q);
     for (int32_t j = 0; j < q; ++j) {
         const double left = blocks.a[ptrdiff_t{j} * (q + 1)];
-        if (left < -limit * variances[j]) return false;
+        if (left < -limit / least * variances[j]) return false;
         if (!(left <= limit * variances[j])) continue;
         for (int32_t i = 0; i <= j; ++i) blocks.a[ptrdiff_t{j} * q + i] = 0;
         for (int32_t k = j + 1; k < q; ++k) blocks.a[ptrdiff_t{k} * q + j] = 0;
@@ -120,8 +126,10 @@ bool reduce(Matrix<const T> from, int32_t p, const Blocks& blocks) {
         for (int32_t i = 0; i < given.count; ++i)
             blocks.b[ptrdiff_t{j} * given.count + i] = element_of(from, p, given[i], kept[j]);
     const double limit = rank_limit<T>(given.count);
-    return standardise(blocks) && (by_cholesky(blocks, limit) || by_eigenvalues(blocks, limit)) &&
-           complement(blocks, limit);
+    if (!standardise(blocks)) return false;
+    double least = by_cholesky(blocks, limit);
+    if (least == 0) least = by_eigenvalues(blocks, limit);
+    return least > 0 && complement(blocks, limit, least);
 }
 
 template <class T>

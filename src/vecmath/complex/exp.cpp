@@ -76,9 +76,21 @@ struct ExpZ : frame::Elementwise<orv_complex_d, 4, frame::Tail::masked> {
 struct ExpC : frame::Elementwise<orv_complex_s, 4, frame::Tail::masked> {
     static __m128 doubt(ComplexS z) {
         return simd::bit_or(simd::exceeds(simd::magnitude(z.re), splat(88.0f)),
-                            simd::exceeds(simd::magnitude(z.im), splat(90000.0f)));
+                            simd::exceeds(simd::magnitude(z.im), splat(8191.0f)));
     }
-    static ComplexS lanes(ComplexS z) { return by_double(ExpZ<false>::lanes, z); }
+    static ComplexS lanes(ComplexS z) {
+        const auto power = [](ComplexD x) {
+            const PowerOfE e = power_of_e(x.re);
+            const D size = (e.value.high + e.value.low) * power_of_two(e.k);
+            const D u = simd::magnitude(x.im);
+            const Nearest<half_pi> nearest(u);
+            D sine, cosine;
+            quarter_turns<eighth_33>((u - nearest.k * half_pi.high) - nearest.k * half_pi.middle, nearest.shifted, sine,
+                                     cosine);
+            return ComplexD{size * cosine, simd::bit_xor(size * sine, simd::sign_of(x.im))};
+        };
+        return by_double(power, z);
+    }
     static int32_t scalar(const orv_complex_s* z, orv_complex_s* y) {
         return scalar_by_double<scalar_exp>(z, y, all_finite(*z));
     }

@@ -11,6 +11,7 @@
 #include "vecmath/hyperbolic/sinh_cosh_d.h"
 #include "vecmath/special/extended.h"
 #include "vecmath/trig/sincos_d.h"
+#include "vecmath/trig/sincos_s.h"
 
 namespace orv::vecmath {
 
@@ -75,6 +76,27 @@ inline SinhCosh sinh_cosh(D size) {
     return {normal({sum_of_both.high, s_rest}), normal({c, c_rest}), v.n};
 }
 inline D power_of_two_by(__m128i n) { return simd::doubles(simd::add(simd::shift_left<52>(n), hyperbolic.exponent_0)); }
+
+// ---- For floats: one part of everything ---------------------------------------------------------------------------------
+
+// Of |u| below 8192.
+struct ShortFactors {
+    D sine, cosine, sinh, cosh;  // the hyperbolic ones with their power of two
+};
+inline ShortFactors short_factors(D turn, D growth) {
+    ShortFactors y;
+    const Nearest<half_pi> nearest(turn);
+    quarter_turns<eighth_33>((turn - nearest.k * half_pi.high) - nearest.k * half_pi.middle, nearest.shifted, y.sine,
+                             y.cosine);
+    const HyperbolicParts v = hyperbolic_parts(growth);
+    const HyperbolicSeries q = hyperbolic_series(v.r);
+    const D s = (v.a - v.b) * hyperbolic.half, c = (v.a + v.b) * hyperbolic.half;
+    const D scale = simd::doubles(simd::add(simd::shift_left<52>(v.n), hyperbolic.exponent_0));
+    const D sinh_r = v.r + q.sinh_less_r;
+    y.sinh = (s + (s * q.cosh_less_1 + c * sinh_r)) * scale;
+    y.cosh = (c + (c * q.cosh_less_1 + s * sinh_r)) * scale;
+    return y;
+}
 
 // In doubt: an angle from 90112 on; one below 2^-450 but zero, and so a v,
 // since products of two such leave the range; a v from `End` on, given by its

@@ -5,7 +5,7 @@
 //
 // `z`: the factors in two doubles each (growth.h), each product rounded once and a little. The vector path serves angles below 90112
 // and the other part below 708, neither so small that a product leaves the range; others are done in extended precision.
-// `c`: by the same factors.
+// `c`: in double, one part of each factor, of angles below 8192.
 //
 // Where one factor is infinite and the other zero the zero prevails; an infinite angle is outside the domain (C99 Annex G.6.2).
 #include "vecmath/complex/growth.h"
@@ -80,6 +80,19 @@ int32_t scalar(const orv_complex_d* z, orv_complex_d* y) {
     }
 }
 
+// The products of the cosine of |u| and of its sine, with a hyperbolic function of |v| each, as the parts of the result.
+template <Function F>
+inline ComplexD with_signs(D of_cosine, D of_sine, D u, D v) {
+    if constexpr (is_even(F)) {
+        const D sign = simd::bit_xor(simd::sign_of(u), simd::sign_of(v));
+        return {of_cosine, simd::bit_xor(of_sine, F == Function::cos ? simd::bit_xor(sign, splat(-0.0)) : sign)};
+    }
+    of_cosine = simd::bit_xor(of_cosine, simd::sign_of(v));
+    of_sine = simd::bit_xor(of_sine, simd::sign_of(u));
+    if constexpr (F == Function::sinh) return {of_cosine, of_sine};
+    return {of_sine, of_cosine};
+}
+
 template <Function F>
 struct ProductsZ : frame::Elementwise<orv_complex_d, 4, frame::Tail::masked> {
     static D doubt(ComplexD z) { return beyond_growth<0x40862000u>(angle_of<F>(z), growth_of<F>(z)); }  // 708
@@ -88,19 +101,11 @@ struct ProductsZ : frame::Elementwise<orv_complex_d, 4, frame::Tail::masked> {
         const SineCosine turn = sine_cosine(simd::magnitude(u));
         const SinhCosh growth = sinh_cosh(simd::magnitude(v));
         const D scale = power_of_two_by(growth.n);
-        if constexpr (is_even(F)) {
-            const D sign = simd::bit_xor(simd::sign_of(u), simd::sign_of(v));
-            const D im = rounded_product(growth.sinh, turn.sine) * scale;
-            return {rounded_product(growth.cosh, turn.cosine) * scale,
-                    simd::bit_xor(im, F == Function::cos ? simd::bit_xor(sign, splat(-0.0)) : sign)};
-        } else {
-            const D of_sinh = simd::bit_xor(rounded_product(growth.sinh, turn.cosine) * scale, simd::sign_of(v));
-            const D of_cosh = simd::bit_xor(rounded_product(growth.cosh, turn.sine) * scale, simd::sign_of(u));
-            if constexpr (F == Function::sinh)
-                return {of_sinh, of_cosh};
-            else
-                return {of_cosh, of_sinh};
-        }
+        if constexpr (is_even(F))
+            return with_signs<F>(rounded_product(growth.cosh, turn.cosine) * scale,
+                                 rounded_product(growth.sinh, turn.sine) * scale, u, v);
+        return with_signs<F>(rounded_product(growth.sinh, turn.cosine) * scale,
+                             rounded_product(growth.cosh, turn.sine) * scale, u, v);
     }
     static int32_t scalar(const orv_complex_d* z, orv_complex_d* y) { return ::scalar<F>(z, y); }
 };
@@ -108,10 +113,18 @@ struct ProductsZ : frame::Elementwise<orv_complex_d, 4, frame::Tail::masked> {
 template <Function F>
 struct ProductsC : frame::Elementwise<orv_complex_s, 4, frame::Tail::masked> {
     static __m128 doubt(ComplexS z) {
-        return simd::bit_or(simd::exceeds(simd::magnitude(angle_of<F>(z)), splat(90000.0f)),
+        return simd::bit_or(simd::exceeds(simd::magnitude(angle_of<F>(z)), splat(8191.0f)),
                             simd::exceeds(simd::magnitude(growth_of<F>(z)), splat(88.0f)));
     }
-    static ComplexS lanes(ComplexS z) { return by_double(ProductsZ<F>::lanes, z); }
+    static ComplexS lanes(ComplexS z) {
+        const auto products = [](ComplexD x) {
+            const D u = angle_of<F>(x), v = growth_of<F>(x);
+            const ShortFactors f = short_factors(simd::magnitude(u), simd::magnitude(v));
+            if constexpr (is_even(F)) return with_signs<F>(f.cosh * f.cosine, f.sinh * f.sine, u, v);
+            return with_signs<F>(f.sinh * f.cosine, f.cosh * f.sine, u, v);
+        };
+        return by_double(products, z);
+    }
     static int32_t scalar(const orv_complex_s* z, orv_complex_s* y) {
         return scalar_by_double<::scalar<F>>(z, y, all_finite(*z));
     }

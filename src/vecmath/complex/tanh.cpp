@@ -4,7 +4,7 @@
 //
 // where nothing cancels. The vector path serves angles below 90112 and a growing part below 200, neither so small that a product
 // leaves the range; others are done in extended precision.
-// `z`: everything in two doubles. `c`: by the same factors, the rest in one.
+// `z`: everything in two doubles. `c`: in double, of angles below 8192.
 //
 // An infinite growing part gives 1 with its sign, whatever the angle; an infinite angle beside a finite part is outside the domain
 // (C99 Annex G.6.2.6).
@@ -63,12 +63,9 @@ inline ComplexD tanh_in_two(D u, D v) {
     return {re.high + re.low, im.high + im.low};
 }
 inline ComplexD tanh_in_one(D u, D v) {
-    const SineCosine turn = sine_cosine(u);
-    const SinhCosh growth = sinh_cosh(v);
-    const D scale = power_of_two_by(growth.n);
-    const D s = growth.sinh.high * scale, c = growth.cosh.high * scale;
-    const D inverse = splat(1.0) / (s * s + turn.cosine.high * turn.cosine.high);
-    return {s * c * inverse, turn.sine.high * turn.cosine.high * inverse};
+    const ShortFactors f = short_factors(u, v);
+    const D inverse = splat(1.0) / (f.sinh * f.sinh + f.cosine * f.cosine);
+    return {f.sinh * f.cosh * inverse, f.sine * f.cosine * inverse};
 }
 
 // Of tan the angle is the real part, and so is what tanh has as its imaginary one.
@@ -108,7 +105,7 @@ template <bool Tan>
 struct TanhC : frame::Elementwise<orv_complex_s, 4, frame::Tail::masked> {
     static __m128 doubt(ComplexS z) {
         const ComplexS t = turned<Tan>(z);
-        return simd::bit_or(simd::exceeds(simd::magnitude(t.im), splat(90000.0f)),
+        return simd::bit_or(simd::exceeds(simd::magnitude(t.im), splat(8191.0f)),
                             simd::exceeds(simd::magnitude(t.re), splat(200.0f)));
     }
     static ComplexS lanes(ComplexS z) { return by_double(signed_tanh<Tan, tanh_in_one>, z); }
