@@ -195,7 +195,7 @@ bool is_exact(const Row& row) {
 
 TEST(Loops, GiveEveryElementItsResultAndTouchNothingElse) {
     for (const Row& row : math_rows()) {
-        if (!is_exact(row)) continue;
+        if (!is_exact(row) || row.shape() == "TO_REAL") continue;
         SCOPED_TRACE(row.name());
         constexpr int accuracy = 1;
         if (row.shape() == "TWO") {
