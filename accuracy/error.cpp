@@ -70,6 +70,11 @@ Judge::~Judge() {
 
 template <class T>
 bool Judge::can(const T* x) const {
+    if (kernel.function->measured) {
+        double wide[most_inputs];
+        std::copy(x, x + kernel.inputs, wide);
+        if (!kernel.function->measured(wide)) return false;
+    }
 #ifndef _WIN32
     if (kernel.function->exact) return true;
 #endif

@@ -13,6 +13,7 @@ const std::vector<Family>& families() {
         {"Error functions, gamma functions, exponential integral", special_functions()},
         {"Sines, cosines, tangents", trig_functions()},
         {"Complex functions", complex_functions()},
+        {"Inverse complex functions and powers", complex_inverse_functions()},
     };
     return all;
 }

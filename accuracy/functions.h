@@ -72,6 +72,8 @@ struct Function {
     void (*hard)(std::vector<double>& list) = nullptr;
     // Where there is nothing but `fast`, arguments from here on in magnitude are left out.
     double fast_limit = std::numeric_limits<double>::infinity();
+    // Whether the bounds hold for the arguments x, where that is not all of them.
+    bool (*measured)(const double* x) = nullptr;
 };
 
 struct Family {
@@ -93,6 +95,7 @@ std::vector<Function> power_functions();
 std::vector<Function> special_functions();
 std::vector<Function> trig_functions();
 std::vector<Function> complex_functions();
+std::vector<Function> complex_inverse_functions();
 
 // Holds the x87 unit at 64 significant bits, which a Windows process does not start with.
 struct ExtendedPrecision {

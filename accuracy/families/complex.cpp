@@ -1,4 +1,5 @@
 // Complex functions but the inverse ones and powers: each part from real functions, with digits to spare for what cancels.
+#include "accuracy/families/number.h"
 #include "accuracy/functions.h"
 
 #include <cmath>
@@ -8,17 +9,6 @@ namespace orv::accuracy {
 namespace {
 
 #ifndef _WIN32
-// Of as many digits as (a^2 - 1) + b^2 can lose next to the unit circle, and more.
-struct Number {
-    mpfr_t v;
-    Number() { mpfr_init2(v, 480); }
-    explicit Number(mpfr_srcptr x) : Number() { mpfr_set(v, x, MPFR_RNDN); }
-    ~Number() { mpfr_clear(v); }
-    Number(const Number&) = delete;
-    Number& operator=(const Number&) = delete;
-    operator mpfr_ptr() { return v; }
-};
-
 // y = a b + sign c d.
 void sum_of_products(mpfr_ptr y, mpfr_srcptr a, mpfr_srcptr b, int sign, mpfr_srcptr c, mpfr_srcptr d) {
     Number ab, cd;

@@ -16,7 +16,6 @@
 namespace {
 
 struct Row {
-    bool here;
     char type;
     const char* function;
     const char* shape;
@@ -29,12 +28,8 @@ struct Row {
     true, { la, ha, ep }
 #define MEASURED(row) \
     false, { 0, 0, 0 }
-#define KERNELS_HERE(row) orv_arq_kernel_##row##_ttab
-#define KERNELS_LATER(row) nullptr
-#define IS_HERE true
-#define IS_LATER false
-#define ROW(mark, type, function, shape, sharing, ...) \
-    {IS_##mark, #type[0], #function, #shape, __VA_ARGS__, KERNELS_##mark(type##function)},
+#define ROW(type, function, shape, sharing, ...) \
+    {#type[0], #function, #shape, __VA_ARGS__, orv_arq_kernel_##type##function##_ttab},
 const Row rows[] = {ORV_MATH_ROWS(ROW)};
 
 constexpr int32_t n = 1000;
@@ -70,7 +65,7 @@ int main(int argc, char** argv) {
     double logarithms = 0;
     int fixed_figures = 0;
     for (const Row& row : rows) {
-        if (!row.here || !row.fixed) continue;
+        if (!row.fixed) continue;
         for (int k = 0; k < 3; ++k) {
             logarithms += std::log(row.cost[k] / cycles_of(row.kernels[k], row));
             ++fixed_figures;
@@ -83,7 +78,7 @@ int main(int argc, char** argv) {
         "// Written by the bench program cost_table; not edited by hand. Cycles per element on the scale of the fixed "
         "figures.\n#ifndef ORV_FRAME_MEASURED_COSTS_H\n#define ORV_FRAME_MEASURED_COSTS_H\n\n";
     for (const Row& row : rows) {
-        if (!row.here || row.fixed) continue;
+        if (row.fixed) continue;
         char line[160];
         float figures[3];
         for (int k = 0; k < 3; ++k) {

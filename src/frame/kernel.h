@@ -90,7 +90,7 @@ struct Row {
     Shape shape;
 };
 namespace rows {
-#define ORV_ROW(mark, type, function, shape, sharing, cost) \
+#define ORV_ROW(type, function, shape, sharing, cost) \
     inline constexpr Row type##function{"v" #type #function, #type[0], Shape::shape};
 ORV_MATH_ROWS(ORV_ROW)
 #undef ORV_ROW

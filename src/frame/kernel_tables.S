@@ -15,8 +15,7 @@
 #define SLOTS_(slots) .long slots
 #define SLOTS(sharing, kernel) SLOTS_(ORV_SLOTS_##sharing(kernel))
 
-#define TABLE_LATER(row, sharing, ...) .skip 24
-#define TABLE_HERE(row, sharing, ...)                                  \
+#define TABLE_ROW(row, sharing, ...)                                  \
     STUB_DATA(orv_arq_kernel_##row##_ttab, 12);                         \
     STUB_DATA(orv_arq_kernel_##row##_ctab, 12);                         \
     orv_row_##row: STUB_SYMBOL(orv_arq_kernel_##row##_ttab):            \
@@ -24,8 +23,8 @@
     STUB_SYMBOL(orv_arq_kernel_##row##_ctab):                           \
     .float __VA_ARGS__
 
-#define TABLE_DENSE(mark, type, function, shape, sharing, cost) TABLE_##mark(type##function, sharing, cost);
-#define TABLE_STRIDED(mark, type, function, shape, sharing, cost) TABLE_##mark(type##function##I, sharing, cost);
+#define TABLE_DENSE(type, function, shape, sharing, cost) TABLE_ROW(type##function, sharing, cost);
+#define TABLE_STRIDED(type, function, shape, sharing, cost) TABLE_ROW(type##function##I, sharing, cost);
 
     .data
     .balign 32
@@ -44,8 +43,7 @@ STUB_SYMBOL(orv_kernel_rows):
 #define LA_NAME(type, row) PASTE(_arq##row, ORV_LA_SUFFIX_##type)
 #define EP_NAME(type, row) PASTE(_arq##row, ORV_EP_SUFFIX_##type)
 
-#define STUBS_LATER(type, row, body)
-#define STUBS_HERE(type, row, body)                                       \
+#define STUBS(type, row, body)                                       \
     STUB_ENTRY(LA_NAME(type, row)); body(orv_row_##row + 0);              \
     STUB_ENTRY_TWO(_arq##row, _arq##row##_HA); body(orv_row_##row + 4);   \
     STUB_ENTRY(EP_NAME(type, row)); body(orv_row_##row + 8)
@@ -85,10 +83,10 @@ STUB_SYMBOL(orv_kernel_rows):
 #define STRIDED_TWO_OUT(type) STUB_JUMP
 #define STRIDED_LINEAR(type) STUB_JUMP
 
-#define ENTRIES_DENSE(mark, type, function, shape, sharing, cost) \
-    STUBS_##mark(type, type##function, DENSE_##shape(type));
-#define ENTRIES_STRIDED(mark, type, function, shape, sharing, cost) \
-    STUBS_##mark(type, type##function##I, STRIDED_##shape(type));
+#define ENTRIES_DENSE(type, function, shape, sharing, cost) \
+    STUBS(type, type##function, DENSE_##shape(type));
+#define ENTRIES_STRIDED(type, function, shape, sharing, cost) \
+    STUBS(type, type##function##I, STRIDED_##shape(type));
 
     .text
     ORV_MATH_ROWS(ENTRIES_DENSE)

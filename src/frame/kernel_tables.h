@@ -3,10 +3,8 @@
 // This header is read by the C++ compiler, the assembler, the header writer and the tests, so it holds macros and nothing
 // else. A consumer hands a macro of its own to ORV_MATH_ROWS and ORV_MOVE_ROWS, which call it once a row:
 //
-//   ROW(mark, type, function, shape, sharing, cost)
+//   ROW(type, function, shape, sharing, cost)
 //
-//   mark      HERE, or LATER while the row's kernels are not written: such a row keeps its place in the tables, holds
-//             null pointers and exports no name. Marks only ever turn from LATER to HERE.
 //   type      s, d, c or z: the element
 //   function  the name between the type letter and the strided form's I
 //   shape     the argument list:
@@ -46,240 +44,240 @@
 
 // clang-format off
 #define ORV_MATH_ROWS(ROW) \
-    ROW(HERE,  s, Ceil,       ONE,        ALL,   COST(1.06, 1.06, 1.06))          \
-    ROW(HERE,  s, Floor,      ONE,        ALL,   MEASURED(sFloor))                \
-    ROW(HERE,  s, Frac,       ONE,        ALL,   MEASURED(sFrac))                 \
-    ROW(HERE,  s, NearbyInt,  ONE,        ALL,   MEASURED(sNearbyInt))            \
-    ROW(HERE,  s, Rint,       ONE,        ALL,   MEASURED(sRint))                 \
-    ROW(HERE,  s, Round,      ONE,        ALL,   MEASURED(sRound))                \
-    ROW(HERE,  s, Trunc,      ONE,        ALL,   MEASURED(sTrunc))                \
-    ROW(HERE,  s, Abs,        ONE,        ALL,   MEASURED(sAbs))                  \
-    ROW(HERE,  s, Inv,        ONE,        LA_HA, MEASURED(sInv))                  \
-    ROW(HERE,  s, Sqrt,       ONE,        EACH,  MEASURED(sSqrt))                 \
-    ROW(HERE,  s, InvSqrt,    ONE,        EACH,  MEASURED(sInvSqrt))              \
-    ROW(HERE,  s, Cbrt,       ONE,        EACH,  MEASURED(sCbrt))                 \
-    ROW(HERE,  s, InvCbrt,    ONE,        EACH,  MEASURED(sInvCbrt))              \
-    ROW(HERE,  s, Exp,        ONE,        EACH,  COST(5.667, 6.42, 3.633))        \
-    ROW(HERE,  s, Ln,         ONE,        EACH,  COST(6.823, 8.138, 4.498))       \
-    ROW(HERE,  s, Log10,      ONE,        EACH,  MEASURED(sLog10))                \
-    ROW(HERE,  s, Cos,        ONE,        EACH,  MEASURED(sCos))                  \
-    ROW(HERE,  s, Sin,        ONE,        EACH,  COST(7.451, 13.009, 5.954))      \
-    ROW(HERE,  s, Tan,        ONE,        LA_EP, MEASURED(sTan))                  \
-    ROW(HERE,  s, Acos,       ONE,        EACH,  MEASURED(sAcos))                 \
-    ROW(HERE,  s, Acosh,      ONE,        LA_HA, MEASURED(sAcosh))                \
-    ROW(HERE,  s, Asin,       ONE,        EACH,  MEASURED(sAsin))                 \
-    ROW(HERE,  s, Asinh,      ONE,        LA_HA, MEASURED(sAsinh))                \
-    ROW(HERE,  s, Atan,       ONE,        EACH,  MEASURED(sAtan))                 \
-    ROW(HERE,  s, Atanh,      ONE,        EACH,  MEASURED(sAtanh))                \
-    ROW(HERE,  s, Cosh,       ONE,        EACH,  MEASURED(sCosh))                 \
-    ROW(HERE,  s, Sinh,       ONE,        EACH,  MEASURED(sSinh))                 \
-    ROW(HERE,  s, Tanh,       ONE,        EACH,  MEASURED(sTanh))                 \
-    ROW(HERE,  s, Erf,        ONE,        EACH,  MEASURED(sErf))                  \
-    ROW(HERE,  s, Erfc,       ONE,        EACH,  MEASURED(sErfc))                 \
-    ROW(HERE,  s, ErfInv,     ONE,        EACH,  MEASURED(sErfInv))               \
-    ROW(HERE,  s, Sqr,        ONE,        ALL,   COST(0.37, 0.37, 0.37))          \
-    ROW(HERE,  s, Expm1,      ONE,        ALL,   MEASURED(sExpm1))                \
-    ROW(HERE,  s, Log1p,      ONE,        EACH,  MEASURED(sLog1p))                \
-    ROW(HERE,  s, Pow3o2,     ONE,        EACH,  MEASURED(sPow3o2))               \
-    ROW(HERE,  s, Pow2o3,     ONE,        EACH,  MEASURED(sPow2o3))               \
-    ROW(HERE,  s, ErfcInv,    ONE,        EACH,  MEASURED(sErfcInv))              \
-    ROW(HERE,  s, CdfNorm,    ONE,        EACH,  MEASURED(sCdfNorm))              \
-    ROW(HERE,  s, CdfNormInv, ONE,        EACH,  MEASURED(sCdfNormInv))           \
-    ROW(HERE,  s, LGamma,     ONE,        ALL,   COST(238.11, 238.11, 238.11))    \
-    ROW(HERE,  s, TGamma,     ONE,        ALL,   MEASURED(sTGamma))               \
-    ROW(HERE,  s, ExpInt1,    ONE,        LA_HA, MEASURED(sExpInt1))              \
-    ROW(HERE,  s, Sinpi,      ONE,        EACH,  MEASURED(sSinpi))                \
-    ROW(HERE,  s, Cospi,      ONE,        EACH,  MEASURED(sCospi))                \
-    ROW(HERE,  s, Tanpi,      ONE,        EACH,  MEASURED(sTanpi))                \
-    ROW(HERE,  s, Acospi,     ONE,        EACH,  MEASURED(sAcospi))               \
-    ROW(HERE,  s, Asinpi,     ONE,        EACH,  MEASURED(sAsinpi))               \
-    ROW(HERE,  s, Atanpi,     ONE,        EACH,  MEASURED(sAtanpi))               \
-    ROW(HERE,  s, Exp2,       ONE,        ALL,   MEASURED(sExp2))                 \
-    ROW(HERE,  s, Exp10,      ONE,        ALL,   MEASURED(sExp10))                \
-    ROW(HERE,  s, Log2,       ONE,        EACH,  MEASURED(sLog2))                 \
-    ROW(HERE,  s, Sind,       ONE,        EACH,  MEASURED(sSind))                 \
-    ROW(HERE,  s, Cosd,       ONE,        EACH,  MEASURED(sCosd))                 \
-    ROW(HERE,  s, Tand,       ONE,        EACH,  MEASURED(sTand))                 \
-    ROW(HERE,  s, Logb,       ONE,        ALL,   MEASURED(sLogb))                 \
-    ROW(HERE,  d, Ceil,       ONE,        ALL,   MEASURED(dCeil))                 \
-    ROW(HERE,  d, Floor,      ONE,        ALL,   MEASURED(dFloor))                \
-    ROW(HERE,  d, Frac,       ONE,        ALL,   MEASURED(dFrac))                 \
-    ROW(HERE,  d, NearbyInt,  ONE,        ALL,   MEASURED(dNearbyInt))            \
-    ROW(HERE,  d, Rint,       ONE,        ALL,   MEASURED(dRint))                 \
-    ROW(HERE,  d, Round,      ONE,        ALL,   MEASURED(dRound))                \
-    ROW(HERE,  d, Trunc,      ONE,        ALL,   MEASURED(dTrunc))                \
-    ROW(HERE,  d, Abs,        ONE,        ALL,   MEASURED(dAbs))                  \
-    ROW(HERE,  d, Inv,        ONE,        ALL,   MEASURED(dInv))                  \
-    ROW(HERE,  d, Sqrt,       ONE,        ALL,   MEASURED(dSqrt))                 \
-    ROW(HERE,  d, InvSqrt,    ONE,        LA_EP, MEASURED(dInvSqrt))              \
-    ROW(HERE,  d, Cbrt,       ONE,        LA_EP, MEASURED(dCbrt))                 \
-    ROW(HERE,  d, InvCbrt,    ONE,        ALL,   MEASURED(dInvCbrt))              \
-    ROW(HERE,  d, Exp,        ONE,        EACH,  COST(11.07, 16.065, 8.56))       \
-    ROW(HERE,  d, Ln,         ONE,        LA_HA, COST(18, 18, 11.07))             \
-    ROW(HERE,  d, Log10,      ONE,        LA_EP, MEASURED(dLog10))                \
-    ROW(HERE,  d, Cos,        ONE,        LA_HA, MEASURED(dCos))                  \
-    ROW(HERE,  d, Sin,        ONE,        EACH,  COST(20.147, 21.88, 14.681))     \
-    ROW(HERE,  d, Tan,        ONE,        EACH,  COST(23.031, 60.573, 20.467))    \
-    ROW(HERE,  d, Acos,       ONE,        EACH,  MEASURED(dAcos))                 \
-    ROW(HERE,  d, Acosh,      ONE,        LA_EP, MEASURED(dAcosh))                \
-    ROW(HERE,  d, Asin,       ONE,        EACH,  MEASURED(dAsin))                 \
-    ROW(HERE,  d, Asinh,      ONE,        LA_EP, MEASURED(dAsinh))                \
-    ROW(HERE,  d, Atan,       ONE,        LA_HA, MEASURED(dAtan))                 \
-    ROW(HERE,  d, Atanh,      ONE,        EACH,  MEASURED(dAtanh))                \
-    ROW(HERE,  d, Cosh,       ONE,        EACH,  MEASURED(dCosh))                 \
-    ROW(HERE,  d, Sinh,       ONE,        LA_EP, MEASURED(dSinh))                 \
-    ROW(HERE,  d, Tanh,       ONE,        LA_EP, MEASURED(dTanh))                 \
-    ROW(HERE,  d, Erf,        ONE,        EACH,  COST(24.848, 44.1, 21.6))        \
-    ROW(HERE,  d, Erfc,       ONE,        ALL,   MEASURED(dErfc))                 \
-    ROW(HERE,  d, ErfInv,     ONE,        EACH,  MEASURED(dErfInv))               \
-    ROW(HERE,  d, Sqr,        ONE,        ALL,   MEASURED(dSqr))                  \
-    ROW(HERE,  d, Expm1,      ONE,        EACH,  MEASURED(dExpm1))                \
-    ROW(HERE,  d, Log1p,      ONE,        EACH,  MEASURED(dLog1p))                \
-    ROW(HERE,  d, Pow3o2,     ONE,        EACH,  MEASURED(dPow3o2))               \
-    ROW(HERE,  d, Pow2o3,     ONE,        EACH,  MEASURED(dPow2o3))               \
-    ROW(HERE,  d, ErfcInv,    ONE,        EACH,  MEASURED(dErfcInv))              \
-    ROW(HERE,  d, CdfNorm,    ONE,        EACH,  MEASURED(dCdfNorm))              \
-    ROW(HERE,  d, CdfNormInv, ONE,        EACH,  MEASURED(dCdfNormInv))           \
-    ROW(HERE,  d, LGamma,     ONE,        ALL,   COST(319.85, 319.85, 319.85))    \
-    ROW(HERE,  d, TGamma,     ONE,        ALL,   COST(423.3, 423.3, 423.3))       \
-    ROW(HERE,  d, ExpInt1,    ONE,        LA_HA, MEASURED(dExpInt1))              \
-    ROW(HERE,  d, Sinpi,      ONE,        EACH,  MEASURED(dSinpi))                \
-    ROW(HERE,  d, Cospi,      ONE,        EACH,  MEASURED(dCospi))                \
-    ROW(HERE,  d, Tanpi,      ONE,        EACH,  MEASURED(dTanpi))                \
-    ROW(HERE,  d, Acospi,     ONE,        EACH,  MEASURED(dAcospi))               \
-    ROW(HERE,  d, Asinpi,     ONE,        EACH,  MEASURED(dAsinpi))               \
-    ROW(HERE,  d, Atanpi,     ONE,        EACH,  MEASURED(dAtanpi))               \
-    ROW(HERE,  d, Exp2,       ONE,        ALL,   MEASURED(dExp2))                 \
-    ROW(HERE,  d, Exp10,      ONE,        ALL,   MEASURED(dExp10))                \
-    ROW(HERE,  d, Log2,       ONE,        EACH,  MEASURED(dLog2))                 \
-    ROW(HERE,  d, Sind,       ONE,        EACH,  MEASURED(dSind))                 \
-    ROW(HERE,  d, Cosd,       ONE,        EACH,  MEASURED(dCosd))                 \
-    ROW(HERE,  d, Tand,       ONE,        EACH,  MEASURED(dTand))                 \
-    ROW(HERE,  d, Logb,       ONE,        ALL,   MEASURED(dLogb))                 \
-    ROW(HERE,  c, Cos,        ONE,        ALL,   MEASURED(cCos))                  \
-    ROW(HERE,  c, Sin,        ONE,        ALL,   MEASURED(cSin))                  \
-    ROW(HERE,  c, Tan,        ONE,        ALL,   MEASURED(cTan))                  \
-    ROW(HERE,  c, Cosh,       ONE,        ALL,   MEASURED(cCosh))                 \
-    ROW(HERE,  c, Sinh,       ONE,        ALL,   MEASURED(cSinh))                 \
-    ROW(HERE,  c, Tanh,       ONE,        ALL,   MEASURED(cTanh))                 \
-    ROW(LATER, c, Acos,       ONE,        ALL,   MEASURED(cAcos))                 \
-    ROW(LATER, c, Asin,       ONE,        ALL,   COST(1223.63, 1223.63, 1223.63)) \
-    ROW(LATER, c, Atan,       ONE,        ALL,   MEASURED(cAtan))                 \
-    ROW(LATER, c, Acosh,      ONE,        ALL,   MEASURED(cAcosh))                \
-    ROW(LATER, c, Asinh,      ONE,        ALL,   MEASURED(cAsinh))                \
-    ROW(LATER, c, Atanh,      ONE,        ALL,   MEASURED(cAtanh))                \
-    ROW(HERE,  c, Exp,        ONE,        LA_EP, MEASURED(cExp))                  \
-    ROW(HERE,  c, Ln,         ONE,        EACH,  MEASURED(cLn))                   \
-    ROW(HERE,  c, Log10,      ONE,        ALL,   MEASURED(cLog10))                \
-    ROW(HERE,  c, Sqrt,       ONE,        LA_EP, MEASURED(cSqrt))                 \
-    ROW(HERE,  c, Conj,       ONE,        ALL,   MEASURED(cConj))                 \
-    ROW(HERE,  z, Cos,        ONE,        ALL,   MEASURED(zCos))                  \
-    ROW(HERE,  z, Sin,        ONE,        ALL,   MEASURED(zSin))                  \
-    ROW(HERE,  z, Tan,        ONE,        ALL,   MEASURED(zTan))                  \
-    ROW(HERE,  z, Cosh,       ONE,        ALL,   MEASURED(zCosh))                 \
-    ROW(HERE,  z, Sinh,       ONE,        ALL,   MEASURED(zSinh))                 \
-    ROW(HERE,  z, Tanh,       ONE,        ALL,   MEASURED(zTanh))                 \
-    ROW(LATER, z, Acos,       ONE,        ALL,   MEASURED(zAcos))                 \
-    ROW(LATER, z, Asin,       ONE,        ALL,   MEASURED(zAsin))                 \
-    ROW(LATER, z, Atan,       ONE,        ALL,   MEASURED(zAtan))                 \
-    ROW(LATER, z, Acosh,      ONE,        ALL,   MEASURED(zAcosh))                \
-    ROW(LATER, z, Asinh,      ONE,        ALL,   MEASURED(zAsinh))                \
-    ROW(LATER, z, Atanh,      ONE,        ALL,   MEASURED(zAtanh))                \
-    ROW(HERE,  z, Exp,        ONE,        LA_EP, MEASURED(zExp))                  \
-    ROW(HERE,  z, Ln,         ONE,        LA_HA, MEASURED(zLn))                   \
-    ROW(HERE,  z, Log10,      ONE,        ALL,   MEASURED(zLog10))                \
-    ROW(HERE,  z, Sqrt,       ONE,        ALL,   MEASURED(zSqrt))                 \
-    ROW(HERE,  z, Conj,       ONE,        ALL,   MEASURED(zConj))                 \
-    ROW(HERE,  c, CIS,        TO_COMPLEX, EACH,  MEASURED(cCIS))                  \
-    ROW(HERE,  z, CIS,        TO_COMPLEX, EACH,  MEASURED(zCIS))                  \
-    ROW(HERE,  c, Abs,        TO_REAL,    EACH,  MEASURED(cAbs))                  \
-    ROW(HERE,  c, Arg,        TO_REAL,    EACH,  MEASURED(cArg))                  \
-    ROW(HERE,  z, Abs,        TO_REAL,    EACH,  MEASURED(zAbs))                  \
-    ROW(HERE,  z, Arg,        TO_REAL,    EACH,  MEASURED(zArg))                  \
-    ROW(HERE,  s, Div,        TWO,        ALL,   MEASURED(sDiv))                  \
-    ROW(HERE,  s, Pow,        TWO,        LA_HA, MEASURED(sPow))                  \
-    ROW(HERE,  s, Atan2,      TWO,        EACH,  MEASURED(sAtan2))                \
-    ROW(HERE,  s, Hypot,      TWO,        EACH,  MEASURED(sHypot))                \
-    ROW(HERE,  s, Add,        TWO,        ALL,   COST(0.89, 0.89, 0.89))          \
-    ROW(HERE,  s, Sub,        TWO,        ALL,   MEASURED(sSub))                  \
-    ROW(HERE,  s, Mul,        TWO,        ALL,   MEASURED(sMul))                  \
-    ROW(HERE,  s, Atan2pi,    TWO,        EACH,  MEASURED(sAtan2pi))              \
-    ROW(HERE,  s, CopySign,   TWO,        ALL,   MEASURED(sCopySign))             \
-    ROW(HERE,  s, NextAfter,  TWO,        ALL,   MEASURED(sNextAfter))            \
-    ROW(HERE,  s, Fdim,       TWO,        ALL,   MEASURED(sFdim))                 \
-    ROW(HERE,  s, Fmax,       TWO,        ALL,   MEASURED(sFmax))                 \
-    ROW(HERE,  s, Fmin,       TWO,        ALL,   MEASURED(sFmin))                 \
-    ROW(HERE,  s, MaxMag,     TWO,        ALL,   MEASURED(sMaxMag))               \
-    ROW(HERE,  s, MinMag,     TWO,        ALL,   MEASURED(sMinMag))               \
-    ROW(HERE,  s, Powr,       TWO,        LA_HA, MEASURED(sPowr))                 \
-    ROW(HERE,  s, Remainder,  TWO,        ALL,   MEASURED(sRemainder))            \
-    ROW(HERE,  s, Fmod,       TWO,        ALL,   MEASURED(sFmod))                 \
-    ROW(HERE,  d, Div,        TWO,        ALL,   MEASURED(dDiv))                  \
-    ROW(HERE,  d, Pow,        TWO,        LA_HA, COST(53.66, 53.66, 29.628))      \
-    ROW(HERE,  d, Atan2,      TWO,        EACH,  MEASURED(dAtan2))                \
-    ROW(HERE,  d, Hypot,      TWO,        EACH,  MEASURED(dHypot))                \
-    ROW(HERE,  d, Add,        TWO,        ALL,   MEASURED(dAdd))                  \
-    ROW(HERE,  d, Sub,        TWO,        ALL,   MEASURED(dSub))                  \
-    ROW(HERE,  d, Mul,        TWO,        ALL,   MEASURED(dMul))                  \
-    ROW(HERE,  d, Atan2pi,    TWO,        EACH,  MEASURED(dAtan2pi))              \
-    ROW(HERE,  d, CopySign,   TWO,        ALL,   MEASURED(dCopySign))             \
-    ROW(HERE,  d, NextAfter,  TWO,        ALL,   MEASURED(dNextAfter))            \
-    ROW(HERE,  d, Fdim,       TWO,        ALL,   MEASURED(dFdim))                 \
-    ROW(HERE,  d, Fmax,       TWO,        ALL,   MEASURED(dFmax))                 \
-    ROW(HERE,  d, Fmin,       TWO,        ALL,   MEASURED(dFmin))                 \
-    ROW(HERE,  d, MaxMag,     TWO,        ALL,   MEASURED(dMaxMag))               \
-    ROW(HERE,  d, MinMag,     TWO,        ALL,   MEASURED(dMinMag))               \
-    ROW(HERE,  d, Powr,       TWO,        EACH,  MEASURED(dPowr))                 \
-    ROW(HERE,  d, Remainder,  TWO,        ALL,   MEASURED(dRemainder))            \
-    ROW(HERE,  d, Fmod,       TWO,        ALL,   MEASURED(dFmod))                 \
-    ROW(HERE,  c, Div,        TWO,        LA_HA, MEASURED(cDiv))                  \
-    ROW(LATER, c, Pow,        TWO,        ALL,   MEASURED(cPow))                  \
-    ROW(HERE,  c, Add,        TWO,        LA_HA, MEASURED(cAdd))                  \
-    ROW(HERE,  c, Sub,        TWO,        LA_HA, MEASURED(cSub))                  \
-    ROW(HERE,  c, Mul,        TWO,        LA_HA, MEASURED(cMul))                  \
-    ROW(HERE,  c, MulByConj,  TWO,        LA_HA, MEASURED(cMulByConj))            \
-    ROW(HERE,  z, Div,        TWO,        LA_HA, MEASURED(zDiv))                  \
-    ROW(LATER, z, Pow,        TWO,        ALL,   COST(1023.85, 1023.85, 1023.85)) \
-    ROW(HERE,  z, Add,        TWO,        LA_HA, MEASURED(zAdd))                  \
-    ROW(HERE,  z, Sub,        TWO,        LA_HA, MEASURED(zSub))                  \
-    ROW(HERE,  z, Mul,        TWO,        LA_HA, COST(80.339, 80.339, 16.969))    \
-    ROW(HERE,  z, MulByConj,  TWO,        LA_HA, MEASURED(zMulByConj))            \
-    ROW(LATER, c, Powx,       SCALAR,     ALL,   MEASURED(cPowx))                 \
-    ROW(LATER, z, Powx,       SCALAR,     ALL,   MEASURED(zPowx))                 \
-    ROW(HERE,  s, Powx,       SCALAR,     EACH,  MEASURED(sPowx))                 \
-    ROW(HERE,  d, Powx,       SCALAR,     EACH,  MEASURED(dPowx))                 \
-    ROW(HERE,  s, SinCos,     TWO_OUT,    LA_EP, MEASURED(sSinCos))               \
-    ROW(HERE,  s, Modf,       TWO_OUT,    ALL,   MEASURED(sModf))                 \
-    ROW(HERE,  d, SinCos,     TWO_OUT,    LA_HA, MEASURED(dSinCos))               \
-    ROW(HERE,  d, Modf,       TWO_OUT,    ALL,   MEASURED(dModf))                 \
-    ROW(HERE,  s, LinearFrac, LINEAR,     ALL,   MEASURED(sLinearFrac))           \
-    ROW(HERE,  d, LinearFrac, LINEAR,     ALL,   MEASURED(dLinearFrac))
+    ROW(s, Ceil,       ONE,        ALL,   COST(1.06, 1.06, 1.06))          \
+    ROW(s, Floor,      ONE,        ALL,   MEASURED(sFloor))                \
+    ROW(s, Frac,       ONE,        ALL,   MEASURED(sFrac))                 \
+    ROW(s, NearbyInt,  ONE,        ALL,   MEASURED(sNearbyInt))            \
+    ROW(s, Rint,       ONE,        ALL,   MEASURED(sRint))                 \
+    ROW(s, Round,      ONE,        ALL,   MEASURED(sRound))                \
+    ROW(s, Trunc,      ONE,        ALL,   MEASURED(sTrunc))                \
+    ROW(s, Abs,        ONE,        ALL,   MEASURED(sAbs))                  \
+    ROW(s, Inv,        ONE,        LA_HA, MEASURED(sInv))                  \
+    ROW(s, Sqrt,       ONE,        EACH,  MEASURED(sSqrt))                 \
+    ROW(s, InvSqrt,    ONE,        EACH,  MEASURED(sInvSqrt))              \
+    ROW(s, Cbrt,       ONE,        EACH,  MEASURED(sCbrt))                 \
+    ROW(s, InvCbrt,    ONE,        EACH,  MEASURED(sInvCbrt))              \
+    ROW(s, Exp,        ONE,        EACH,  COST(5.667, 6.42, 3.633))        \
+    ROW(s, Ln,         ONE,        EACH,  COST(6.823, 8.138, 4.498))       \
+    ROW(s, Log10,      ONE,        EACH,  MEASURED(sLog10))                \
+    ROW(s, Cos,        ONE,        EACH,  MEASURED(sCos))                  \
+    ROW(s, Sin,        ONE,        EACH,  COST(7.451, 13.009, 5.954))      \
+    ROW(s, Tan,        ONE,        LA_EP, MEASURED(sTan))                  \
+    ROW(s, Acos,       ONE,        EACH,  MEASURED(sAcos))                 \
+    ROW(s, Acosh,      ONE,        LA_HA, MEASURED(sAcosh))                \
+    ROW(s, Asin,       ONE,        EACH,  MEASURED(sAsin))                 \
+    ROW(s, Asinh,      ONE,        LA_HA, MEASURED(sAsinh))                \
+    ROW(s, Atan,       ONE,        EACH,  MEASURED(sAtan))                 \
+    ROW(s, Atanh,      ONE,        EACH,  MEASURED(sAtanh))                \
+    ROW(s, Cosh,       ONE,        EACH,  MEASURED(sCosh))                 \
+    ROW(s, Sinh,       ONE,        EACH,  MEASURED(sSinh))                 \
+    ROW(s, Tanh,       ONE,        EACH,  MEASURED(sTanh))                 \
+    ROW(s, Erf,        ONE,        EACH,  MEASURED(sErf))                  \
+    ROW(s, Erfc,       ONE,        EACH,  MEASURED(sErfc))                 \
+    ROW(s, ErfInv,     ONE,        EACH,  MEASURED(sErfInv))               \
+    ROW(s, Sqr,        ONE,        ALL,   COST(0.37, 0.37, 0.37))          \
+    ROW(s, Expm1,      ONE,        ALL,   MEASURED(sExpm1))                \
+    ROW(s, Log1p,      ONE,        EACH,  MEASURED(sLog1p))                \
+    ROW(s, Pow3o2,     ONE,        EACH,  MEASURED(sPow3o2))               \
+    ROW(s, Pow2o3,     ONE,        EACH,  MEASURED(sPow2o3))               \
+    ROW(s, ErfcInv,    ONE,        EACH,  MEASURED(sErfcInv))              \
+    ROW(s, CdfNorm,    ONE,        EACH,  MEASURED(sCdfNorm))              \
+    ROW(s, CdfNormInv, ONE,        EACH,  MEASURED(sCdfNormInv))           \
+    ROW(s, LGamma,     ONE,        ALL,   COST(238.11, 238.11, 238.11))    \
+    ROW(s, TGamma,     ONE,        ALL,   MEASURED(sTGamma))               \
+    ROW(s, ExpInt1,    ONE,        LA_HA, MEASURED(sExpInt1))              \
+    ROW(s, Sinpi,      ONE,        EACH,  MEASURED(sSinpi))                \
+    ROW(s, Cospi,      ONE,        EACH,  MEASURED(sCospi))                \
+    ROW(s, Tanpi,      ONE,        EACH,  MEASURED(sTanpi))                \
+    ROW(s, Acospi,     ONE,        EACH,  MEASURED(sAcospi))               \
+    ROW(s, Asinpi,     ONE,        EACH,  MEASURED(sAsinpi))               \
+    ROW(s, Atanpi,     ONE,        EACH,  MEASURED(sAtanpi))               \
+    ROW(s, Exp2,       ONE,        ALL,   MEASURED(sExp2))                 \
+    ROW(s, Exp10,      ONE,        ALL,   MEASURED(sExp10))                \
+    ROW(s, Log2,       ONE,        EACH,  MEASURED(sLog2))                 \
+    ROW(s, Sind,       ONE,        EACH,  MEASURED(sSind))                 \
+    ROW(s, Cosd,       ONE,        EACH,  MEASURED(sCosd))                 \
+    ROW(s, Tand,       ONE,        EACH,  MEASURED(sTand))                 \
+    ROW(s, Logb,       ONE,        ALL,   MEASURED(sLogb))                 \
+    ROW(d, Ceil,       ONE,        ALL,   MEASURED(dCeil))                 \
+    ROW(d, Floor,      ONE,        ALL,   MEASURED(dFloor))                \
+    ROW(d, Frac,       ONE,        ALL,   MEASURED(dFrac))                 \
+    ROW(d, NearbyInt,  ONE,        ALL,   MEASURED(dNearbyInt))            \
+    ROW(d, Rint,       ONE,        ALL,   MEASURED(dRint))                 \
+    ROW(d, Round,      ONE,        ALL,   MEASURED(dRound))                \
+    ROW(d, Trunc,      ONE,        ALL,   MEASURED(dTrunc))                \
+    ROW(d, Abs,        ONE,        ALL,   MEASURED(dAbs))                  \
+    ROW(d, Inv,        ONE,        ALL,   MEASURED(dInv))                  \
+    ROW(d, Sqrt,       ONE,        ALL,   MEASURED(dSqrt))                 \
+    ROW(d, InvSqrt,    ONE,        LA_EP, MEASURED(dInvSqrt))              \
+    ROW(d, Cbrt,       ONE,        LA_EP, MEASURED(dCbrt))                 \
+    ROW(d, InvCbrt,    ONE,        ALL,   MEASURED(dInvCbrt))              \
+    ROW(d, Exp,        ONE,        EACH,  COST(11.07, 16.065, 8.56))       \
+    ROW(d, Ln,         ONE,        LA_HA, COST(18, 18, 11.07))             \
+    ROW(d, Log10,      ONE,        LA_EP, MEASURED(dLog10))                \
+    ROW(d, Cos,        ONE,        LA_HA, MEASURED(dCos))                  \
+    ROW(d, Sin,        ONE,        EACH,  COST(20.147, 21.88, 14.681))     \
+    ROW(d, Tan,        ONE,        EACH,  COST(23.031, 60.573, 20.467))    \
+    ROW(d, Acos,       ONE,        EACH,  MEASURED(dAcos))                 \
+    ROW(d, Acosh,      ONE,        LA_EP, MEASURED(dAcosh))                \
+    ROW(d, Asin,       ONE,        EACH,  MEASURED(dAsin))                 \
+    ROW(d, Asinh,      ONE,        LA_EP, MEASURED(dAsinh))                \
+    ROW(d, Atan,       ONE,        LA_HA, MEASURED(dAtan))                 \
+    ROW(d, Atanh,      ONE,        EACH,  MEASURED(dAtanh))                \
+    ROW(d, Cosh,       ONE,        EACH,  MEASURED(dCosh))                 \
+    ROW(d, Sinh,       ONE,        LA_EP, MEASURED(dSinh))                 \
+    ROW(d, Tanh,       ONE,        LA_EP, MEASURED(dTanh))                 \
+    ROW(d, Erf,        ONE,        EACH,  COST(24.848, 44.1, 21.6))        \
+    ROW(d, Erfc,       ONE,        ALL,   MEASURED(dErfc))                 \
+    ROW(d, ErfInv,     ONE,        EACH,  MEASURED(dErfInv))               \
+    ROW(d, Sqr,        ONE,        ALL,   MEASURED(dSqr))                  \
+    ROW(d, Expm1,      ONE,        EACH,  MEASURED(dExpm1))                \
+    ROW(d, Log1p,      ONE,        EACH,  MEASURED(dLog1p))                \
+    ROW(d, Pow3o2,     ONE,        EACH,  MEASURED(dPow3o2))               \
+    ROW(d, Pow2o3,     ONE,        EACH,  MEASURED(dPow2o3))               \
+    ROW(d, ErfcInv,    ONE,        EACH,  MEASURED(dErfcInv))              \
+    ROW(d, CdfNorm,    ONE,        EACH,  MEASURED(dCdfNorm))              \
+    ROW(d, CdfNormInv, ONE,        EACH,  MEASURED(dCdfNormInv))           \
+    ROW(d, LGamma,     ONE,        ALL,   COST(319.85, 319.85, 319.85))    \
+    ROW(d, TGamma,     ONE,        ALL,   COST(423.3, 423.3, 423.3))       \
+    ROW(d, ExpInt1,    ONE,        LA_HA, MEASURED(dExpInt1))              \
+    ROW(d, Sinpi,      ONE,        EACH,  MEASURED(dSinpi))                \
+    ROW(d, Cospi,      ONE,        EACH,  MEASURED(dCospi))                \
+    ROW(d, Tanpi,      ONE,        EACH,  MEASURED(dTanpi))                \
+    ROW(d, Acospi,     ONE,        EACH,  MEASURED(dAcospi))               \
+    ROW(d, Asinpi,     ONE,        EACH,  MEASURED(dAsinpi))               \
+    ROW(d, Atanpi,     ONE,        EACH,  MEASURED(dAtanpi))               \
+    ROW(d, Exp2,       ONE,        ALL,   MEASURED(dExp2))                 \
+    ROW(d, Exp10,      ONE,        ALL,   MEASURED(dExp10))                \
+    ROW(d, Log2,       ONE,        EACH,  MEASURED(dLog2))                 \
+    ROW(d, Sind,       ONE,        EACH,  MEASURED(dSind))                 \
+    ROW(d, Cosd,       ONE,        EACH,  MEASURED(dCosd))                 \
+    ROW(d, Tand,       ONE,        EACH,  MEASURED(dTand))                 \
+    ROW(d, Logb,       ONE,        ALL,   MEASURED(dLogb))                 \
+    ROW(c, Cos,        ONE,        ALL,   MEASURED(cCos))                  \
+    ROW(c, Sin,        ONE,        ALL,   MEASURED(cSin))                  \
+    ROW(c, Tan,        ONE,        ALL,   MEASURED(cTan))                  \
+    ROW(c, Cosh,       ONE,        ALL,   MEASURED(cCosh))                 \
+    ROW(c, Sinh,       ONE,        ALL,   MEASURED(cSinh))                 \
+    ROW(c, Tanh,       ONE,        ALL,   MEASURED(cTanh))                 \
+    ROW(c, Acos,       ONE,        ALL,   MEASURED(cAcos))                 \
+    ROW(c, Asin,       ONE,        ALL,   COST(1223.63, 1223.63, 1223.63)) \
+    ROW(c, Atan,       ONE,        ALL,   MEASURED(cAtan))                 \
+    ROW(c, Acosh,      ONE,        ALL,   MEASURED(cAcosh))                \
+    ROW(c, Asinh,      ONE,        ALL,   MEASURED(cAsinh))                \
+    ROW(c, Atanh,      ONE,        ALL,   MEASURED(cAtanh))                \
+    ROW(c, Exp,        ONE,        LA_EP, MEASURED(cExp))                  \
+    ROW(c, Ln,         ONE,        EACH,  MEASURED(cLn))                   \
+    ROW(c, Log10,      ONE,        ALL,   MEASURED(cLog10))                \
+    ROW(c, Sqrt,       ONE,        LA_EP, MEASURED(cSqrt))                 \
+    ROW(c, Conj,       ONE,        ALL,   MEASURED(cConj))                 \
+    ROW(z, Cos,        ONE,        ALL,   MEASURED(zCos))                  \
+    ROW(z, Sin,        ONE,        ALL,   MEASURED(zSin))                  \
+    ROW(z, Tan,        ONE,        ALL,   MEASURED(zTan))                  \
+    ROW(z, Cosh,       ONE,        ALL,   MEASURED(zCosh))                 \
+    ROW(z, Sinh,       ONE,        ALL,   MEASURED(zSinh))                 \
+    ROW(z, Tanh,       ONE,        ALL,   MEASURED(zTanh))                 \
+    ROW(z, Acos,       ONE,        ALL,   MEASURED(zAcos))                 \
+    ROW(z, Asin,       ONE,        ALL,   MEASURED(zAsin))                 \
+    ROW(z, Atan,       ONE,        ALL,   MEASURED(zAtan))                 \
+    ROW(z, Acosh,      ONE,        ALL,   MEASURED(zAcosh))                \
+    ROW(z, Asinh,      ONE,        ALL,   MEASURED(zAsinh))                \
+    ROW(z, Atanh,      ONE,        ALL,   MEASURED(zAtanh))                \
+    ROW(z, Exp,        ONE,        LA_EP, MEASURED(zExp))                  \
+    ROW(z, Ln,         ONE,        LA_HA, MEASURED(zLn))                   \
+    ROW(z, Log10,      ONE,        ALL,   MEASURED(zLog10))                \
+    ROW(z, Sqrt,       ONE,        ALL,   MEASURED(zSqrt))                 \
+    ROW(z, Conj,       ONE,        ALL,   MEASURED(zConj))                 \
+    ROW(c, CIS,        TO_COMPLEX, EACH,  MEASURED(cCIS))                  \
+    ROW(z, CIS,        TO_COMPLEX, EACH,  MEASURED(zCIS))                  \
+    ROW(c, Abs,        TO_REAL,    EACH,  MEASURED(cAbs))                  \
+    ROW(c, Arg,        TO_REAL,    EACH,  MEASURED(cArg))                  \
+    ROW(z, Abs,        TO_REAL,    EACH,  MEASURED(zAbs))                  \
+    ROW(z, Arg,        TO_REAL,    EACH,  MEASURED(zArg))                  \
+    ROW(s, Div,        TWO,        ALL,   MEASURED(sDiv))                  \
+    ROW(s, Pow,        TWO,        LA_HA, MEASURED(sPow))                  \
+    ROW(s, Atan2,      TWO,        EACH,  MEASURED(sAtan2))                \
+    ROW(s, Hypot,      TWO,        EACH,  MEASURED(sHypot))                \
+    ROW(s, Add,        TWO,        ALL,   COST(0.89, 0.89, 0.89))          \
+    ROW(s, Sub,        TWO,        ALL,   MEASURED(sSub))                  \
+    ROW(s, Mul,        TWO,        ALL,   MEASURED(sMul))                  \
+    ROW(s, Atan2pi,    TWO,        EACH,  MEASURED(sAtan2pi))              \
+    ROW(s, CopySign,   TWO,        ALL,   MEASURED(sCopySign))             \
+    ROW(s, NextAfter,  TWO,        ALL,   MEASURED(sNextAfter))            \
+    ROW(s, Fdim,       TWO,        ALL,   MEASURED(sFdim))                 \
+    ROW(s, Fmax,       TWO,        ALL,   MEASURED(sFmax))                 \
+    ROW(s, Fmin,       TWO,        ALL,   MEASURED(sFmin))                 \
+    ROW(s, MaxMag,     TWO,        ALL,   MEASURED(sMaxMag))               \
+    ROW(s, MinMag,     TWO,        ALL,   MEASURED(sMinMag))               \
+    ROW(s, Powr,       TWO,        LA_HA, MEASURED(sPowr))                 \
+    ROW(s, Remainder,  TWO,        ALL,   MEASURED(sRemainder))            \
+    ROW(s, Fmod,       TWO,        ALL,   MEASURED(sFmod))                 \
+    ROW(d, Div,        TWO,        ALL,   MEASURED(dDiv))                  \
+    ROW(d, Pow,        TWO,        LA_HA, COST(53.66, 53.66, 29.628))      \
+    ROW(d, Atan2,      TWO,        EACH,  MEASURED(dAtan2))                \
+    ROW(d, Hypot,      TWO,        EACH,  MEASURED(dHypot))                \
+    ROW(d, Add,        TWO,        ALL,   MEASURED(dAdd))                  \
+    ROW(d, Sub,        TWO,        ALL,   MEASURED(dSub))                  \
+    ROW(d, Mul,        TWO,        ALL,   MEASURED(dMul))                  \
+    ROW(d, Atan2pi,    TWO,        EACH,  MEASURED(dAtan2pi))              \
+    ROW(d, CopySign,   TWO,        ALL,   MEASURED(dCopySign))             \
+    ROW(d, NextAfter,  TWO,        ALL,   MEASURED(dNextAfter))            \
+    ROW(d, Fdim,       TWO,        ALL,   MEASURED(dFdim))                 \
+    ROW(d, Fmax,       TWO,        ALL,   MEASURED(dFmax))                 \
+    ROW(d, Fmin,       TWO,        ALL,   MEASURED(dFmin))                 \
+    ROW(d, MaxMag,     TWO,        ALL,   MEASURED(dMaxMag))               \
+    ROW(d, MinMag,     TWO,        ALL,   MEASURED(dMinMag))               \
+    ROW(d, Powr,       TWO,        EACH,  MEASURED(dPowr))                 \
+    ROW(d, Remainder,  TWO,        ALL,   MEASURED(dRemainder))            \
+    ROW(d, Fmod,       TWO,        ALL,   MEASURED(dFmod))                 \
+    ROW(c, Div,        TWO,        LA_HA, MEASURED(cDiv))                  \
+    ROW(c, Pow,        TWO,        ALL,   MEASURED(cPow))                  \
+    ROW(c, Add,        TWO,        LA_HA, MEASURED(cAdd))                  \
+    ROW(c, Sub,        TWO,        LA_HA, MEASURED(cSub))                  \
+    ROW(c, Mul,        TWO,        LA_HA, MEASURED(cMul))                  \
+    ROW(c, MulByConj,  TWO,        LA_HA, MEASURED(cMulByConj))            \
+    ROW(z, Div,        TWO,        LA_HA, MEASURED(zDiv))                  \
+    ROW(z, Pow,        TWO,        ALL,   COST(1023.85, 1023.85, 1023.85)) \
+    ROW(z, Add,        TWO,        LA_HA, MEASURED(zAdd))                  \
+    ROW(z, Sub,        TWO,        LA_HA, MEASURED(zSub))                  \
+    ROW(z, Mul,        TWO,        LA_HA, COST(80.339, 80.339, 16.969))    \
+    ROW(z, MulByConj,  TWO,        LA_HA, MEASURED(zMulByConj))            \
+    ROW(c, Powx,       SCALAR,     ALL,   MEASURED(cPowx))                 \
+    ROW(z, Powx,       SCALAR,     ALL,   MEASURED(zPowx))                 \
+    ROW(s, Powx,       SCALAR,     EACH,  MEASURED(sPowx))                 \
+    ROW(d, Powx,       SCALAR,     EACH,  MEASURED(dPowx))                 \
+    ROW(s, SinCos,     TWO_OUT,    LA_EP, MEASURED(sSinCos))               \
+    ROW(s, Modf,       TWO_OUT,    ALL,   MEASURED(sModf))                 \
+    ROW(d, SinCos,     TWO_OUT,    LA_HA, MEASURED(dSinCos))               \
+    ROW(d, Modf,       TWO_OUT,    ALL,   MEASURED(dModf))                 \
+    ROW(s, LinearFrac, LINEAR,     ALL,   MEASURED(sLinearFrac))           \
+    ROW(d, LinearFrac, LINEAR,     ALL,   MEASURED(dLinearFrac))
 
 #define ORV_MOVE_ROWS(ROW) \
-    ROW(HERE,  s, PackI,      PACK_STRIDE, ALL,   COST(1111, 1111, 1111))   \
-    ROW(HERE,  d, PackI,      PACK_STRIDE, ALL,   COST(1111, 1111, 1111))   \
-    ROW(HERE,  c, PackI,      PACK_STRIDE, ALL,   COST(1111, 1111, 1111))   \
-    ROW(HERE,  z, PackI,      PACK_STRIDE, ALL,   COST(1111, 1111, 1111))   \
-    ROW(HERE,  s, PackM,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
-    ROW(HERE,  d, PackM,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
-    ROW(HERE,  c, PackM,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
-    ROW(HERE,  z, PackM,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
-    ROW(HERE,  s, PackV,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
-    ROW(HERE,  d, PackV,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
-    ROW(HERE,  c, PackV,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
-    ROW(HERE,  z, PackV,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
-    ROW(HERE,  s, UnpackI,    UNPACK_STRIDE, ALL,   COST(1111, 1111, 1111)) \
-    ROW(HERE,  d, UnpackI,    UNPACK_STRIDE, ALL,   COST(1111, 1111, 1111)) \
-    ROW(HERE,  c, UnpackI,    UNPACK_STRIDE, ALL,   COST(1111, 1111, 1111)) \
-    ROW(HERE,  z, UnpackI,    UNPACK_STRIDE, ALL,   COST(1111, 1111, 1111)) \
-    ROW(HERE,  s, UnpackM,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
-    ROW(HERE,  d, UnpackM,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
-    ROW(HERE,  c, UnpackM,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
-    ROW(HERE,  z, UnpackM,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
-    ROW(HERE,  s, UnpackV,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
-    ROW(HERE,  d, UnpackV,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
-    ROW(HERE,  c, UnpackV,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
-    ROW(HERE,  z, UnpackV,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))
+    ROW(s, PackI,      PACK_STRIDE, ALL,   COST(1111, 1111, 1111))   \
+    ROW(d, PackI,      PACK_STRIDE, ALL,   COST(1111, 1111, 1111))   \
+    ROW(c, PackI,      PACK_STRIDE, ALL,   COST(1111, 1111, 1111))   \
+    ROW(z, PackI,      PACK_STRIDE, ALL,   COST(1111, 1111, 1111))   \
+    ROW(s, PackM,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
+    ROW(d, PackM,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
+    ROW(c, PackM,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
+    ROW(z, PackM,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
+    ROW(s, PackV,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
+    ROW(d, PackV,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
+    ROW(c, PackV,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
+    ROW(z, PackV,      PACK_LIST,  ALL,   COST(1111, 1111, 1111))   \
+    ROW(s, UnpackI,    UNPACK_STRIDE, ALL,   COST(1111, 1111, 1111)) \
+    ROW(d, UnpackI,    UNPACK_STRIDE, ALL,   COST(1111, 1111, 1111)) \
+    ROW(c, UnpackI,    UNPACK_STRIDE, ALL,   COST(1111, 1111, 1111)) \
+    ROW(z, UnpackI,    UNPACK_STRIDE, ALL,   COST(1111, 1111, 1111)) \
+    ROW(s, UnpackM,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
+    ROW(d, UnpackM,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
+    ROW(c, UnpackM,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
+    ROW(z, UnpackM,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
+    ROW(s, UnpackV,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
+    ROW(d, UnpackV,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
+    ROW(c, UnpackV,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))   \
+    ROW(z, UnpackV,    UNPACK_LIST, ALL,   COST(1111, 1111, 1111))
 // clang-format on
 
 #endif

@@ -145,6 +145,20 @@
 #define ORV_COST_sAsinh 20, 20, 20
 #define ORV_COST_sAcosh 20, 20, 20
 #define ORV_COST_sAtanh 20, 20, 20
+#define ORV_COST_cAcos 90, 90, 90
+#define ORV_COST_cAtan 63, 63, 63
+#define ORV_COST_cAcosh 90, 90, 90
+#define ORV_COST_cAsinh 90, 90, 90
+#define ORV_COST_cAtanh 63, 63, 63
+#define ORV_COST_cPow 165, 165, 165
+#define ORV_COST_cPowx 165, 165, 165
+#define ORV_COST_zAcos 290, 290, 290
+#define ORV_COST_zAsin 290, 290, 290
+#define ORV_COST_zAtan 208, 208, 208
+#define ORV_COST_zAcosh 290, 290, 290
+#define ORV_COST_zAsinh 290, 290, 290
+#define ORV_COST_zAtanh 208, 208, 208
+#define ORV_COST_zPowx 240, 240, 240
 
 #define ORV_COST_cAdd 1.2, 1.2, 1.2
 #define ORV_COST_cSub 1.2, 1.2, 1.2

@@ -314,7 +314,6 @@ void check_type(char real, char complex) {
     for (size_t i = 0; i < both.size(); i += 7) some.push_back(both[i]);
     for (const Row& row : math_rows()) {
         can_raise(row);
-        if (!row.here) continue;
         if (row.type == real) check_row<T, T>(row, many, few);
         if (row.type != complex) continue;
         if (row.shape() == "TO_REAL")

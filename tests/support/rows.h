@@ -24,7 +24,6 @@ struct Form {
 };
 
 struct Row {
-    bool here;
     char type;
     const char* function_name;
     const char* shape_name;
@@ -50,36 +49,20 @@ inline constexpr const char* accuracy_names[3] = {"LA", "HA", "EP"};
             ORV_ENTRY(_arq##row##_HA), orv_arq_kernel_##row##_ttab, orv_arq_kernel_##row##_ctab \
     }
 
-#define ORV_IS_HERE true
-#define ORV_IS_LATER false
-#define ORV_DENSE_FORM_HERE(type, function) ORV_FORM(type, type##function)
-#define ORV_DENSE_FORM_LATER(type, function) \
-    {}
-#define ORV_STRIDED_FORM_HERE(type, function) ORV_FORM(type, type##function##I)
-#define ORV_STRIDED_FORM_LATER(type, function) \
-    {}
 #define COST(la, ha, ep) \
     true, { la, ha, ep }
 #define MEASURED(row) \
     false, { 0, 0, 0 }
-#define ORV_MATH_ROW(mark, type, function, shape, sharing, ...) \
-    {ORV_IS_##mark,                                             \
-     #type[0],                                                  \
-     #function,                                                 \
-     #shape,                                                    \
-     Sharing::sharing,                                          \
-     __VA_ARGS__,                                               \
-     ORV_DENSE_FORM_##mark(type, function),                     \
-     ORV_STRIDED_FORM_##mark(type, function)},
-#define ORV_MOVE_ROW(mark, type, function, shape, sharing, ...) \
-    {ORV_IS_##mark,                                             \
-     #type[0],                                                  \
-     #function,                                                 \
-     #shape,                                                    \
-     Sharing::sharing,                                          \
-     __VA_ARGS__,                                               \
-     ORV_DENSE_FORM_##mark(type, function),                     \
-     {}},
+#define ORV_MATH_ROW(type, function, shape, sharing, ...) \
+    {#type[0],                                            \
+     #function,                                           \
+     #shape,                                              \
+     Sharing::sharing,                                    \
+     __VA_ARGS__,                                         \
+     ORV_FORM(type, type##function),                      \
+     ORV_FORM(type, type##function##I)},
+#define ORV_MOVE_ROW(type, function, shape, sharing, ...) \
+    {#type[0], #function, #shape, Sharing::sharing, __VA_ARGS__, ORV_FORM(type, type##function), {}},
 
 // Plain arrays: laid out by the compiler where it can be, and quick to compile.
 inline const Row math_row_list[] = {ORV_MATH_ROWS(ORV_MATH_ROW)};

@@ -20,7 +20,6 @@ struct Card {
 };
 
 struct Row {
-    bool here;
     char type;
     std::string_view function, shape, sharing;
 };
@@ -43,9 +42,7 @@ constexpr Card cards[] = {ORV_FUNCTION_CARDS(CARD)};
 #define CARD(function, edges, source) {#function, "", edges, "", source},
 constexpr Card complex_cards[] = {ORV_COMPLEX_CARDS(CARD)};
 
-#define MARK_HERE true
-#define MARK_LATER false
-#define ROW(mark, type, function, shape, sharing, cost) {MARK_##mark, #type[0], #function, #shape, #sharing},
+#define ROW(type, function, shape, sharing, cost) {#type[0], #function, #shape, #sharing},
 constexpr Row math_rows[] = {ORV_MATH_ROWS(ROW)};
 constexpr Row move_rows[] = {ORV_MOVE_ROWS(ROW)};
 
@@ -107,8 +104,7 @@ const Card* card_of(const Card (&list)[N], std::string_view function) {
 // What there is to say of the function of complex numbers beside its card, if any.
 const Card* complex_card_of(std::string_view function) {
     for (const Row& row : math_rows)
-        if (row.here && row.function == function && (row.type == 'c' || row.type == 'z'))
-            return card_of(complex_cards, function);
+        if (row.function == function && (row.type == 'c' || row.type == 'z')) return card_of(complex_cards, function);
     return nullptr;
 }
 
@@ -130,7 +126,7 @@ std::string errors_of(std::string_view function) {
     for (const char type : {'d', 's', 'z', 'c'}) {
         std::string of_type;
         for (const Row& row : math_rows) {
-            if (!row.here || row.function != function || row.type != type) continue;
+            if (row.function != function || row.type != type) continue;
             for (const Bound& bound : bounds) {
                 if (bound.type != type || bound.function != function) continue;
                 const bool also = bound.accuracy == "LA";
@@ -157,9 +153,9 @@ template <size_t N>
 bool write_functions(std::ostream& header, const Row (&rows)[N], bool has_strided) {
     for (size_t i = 0; i < N; ++i) {
         const Row& first = rows[i];
-        bool opens_card = first.here;
+        bool opens_card = true;
         for (size_t j = 0; j < i; ++j)
-            if (rows[j].here && rows[j].function == first.function) opens_card = false;
+            if (rows[j].function == first.function) opens_card = false;
         if (!opens_card) continue;
         const Card* card = card_of(cards, first.function);
         if (!card) {
@@ -174,7 +170,7 @@ bool write_functions(std::ostream& header, const Row (&rows)[N], bool has_stride
             header << "\n * Of complex numbers: " << complex->edges << " Source: " << complex->source << ".";
         header << " */\n";
         for (const Row& row : rows) {
-            if (!row.here || row.function != first.function) continue;
+            if (row.function != first.function) continue;
             declare(header, row, false);
             if (has_strided) declare(header, row, true);
         }
@@ -185,16 +181,16 @@ bool write_functions(std::ostream& header, const Row (&rows)[N], bool has_stride
 // The rows as a macro, for programs that go through all of them.
 void write_list(std::ostream& header) {
     const size_t all = 2 * std::size(math_rows) + std::size(move_rows);
-    header << "/* Every row of the tables, present or to come: " << all
-           << " with the strided forms. */\n#define ORV_VECMATH_ROW_COUNT " << all << "\n\n"
-           << "/* Calls ROW(type, function, shape) for each dense row that is present. A row of ORV_VECMATH_ROWS has a "
+    header << "/* The rows of the tables: " << all << " with the strided forms. */\n#define ORV_VECMATH_ROW_COUNT "
+           << all << "\n\n"
+           << "/* Calls ROW(type, function, shape) for each dense row. A row of ORV_VECMATH_ROWS has a "
               "strided form\n"
               " * too, one of ORV_VECMATH_MOVE_ROWS has not. */\n#define ORV_VECMATH_ROWS(ROW)";
     for (const Row& row : math_rows)
-        if (row.here) header << " \\\n    ROW(" << row.type << ", " << row.function << ", " << row.shape << ")";
+        header << " \\\n    ROW(" << row.type << ", " << row.function << ", " << row.shape << ")";
     header << "\n#define ORV_VECMATH_MOVE_ROWS(ROW)";
     for (const Row& row : move_rows)
-        if (row.here) header << " \\\n    ROW(" << row.type << ", " << row.function << ", " << row.shape << ")";
+        header << " \\\n    ROW(" << row.type << ", " << row.function << ", " << row.shape << ")";
     header << "\n\n/* The \"LA\" and the \"EP\" entry of a function, by type. */\n";
     for (const Suffixes& s : suffixes)
         header << "#define ORV_VECMATH_LA_" << s.type << "(function) _arq" << s.type << "##function##" << s.la

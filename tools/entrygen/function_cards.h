@@ -103,6 +103,13 @@
     CARD(Sub, "Each part by itself; EP cannot differ.", "IEC 60559") \
     CARD(Mul, "An infinity times anything but zero is an infinity, beside a NaN too. Nothing is reported.", "Products in two parts, T. J. Dekker, Numer. Math. 18 (1971); C99 Annex G.5.1") \
     CARD(Div, "A finite number other than zero over zero gives infinities, reported as singularity; 0/0 and infinity/infinity NaNs, reported as domain; an infinity over a finite number is an infinity, a finite number over an infinity zero. Overflow and underflow are not reported.", "Products in two parts, T. J. Dekker, Numer. Math. 18 (1971); C99 Annex G.5.1") \
+    CARD(Acos, "Of every number; the cuts lie on the real axis beyond -1 and 1, continued from the side of the zero's sign; nothing is reported.", "T. E. Hull, T. F. Fairgrieve and P. T. P. Tang, ACM TOMS 23 (1997), with exact squares") \
+    CARD(Asin, "As Acos.", "T. E. Hull, T. F. Fairgrieve and P. T. P. Tang, ACM TOMS 23 (1997), with exact squares") \
+    CARD(Acosh, "The cut lies on the real axis below 1, continued from the side of the zero's sign; nothing is reported.", "T. E. Hull, T. F. Fairgrieve and P. T. P. Tang, ACM TOMS 23 (1997), with exact squares") \
+    CARD(Asinh, "The cuts lie on the imaginary axis beyond -i and i, continued from the side of the zero's sign; nothing is reported.", "T. E. Hull, T. F. Fairgrieve and P. T. P. Tang, ACM TOMS 23 (1997), with exact squares") \
+    CARD(Atan, "i and -i are poles, reported as singularity; the cuts lie on the imaginary axis beyond them.", "C99 Annex G.6") \
+    CARD(Atanh, "1 and -1 are poles, reported as singularity; the cuts lie on the real axis beyond them.", "C99 Annex G.6") \
+    CARD(Pow, "exp(b ln a), the logarithm cut below the real axis; any a to the power 0 is 1, 0 to a power of positive real part 0, to a negative real power infinity, to others a NaN, the last two reported as domain; overflow is reported. The error holds where b ln a is below 100 in magnitude and grows with it beyond.", "The logarithm and the angle in two parts") \
     CARD(Abs, "As Hypot: an infinity gives plus infinity, beside a NaN too; an overflow infinity, reported as such.", "C99 Annex G.6") \
     CARD(Sqrt, "The root in the right half plane, continuous from the side of a signed zero; an infinite imaginary part makes both parts infinite, beside a NaN too. Nothing is reported.", "C99 Annex G.6.4.2") \
     CARD(Exp, "An infinite imaginary part gives NaNs, reported as domain, but zeros beside minus infinity; parts that overflow are infinities, reported as such; underflow is not reported.", "C99 Annex G.6.3.1") \
