@@ -77,8 +77,22 @@ void root(mpfr_t* y, mpfr_t* x) {
 struct Functions {
     Number sine, cosine, sinh, cosh;
     Functions(mpfr_srcptr u, mpfr_srcptr v) {
-        mpfr_sin_cos(sine, cosine, u, MPFR_RNDN);
+        // Of what is tiny the second terms are below 2^-200, and the library slow.
+        const auto is_tiny = [](mpfr_srcptr x) {
+            return mpfr_zero_p(x) || (mpfr_number_p(x) && mpfr_get_exp(x) < -100);
+        };
+        if (is_tiny(u)) {
+            mpfr_set(sine, u, MPFR_RNDN);
+            mpfr_set_ui(cosine, 1, MPFR_RNDN);
+        } else {
+            mpfr_sin_cos(sine, cosine, u, MPFR_RNDN);
+        }
         Number w(v);
+        if (is_tiny(w)) {
+            mpfr_set(sinh, w, MPFR_RNDN);
+            mpfr_set_ui(cosh, 1, MPFR_RNDN);
+            return;
+        }
         if (mpfr_cmp_si(w, 100'000) > 0) mpfr_set_si(w, 100'000, MPFR_RNDN);
         if (mpfr_cmp_si(w, -100'000) < 0) mpfr_set_si(w, -100'000, MPFR_RNDN);
         mpfr_sinh_cosh(sinh, cosh, w, MPFR_RNDN);

@@ -56,18 +56,13 @@ struct ExpZ : frame::Elementwise<orv_complex_d, 4, frame::Tail::masked> {
     static ComplexD lanes(ComplexD z) {
         const PowerOfE power = power_of_e(z.re);
         const D scale = power_of_two(power.k);
-        D re, im;
-        if constexpr (InParts) {
-            const SineCosine turn = sine_cosine(simd::magnitude(z.im));
-            const Pair value = normal(power.value);
-            re = rounded_product(value, turn.cosine);
-            im = rounded_product(value, turn.sine);
-        } else {
-            D sine, cosine;
-            sincos_128(simd::magnitude(z.im), sine, cosine);
-            re = power.value.high * cosine + power.value.low * cosine;
-            im = power.value.high * sine + power.value.low * sine;
-        }
+        const Pair value = normal(power.value);
+        SineCosine turn{};
+        if constexpr (InParts)
+            turn = sine_cosine(simd::magnitude(z.im));
+        else
+            sincos_128(simd::magnitude(z.im), turn.sine.high, turn.cosine.high);
+        const D re = rounded_product(value, turn.cosine), im = rounded_product(value, turn.sine);
         return {re * scale, simd::bit_xor(im * scale, simd::sign_of(z.im))};
     }
     static int32_t scalar(const orv_complex_d* z, orv_complex_d* y) { return scalar_exp(z, y); }

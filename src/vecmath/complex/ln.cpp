@@ -32,12 +32,17 @@ constexpr Pair inverse_ln_10() {
 }
 constexpr long double log10_of_e = 0.434294481903251827651128918916605082L;
 
-// re^2 + im^2, the larger part leading.
-inline Pair square_of_modulus(ComplexD z) {
+// re^2 + im^2 to all digits that count when its leading part is next to 1: high + low, and what rounding takes from low.
+struct SquareOfModulus {
+    Pair sum;
+    D tail;
+};
+inline SquareOfModulus square_of_modulus(ComplexD z) {
     const D re = simd::magnitude(z.re), im = simd::magnitude(z.im);
     const Pair larger = exact_square(simd::greatest(re, im)), smaller = exact_square(simd::least(re, im));
     const Pair leading = sum(larger.high, smaller.high), rest = two_sum(larger.low, smaller.low);
-    return sum(leading.high, (leading.low + rest.high) + rest.low);
+    const Pair low = two_sum(leading.low, rest.high);
+    return {sum(leading.high, low.high), low.low + rest.low};
 }
 // Of floats, whose squares are exact.
 inline Pair square_of_float_modulus(ComplexD z) {
@@ -45,12 +50,17 @@ inline Pair square_of_float_modulus(ComplexD z) {
     return sum(simd::greatest(re, im), simd::least(re, im));
 }
 
-template <class Base>
-inline D log_modulus(Pair square) {
+template <class Base, class... Tail>
+inline D log_modulus(Pair square, Tail... tail) {
     // The rest in units of the leading part's exponent.
     const __m128i exponent = simd::bit_and(simd::bits_of(square.high), simd::splat_bits(uint64_t{0x7FF} << 52));
     const D scale = simd::doubles(simd::subtract(simd::splat_bits(uint64_t{2046} << 52), exponent));
-    return log_513<Base::rows>(square.high, square.low * scale) * splat(0.5);
+    return log_513<Base::rows>(square.high, square.low * scale, tail * scale...) * splat(0.5);
+}
+
+template <class Base>
+inline D log_modulus(const SquareOfModulus& square) {
+    return log_modulus<Base>(square.sum, square.tail);
 }
 
 template <class Base, bool Short>

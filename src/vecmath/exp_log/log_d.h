@@ -105,10 +105,12 @@ inline __m128d log_513(__m128d x, Rest... rest) {
     const __m128d a = k * K.log2_high + log_high;
     const __m128d next_to_one = simd::equal(a, _mm_setzero_pd());
     // Next to one u + v is exact and adding the rest rounds to what r is.
-    const __m128d b = (((a + u) + simd::bit_and(next_to_one, v)) + ... + simd::bit_and(next_to_one, rest * rcp));
+    const __m128d exact = (a + u) + simd::bit_and(next_to_one, v);
+    const __m128d b = (exact + ... + simd::bit_and(next_to_one, rest * rcp));
     const __m128d late = simd::bit_and_not(next_to_one, (v + ... + (rest * rcp)));
     __m128d c = log_low;
     if constexpr (K.log2_low != 0.0) c = k * K.log2_low + log_low;
+    if constexpr (sizeof...(rest) != 0) c = c + ((exact - b) + ... + simd::bit_and(next_to_one, rest * rcp));
     __m128d q = r * (K.q1 + r * (K.q2 + r * (K.q3 + r * K.q4)));
     if constexpr (K.q0 != 0.0) q = K.q0 + q;
     return ((r * q + c) + late) + b;
