@@ -1,5 +1,5 @@
 // Writes src/frame/measured_costs.h: cycles per element of every present row whose cost figures are not fixed, brought to
-// the scale of the fixed ones by the mean ratio of the fixed figures to what their rows take here.
+// the scale of the fixed ones by the median ratio of the fixed figures to what their rows take here.
 //
 // usage: cost_table src/frame/measured_costs.h
 #include "frame/kernel_tables.h"
@@ -8,7 +8,7 @@
 
 #include <orv/vecmath.h>
 
-#include <cmath>
+#include <algorithm>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -39,9 +39,9 @@ double cycles_of(orv_arq_kernel kernel, const Row& row) {
     const Line* line = find_line(row.type, row.function);
     const Range range = line ? line->range : Range{Spread::EVEN, 0.1, 0.9, 0.1, 0.9, 0};
     const bool single = row.type == 's' || row.type == 'c';
-    const std::vector<float> as = arguments_s(range, n, false), bs = arguments_s(range, n, true);
-    const std::vector<double> ad = arguments_d(range, n, false), bd = arguments_d(range, n, true);
-    std::vector<double> y(2 * n + 200), z(2 * n + 400);
+    const std::vector<float> as = arguments_s(range, 2 * n, false), bs = arguments_s(range, 2 * n, true);
+    const std::vector<double> ad = arguments_d(range, 2 * n, false), bd = arguments_d(range, 2 * n, true);
+    std::vector<double> y(2 * n + 200), z(2 * n + 400);  // complex elements are pairs
     Arrays arrays = {ad.data(), bd.data(), y.data() + 40, z.data() + 120, nullptr};
     if (single) arrays.a = as.data(), arrays.b = bs.data();
     const auto call = [&] { orv::bench::call(kernel, row.type, row.shape, false, n, arrays); };
@@ -62,17 +62,15 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: cost_table HEADER\n");
         return 2;
     }
-    double logarithms = 0;
-    int fixed_figures = 0;
+    std::vector<double> ratios;
     for (const Row& row : rows) {
         if (!row.fixed) continue;
-        for (int k = 0; k < 3; ++k) {
-            logarithms += std::log(row.cost[k] / cycles_of(row.kernels[k], row));
-            ++fixed_figures;
-        }
+        for (int k = 0; k < 3; ++k) ratios.push_back(row.cost[k] / cycles_of(row.kernels[k], row));
     }
-    const double scale = fixed_figures ? std::exp(logarithms / fixed_figures) : 1;
-    std::printf("%d fixed figures, %.3f times the cycles here\n", fixed_figures, scale);
+    const auto middle = ratios.begin() + static_cast<ptrdiff_t>(ratios.size() / 2);
+    std::nth_element(ratios.begin(), middle, ratios.end());
+    const double scale = *middle;
+    std::printf("%d fixed figures, %.3f times the cycles here\n", static_cast<int>(ratios.size()), scale);
 
     std::string text =
         "// Written by the bench program cost_table; not edited by hand. Cycles per element on the scale of the fixed "
