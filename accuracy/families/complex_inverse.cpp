@@ -86,6 +86,8 @@ void atanh(mpfr_ptr u, mpfr_ptr v, mpfr_srcptr re, mpfr_srcptr im) {
     mpfr_neg(q, q, MPFR_RNDN);
     mpfr_atan2(v, y, q, MPFR_RNDN);
     mpfr_div_2ui(v, v, 1, MPFR_RNDN);
+    // At the pole the angle of (0, 0) is that of a point to the right.
+    if (mpfr_zero_p(from_1.v)) mpfr_set_zero(v, 1);
     put_sign(u, re);
     put_sign(v, im);
 }
