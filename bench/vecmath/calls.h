@@ -17,6 +17,8 @@ struct Arrays {
 
 namespace calls {
 
+inline constexpr int32_t narrow = 1;  // the moves' masks and positions are 32-bit
+
 template <class X>
 void by_type(orv_arq_kernel kernel, std::string_view shape, int32_t n, const Arrays& v) {
     const X *const a = static_cast<const X*>(v.a), *const b = static_cast<const X*>(v.b);
@@ -31,13 +33,13 @@ void by_type(orv_arq_kernel kernel, std::string_view shape, int32_t n, const Arr
         reinterpret_cast<void (*)(int32_t, const X*, const X*, X, X, X, X, X*)>(kernel)(n, a, b, b[0], b[1], b[2], b[3],
                                                                                         y);
     else if (shape == "PACK_STRIDE")
-        reinterpret_cast<void (*)(int64_t, const X*, int64_t, X*)>(kernel)(n, a, 2, y);
+        reinterpret_cast<void (*)(int64_t, const X*, int64_t, X*, int32_t)>(kernel)(n, a, 2, y, narrow);
     else if (shape == "UNPACK_STRIDE")
-        reinterpret_cast<void (*)(int64_t, const X*, X*, int64_t)>(kernel)(n, a, y, 2);
+        reinterpret_cast<void (*)(int64_t, const X*, X*, int64_t, int32_t)>(kernel)(n, a, y, 2, narrow);
     else if (shape == "PACK_LIST")
-        reinterpret_cast<void (*)(int64_t, const X*, const int32_t*, X*)>(kernel)(n, a, v.list, y);
+        reinterpret_cast<void (*)(int64_t, const X*, const int32_t*, X*, int32_t)>(kernel)(n, a, v.list, y, narrow);
     else if (shape == "UNPACK_LIST")
-        reinterpret_cast<void (*)(int64_t, const X*, X*, const int32_t*)>(kernel)(n, a, y, v.list);
+        reinterpret_cast<void (*)(int64_t, const X*, X*, const int32_t*, int32_t)>(kernel)(n, a, y, v.list, narrow);
     else  // one array in, one out, of whatever they hold
         reinterpret_cast<void (*)(int32_t, const void*, void*)>(kernel)(n, a, y);
 }

@@ -36,12 +36,13 @@ struct Storage {
     std::vector<int32_t> list;
 
     Storage(char type, const Range& range) : y(4 * n + 64), z(4 * n + 96) {
+        // Complex elements are two numbers, and increments are 2.
         if (type == 's' || type == 'c') {
-            as = arguments_s(range, n, false);
-            bs = arguments_s(range, n, true);
+            as = arguments_s(range, 4 * n, false);
+            bs = arguments_s(range, 4 * n, true);
         } else {
-            a = arguments_d(range, n, false);
-            b = arguments_d(range, n, true);
+            a = arguments_d(range, 4 * n, false);
+            b = arguments_d(range, 4 * n, true);
         }
         // Positions, and a mask with every second element: each move reads or writes n at most.
         for (int32_t i = 0; i < n; ++i) list.push_back(i & 1);
