@@ -246,8 +246,12 @@ TYPED_TEST(SSMissing, StatusesAndMemory) {
     problem.start = {0, 0, 1, 1, 1};
     EXPECT_EQ(problem.impute(), SSStatusNotPositiveDefinite);
     problem.start.clear();
-    problem.prior[0] = -1;
-    EXPECT_EQ(problem.impute(), SSStatusMissCov);
+    for (const auto& [place, value] :
+         {std::pair{0, -1.0}, {0, HUGE_VAL}, {1, HUGE_VAL}, {3, double{NAN}}, {4, double{NAN}}, {6, HUGE_VAL}}) {
+        problem.prior = {1, 3, 0, 0, 1, 0, 1};
+        problem.prior[place] = value;
+        EXPECT_EQ(problem.impute(), SSStatusMissCov) << place << " " << value;
+    }
     problem.prior = {1, -39, 0, 0, 1, 0, 1};
     EXPECT_EQ(problem.impute(), SSStatusNotPositiveDefinite);
     problem.prior.clear();

@@ -74,8 +74,9 @@ int32_t read_prior(const SSTask* task, const Sample& sample, Prior& prior) {
         const T* given = static_cast<const T*>(task->missCov);
         prior.tau = given[0];
         prior.freedom = given[1];
-        if (!(prior.tau >= 0 && prior.tau - prior.tau == 0 && prior.freedom - prior.freedom == 0))
-            return SSStatusMissCov;
+        bool finite = true;
+        for (int64_t k = 0; k < count; ++k) finite &= given[k] - given[k] == 0;
+        if (!(finite && prior.tau >= 0)) return SSStatusMissCov;
         read_mean(sample, given + 2, prior.mean);
         read_packed(sample, given + 2 + q, prior.scale);
     }
