@@ -245,10 +245,9 @@ int32_t draw_in_frame(Stream* stream, int32_t n, int32_t* r, const Urn& urn, con
         return StatusOk;
     }
     if (urn.mode < least_mode_of_rejection) {
-        const ErrorFrame frame(take_least_logarithm_at_pole<double>);
+        ThreadState().set_callback(take_least_logarithm_at_pole<double>);
         return draw_from_table(stream, n, r, urn, key);
     }
-    const ErrorFrame frame(take_least_logarithm_at_pole<float>);
     return draw_rejecting(stream, n, r, urn, key);
 }
 
@@ -257,6 +256,7 @@ int32_t draw_in_frame(Stream* stream, int32_t n, int32_t* r, const Urn& urn, con
 ORV_API int32_t _kuziRngHypergeometric(int32_t, Stream* stream, int32_t n, int32_t* r, int32_t l, int32_t s,
                                        int32_t m) {
     if (n <= 0) return StatusOk;
+    const ErrorFrame frame(take_least_logarithm_at_pole<float>);
     const Urn urn = urn_of(l, s, m);
     const int32_t status = draw_in_frame(stream, n, r, urn, {double(l), double(m), double(s)});
     if (status < 0) return status;

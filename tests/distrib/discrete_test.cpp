@@ -152,6 +152,21 @@ TEST(Discrete, FailingGeneratorsAndTheCallersState) {
     _arqSetMode(before);
 }
 
+// All exceptions unmasked by the caller: these mask them in all they compute.
+TEST(Discrete, RunWithExceptionsMasked) {
+    for (const DiscreteLaw& law :
+         {poisson(PoissonRejection, 5.3), poisson(PoissonRejection, 40.3), poisson(PoissonNormal, 40.3),
+          hypergeometric(50, 20, 10), hypergeometric(10000, 5000, 1000), negbinomial(5, 0.3), negbinomial(100, 0.02)}) {
+        OwnedStream stream(BrngMCG59, {5});
+        int32_t r[100];
+        _mm_setcsr(0);
+        const int32_t status = law.draw(stream, 100, r);
+        const unsigned mxcsr = _mm_getcsr();
+        _mm_setcsr(usual_mxcsr);
+        EXPECT_TRUE(status == StatusOk && (mxcsr & 0xFFC0) == 0) << law.name;
+    }
+}
+
 TEST(Discrete, NothingIsDrawnForNothing) {
     for (const DiscreteLaw& law : paths())
         for (const int32_t n : {0, -7}) {
