@@ -278,6 +278,17 @@ void run(const Request& request) {
     finish(output);
 }
 
+// CLI's range, but NaN, of which no comparison holds, is outside.
+CLI::Validator number_between(double least, double most) {
+    const CLI::Range range(least, most);
+    const auto check = [range](std::string& text) {
+        double value;
+        if (CLI::detail::lexical_cast(text, value) && value != value) return "'" + text + "' is not a number";
+        return range(text);
+    };
+    return {check, range.get_description()};
+}
+
 }  // namespace
 
 void add_stats(CLI::App& app, int& status) {
@@ -296,12 +307,12 @@ void add_stats(CLI::App& app, int& status) {
     stats->add_option("--weights", request->weights, "the column that holds the weights of the rows");
     CLI::Option* orders = stats->add_option("--quantiles", request->quantiles,
                                             "orders from 0 to 1, with commas between: the quantiles of each column");
-    orders->delimiter(',')->allow_extra_args(false)->check(CLI::Range(0.0, 1.0));
+    orders->delimiter(',')->allow_extra_args(false)->check(number_between(0, 1));
     stats
         ->add_option("--stream-quantiles", request->stream_epsilon,
                      "quantiles of a file that does not fit into memory, with ranks right to this share of the rows; "
                      "of the orders 0.05, 0.25, 0.5, 0.75, 0.95 without --quantiles")
-        ->check(CLI::Range(1e-7, 0.5));
+        ->check(number_between(1e-7, 0.5));
     stats->add_flag("--mad", request->mad,
                     "median, and median and mean of the absolute deviations from it; without weights");
     stats->add_option(

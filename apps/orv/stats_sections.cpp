@@ -29,7 +29,10 @@ std::vector<size_t> columns_of(std::string_view list, const std::vector<std::str
 
 void check_statistics(int32_t status) {
     if (status == SSStatusAllocation) fail("no memory");
-    if (status == SSStatusNotPositiveDefinite) fail("the covariance is not positive semi-definite");
+    if (status == SSStatusNotPositiveDefinite)
+        fail(
+            "the covariance is not positive definite: too few rows, a column without spread, or columns that are "
+            "combinations of others");
     if (status != SSStatusOk) fail("the statistics kernel returned status " + std::to_string(status));
 }
 

@@ -456,7 +456,7 @@ int32_t _kuziRngHypergeometric(int32_t method, Stream* stream, int32_t n, int32_
 /* Negative binomial: failures before the a-th success of probability p, a any positive number. `method` is not read. With
  * (a - 1) (1 - p) / p of 100 and above, or a mean a (1 - p) / p of 10737418.24 and above, by rejection; otherwise from a
  * table, past whose end, some tens above the mode, each number is summed for step by step: a small a with a great mean takes
- * time. Results of 2^31 and above are drawn again.
+ * time. Results of 2^31 and above are drawn again by rejection and given as 2^31 - 1 from a table.
  * L. Devroye, "Non-Uniform Random Variate Generation", 1986, chapters VII.2 and X.4. */
 int32_t _kuziRngNegbinomial(int32_t method, Stream* stream, int32_t n, int32_t* r, double a, double p);
 

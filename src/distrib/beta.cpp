@@ -264,7 +264,6 @@ int32_t powers_on_either_side(Stream* stream, int32_t count, T* x, const Switchi
 
 template <class T>
 int32_t standard_beta(Stream* stream, int32_t n, T* r, T p, T q) {
-    const ErrorFrame frame(take_least_logarithm_at_pole<T>);
     if (q == T(1)) return power_of_uniform(stream, n, r, p);
     if (p == T(1)) return rest_of_power_of_uniform(stream, n, r, q);
     if (p > T(1) && q > T(1)) return from_odds(stream, n, r, p, q);
@@ -281,6 +280,7 @@ template <class T>
 int32_t beta(int32_t method, Stream* stream, int32_t n, T* r, T p, T q, T a, T beta) {
     if (n <= 0) return StatusOk;
     if (p == T(1) && q == T(1)) return draw_uniforms_between(method, stream, n, r, a, a + beta);
+    const ErrorFrame frame(take_least_logarithm_at_pole<T>);
     const int32_t status = standard_beta(stream, n, r, p, q);
     if (status < 0) return status;
     shift_and_scale(n, r, a, beta);

@@ -56,6 +56,7 @@ int32_t draw_groups(int32_t n, T* r, int32_t size, Draw draw, First first, Fold 
 
 template <class T>
 int32_t squared_normals(Stream* stream, int32_t n, T* r, int32_t v) {
+    const ErrorFrame frame(take_least_logarithm_at_pole<T>);
     return draw_groups(
         n, r, v, [=](int32_t count, T* raw) { return draw_normals(stream, count, raw); }, [](auto x) { return x * x; },
         [](auto sum, auto x) { return sum + x * x; });

@@ -49,13 +49,17 @@ struct DistributionFunction {
 template <class Ratio>
 int32_t invert_beyond(const DistributionFunction& f, double u, Ratio ratio) {
     double sum = f.entries[f.size - 1], increment = f.increment;
-    for (int32_t k = f.size; k <= f.most; ++k) {
+    int32_t k = f.size;
+    for (; k < f.most; ++k) {
         increment *= ratio(k);
         const double next = sum + increment;
-        if (next > u || !(next > sum)) return k;
+        if (next > u) return k;
+        if (!(next > sum)) break;
         sum = next;
     }
-    return f.most;
+    if (k > f.size) return k;
+    for (--k; k > 0 && f.entries[k - 1] == sum;) --k;
+    return k;
 }
 
 // The first entry that exceeds u, found step by step from the start.

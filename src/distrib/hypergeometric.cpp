@@ -201,7 +201,7 @@ struct ByTable {
 };
 static_assert(offsetof(ByTable, entries) == 48);
 
-// The terms end where they no longer count.
+// The terms end where they no longer count, and are taken as shares of their sum.
 void set_table(ByTable& b, const Urn& urn) {
     constexpr double least = 2.220446049250313e-16;
     double arguments[4] = {urn.x + 0.0, urn.y + 0.0, urn.z + 0.0, double(urn.x) + urn.y - urn.z};
@@ -218,6 +218,10 @@ void set_table(ByTable& b, const Urn& urn) {
         b.entries[size] = sum += term;
     }
     b.size = size;
+    // Logarithms of great factorials are wrong by so much that the sum misses 1 by 1e-5: what is missing would all fall
+    // where the table ends.
+    for (int32_t k = 0; k < size; ++k) b.entries[k] /= sum;
+    b.increment /= sum;
 }
 
 int32_t draw_from_table(Stream* stream, int32_t n, int32_t* r, const Urn& urn, const Key& key) {
@@ -241,10 +245,9 @@ int32_t draw_in_frame(Stream* stream, int32_t n, int32_t* r, const Urn& urn, con
         return StatusOk;
     }
     if (urn.mode < least_mode_of_rejection) {
-        const ErrorFrame frame(take_least_logarithm_at_pole<double>);
+        ThreadState().set_callback(take_least_logarithm_at_pole<double>);
         return draw_from_table(stream, n, r, urn, key);
     }
-    const ErrorFrame frame(take_least_logarithm_at_pole<float>);
     return draw_rejecting(stream, n, r, urn, key);
 }
 
@@ -253,6 +256,7 @@ int32_t draw_in_frame(Stream* stream, int32_t n, int32_t* r, const Urn& urn, con
 ORV_API int32_t _kuziRngHypergeometric(int32_t, Stream* stream, int32_t n, int32_t* r, int32_t l, int32_t s,
                                        int32_t m) {
     if (n <= 0) return StatusOk;
+    const ErrorFrame frame(take_least_logarithm_at_pole<float>);
     const Urn urn = urn_of(l, s, m);
     const int32_t status = draw_in_frame(stream, n, r, urn, {double(l), double(m), double(s)});
     if (status < 0) return status;

@@ -206,11 +206,10 @@ int32_t draw_from_table(Stream* stream, int32_t n, int32_t* r, double a, double 
 
 ORV_API int32_t _kuziRngNegbinomial(int32_t, Stream* stream, int32_t n, int32_t* r, double a, double p) {
     if (n <= 0) return StatusOk;
+    const ErrorFrame frame(take_least_logarithm_at_pole<float>);
     const double q = 1 - p, peak = (a - 1) * q / p;
-    if (a * q / p >= least_mean_of_rejection || peak >= least_mode_of_rejection) {
-        const ErrorFrame frame(take_least_logarithm_at_pole<float>);
+    if (a * q / p >= least_mean_of_rejection || peak >= least_mode_of_rejection)
         return a < 1 ? draw_thinned(stream, n, r, a, p) : draw_rejecting(stream, n, r, a, p);
-    }
-    const ErrorFrame frame(take_least_logarithm_at_pole<double>);
+    ThreadState().set_callback(take_least_logarithm_at_pole<double>);
     return draw_from_table(stream, n, r, a, p, peak);
 }

@@ -77,6 +77,7 @@ inline int32_t read_count(const SSTask* task, const void* at, int32_t status, in
 
 // p, and which components take part.
 inline int32_t read_components(SSTask* task, Data& data) {
+    if (!task) return SSStatusNullTask;
     data.task = task;
     if (const int32_t status = read_count(task, task->p, SSStatusP, data.p)) return status;
     data.has_gaps = false;

@@ -152,6 +152,21 @@ TEST(Discrete, FailingGeneratorsAndTheCallersState) {
     _arqSetMode(before);
 }
 
+// All exceptions unmasked by the caller: these mask them in all they compute.
+TEST(Discrete, RunWithExceptionsMasked) {
+    for (const DiscreteLaw& law :
+         {poisson(PoissonRejection, 5.3), poisson(PoissonRejection, 40.3), poisson(PoissonNormal, 40.3),
+          hypergeometric(50, 20, 10), hypergeometric(10000, 5000, 1000), negbinomial(5, 0.3), negbinomial(100, 0.02)}) {
+        OwnedStream stream(BrngMCG59, {5});
+        int32_t r[100];
+        _mm_setcsr(0);
+        const int32_t status = law.draw(stream, 100, r);
+        const unsigned mxcsr = _mm_getcsr();
+        _mm_setcsr(usual_mxcsr);
+        EXPECT_TRUE(status == StatusOk && (mxcsr & 0xFFC0) == 0) << law.name;
+    }
+}
+
 TEST(Discrete, NothingIsDrawnForNothing) {
     for (const DiscreteLaw& law : paths())
         for (const int32_t n : {0, -7}) {
@@ -192,6 +207,30 @@ TEST(Discrete, TablesInvertTheDistributionFunction) {
                 for (const int32_t x : r) ASSERT_EQ(x, k) << law.name;
             }
         }
+    }
+}
+
+// Far out in the tail of the greatest lots, whose logarithms of factorials are wrong by 1e-5, too.
+TEST(Discrete, TablesAreRightInTheTail) {
+    for (const DiscreteLaw& law :
+         {hypergeometric(INT32_MAX, 1000000, 80000), hypergeometric(INT32_MAX, INT32_MAX / 2, 77),
+          hypergeometric(50, 20, 10), negbinomial(5, 0.3), binomial(500, 0.05)}) {
+        const Probabilities exact = probabilities(law);
+        long double above = 0;
+        size_t k = exact.p.size();
+        while (above < 1e-7L) above += exact.p[--k];
+        OwnedStream stream(ConstantGenerator::id(static_cast<double>(1 - above + exact.p[k] / 2)), {});
+        int32_t r = -1;
+        ASSERT_EQ(law.draw(stream, 1, &r), StatusOk);
+        EXPECT_EQ(r, exact.first + static_cast<int64_t>(k)) << law.name;
+    }
+    // A uniform of 1 gives nothing impossible.
+    for (const DiscreteLaw& law :
+         {poisson(PoissonRejection, 0), binomial(100, 0), binomial(100, 1), negbinomial(5, 1)}) {
+        OwnedStream stream(ConstantGenerator::id(1), {});
+        int32_t r = -1;
+        ASSERT_EQ(law.draw(stream, 1, &r), StatusOk);
+        EXPECT_EQ(r, law.name.starts_with("Binomial 100 1.0") ? 100 : 0) << law.name;
     }
 }
 

@@ -2,6 +2,7 @@
 // that are made of other generators to the bit.
 #include "distrib/deviates.h"
 #include "distrib/incomplete.h"
+#include "support/control_state.h"
 #include "support/effort.h"
 
 #include <functional>
@@ -127,6 +128,26 @@ TYPED_TEST(Shaped, PassFailuresOn) {
             EXPECT_EQ(_arqGetMode(), mode) << c.name;
             EXPECT_EQ(_arqGetErrorCallBack(), nullptr) << c.name;
         }
+}
+
+// The caller may have the exception of inexact results unmasked, which nearly every operation would raise.
+TYPED_TEST(Shaped, RunWithExceptionsMasked) {
+    using T = TypeParam;
+    OwnedStream stream(BrngMCG59, {5});
+    T r[100];
+    for (const T p : {T(0.5), T(2)})
+        for (const T q : {T(0.25), T(1), T(3)}) {
+            _mm_setcsr(usual_mxcsr & ~0x1000u);
+            const int32_t status = beta(stream, 100, r, p, q, T(0), T(3));
+            _mm_setcsr(usual_mxcsr);
+            EXPECT_EQ(status, StatusOk);
+        }
+    for (const int32_t v : {1, 3, 5, 10}) {
+        _mm_setcsr(usual_mxcsr & ~0x1000u);
+        const int32_t status = chi_square(stream, 100, r, v);
+        _mm_setcsr(usual_mxcsr);
+        EXPECT_EQ(status, StatusOk);
+    }
 }
 
 TYPED_TEST(Shaped, RoutesByOtherGenerators) {

@@ -164,6 +164,9 @@ TEST(Status, MethodsAndMissingArrays) {
     problem.form_word = 0x40000;
     EXPECT_EQ(problem.run(ORV_SS_MEAN, BasicFast), SSStatusStorageValue);
     EXPECT_EQ(_kuzdSSBasic(nullptr, ORV_SS_MEAN, BasicFast, nullptr), SSStatusNullTask);
+    for (const auto entry : {_kuzdSSQuantiles, _kuzdSSStreamQuantiles, _kuzdSSMAD, _kuzdSSPartialCovariance,
+                             _kuzdSSCorParametrization, _kuzdSSRobustCovariance, _kuzdSSMissingValues})
+        EXPECT_EQ(entry(nullptr, ORV_SS_MEAN, RobustMaronna, nullptr), SSStatusNullTask);
 }
 
 TEST(Status, EachAllocationMayFail) {
