@@ -275,6 +275,7 @@ TEST_F(Command, Refuses) {
 
 TEST_F(Command, Draws) {
     if (std::system("gnuplot --version >version 2>&1") != 0) GTEST_SKIP() << "no gnuplot here";
+    const char far[] = "x,y\n0,0.1\n1,1.2\n2,1.9\n3,3.1\n4,4.2\n5,4.8\n6,6.1\n7,7.2\n8,7.9\n9,9.1\n4,80\n";
     const struct {
         const char *arguments, *input;
         std::vector<const char*> parts;  // of the picture
@@ -284,6 +285,8 @@ TEST_F(Command, Draws) {
         {"fit --x 1 --y 2", "a%s\\n{x}_1,100%\n0,1\n1,2\n2,2\n", {"a%s\\n{x}_1", "100%"}},
         {"stats", "x,o'y\n1,2\n2,4\n3,9\n", {"o'y", "0.97", "Correlation"}},
         {"stats", "%d,%%s,{a}_b^c@&~\\t\n1,2,3\n2,4,1\n3,9,5\n", {">%d<", ">%%s<", "{a}_b^c@&amp;~\\t"}},
+        {"stats --outliers", far, {"outliers", "passed by one normal row in forty"}},
+        {"stats --robust", far, {"robust", "mean and covariance"}},
         {"accuracy Exp --type s --points 3000", "", {"Exp in float", "argument", "error, ulp", "HA: 0.5"}},
         {"accuracy Ceil --points 100", "", {"Ceil in double", "EP: 0 ulp"}},
         {"accuracy Conj --type z --points 100", "", {"Conj in complex double", "imaginary part"}},
