@@ -90,7 +90,7 @@ void DistanceProduct(benchmark::State& state) {
         for (int32_t first = 0; first < data.n; first += block) {
             const int32_t count = data.n - first < block ? data.n - first : block;
             orv_blas_xdtrmm("r", "u", "n", "n", &count, &data.p, &one, data.matrix.data(), &data.p,
-                            block == data.n ? b.data() : b.data() + size_t(first) * data.p, &block);
+                            b.data() + size_t(first) * data.p, &count);
         }
     });
 }
