@@ -187,3 +187,14 @@ template <class T>
 using WorkerTable = Worker<T>[2][2];
 
 }  // namespace orv::fit
+
+// The two exported entries of a kind of spline: construct<T>(task, method, services) of orv::fit makes the coefficients.
+#define ORV_FIT_CONSTRUCTION(name, construct)                                                                       \
+    ORV_API int32_t orv_df_kernel_dDF##name##Spline1D(const DFTask* task, const void*, const void*, int64_t method, \
+                                                      const orv_services* services) {                               \
+        return orv::fit::construct<double>(task, method, services);                                                 \
+    }                                                                                                               \
+    ORV_API int32_t orv_df_kernel_sDF##name##Spline1D(const DFTask* task, const void*, const void*, int64_t method, \
+                                                      const orv_services* services) {                               \
+        return orv::fit::construct<float>(task, method, services);                                                  \
+    }

@@ -118,7 +118,7 @@ orv_df_status from_curvatures(const Construction<T>& c, const orv_services* serv
 }
 
 template <class T>
-int32_t construct_default(const DFTask* task, const orv_services* services) {
+int32_t construct_default(const DFTask* task, int64_t, const orv_services* services) {
     static constexpr WorkerTable<T> workers = {
         {from_curvatures<T, true, false>, from_curvatures<T, true, true>},
         {from_curvatures<T, false, false>, from_curvatures<T, false, true>},
@@ -136,12 +136,4 @@ int32_t construct_default(const DFTask* task, const orv_services* services) {
 }  // namespace
 }  // namespace orv::fit
 
-ORV_API int32_t orv_df_kernel_dDFDefaultCubicSpline1D(const DFTask* task, const void*, const void*, int64_t,
-                                                      const orv_services* services) {
-    return orv::fit::construct_default<double>(task, services);
-}
-
-ORV_API int32_t orv_df_kernel_sDFDefaultCubicSpline1D(const DFTask* task, const void*, const void*, int64_t,
-                                                      const orv_services* services) {
-    return orv::fit::construct_default<float>(task, services);
-}
+ORV_FIT_CONSTRUCTION(DefaultCubic, construct_default)

@@ -77,12 +77,4 @@ int32_t construct_linear(const DFTask* task, int64_t method, const orv_services*
 }  // namespace
 }  // namespace orv::fit
 
-ORV_API int32_t orv_df_kernel_dDFLinearSpline1D(const DFTask* task, const void*, const void*, int64_t method,
-                                                const orv_services* services) {
-    return orv::fit::construct_linear<double>(task, method, services);
-}
-
-ORV_API int32_t orv_df_kernel_sDFLinearSpline1D(const DFTask* task, const void*, const void*, int64_t method,
-                                                const orv_services* services) {
-    return orv::fit::construct_linear<float>(task, method, services);
-}
+ORV_FIT_CONSTRUCTION(Linear, construct_linear)

@@ -120,12 +120,4 @@ int32_t construct_natural(const DFTask* task, int64_t method, const orv_services
 }  // namespace
 }  // namespace orv::fit
 
-ORV_API int32_t orv_df_kernel_dDFNaturalCubicSpline1D(const DFTask* task, const void*, const void*, int64_t method,
-                                                      const orv_services* services) {
-    return orv::fit::construct_natural<double>(task, method, services);
-}
-
-ORV_API int32_t orv_df_kernel_sDFNaturalCubicSpline1D(const DFTask* task, const void*, const void*, int64_t method,
-                                                      const orv_services* services) {
-    return orv::fit::construct_natural<float>(task, method, services);
-}
+ORV_FIT_CONSTRUCTION(NaturalCubic, construct_natural)

@@ -147,7 +147,7 @@ constexpr WorkerTable<T> knot_workers = {
 };
 
 template <class T>
-int32_t construct_quadratic(const DFTask* task, const orv_services* services) {
+int32_t construct_quadratic(const DFTask* task, int64_t, const orv_services* services) {
     if (!task) return ORV_DF_NULL_TASK;
     const bool by_middle = task->splineType == ORV_DF_TYPE_DEFAULT;
     if (!by_middle && task->splineType != ORV_DF_TYPE_KNOTS) return ORV_DF_BAD_METHOD;
@@ -173,12 +173,4 @@ int32_t construct_quadratic(const DFTask* task, const orv_services* services) {
 }  // namespace
 }  // namespace orv::fit
 
-ORV_API int32_t orv_df_kernel_dDFQuadraticSpline1D(const DFTask* task, const void*, const void*, int64_t,
-                                                   const orv_services* services) {
-    return orv::fit::construct_quadratic<double>(task, services);
-}
-
-ORV_API int32_t orv_df_kernel_sDFQuadraticSpline1D(const DFTask* task, const void*, const void*, int64_t,
-                                                   const orv_services* services) {
-    return orv::fit::construct_quadratic<float>(task, services);
-}
+ORV_FIT_CONSTRUCTION(Quadratic, construct_quadratic)
