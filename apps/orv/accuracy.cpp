@@ -186,7 +186,7 @@ int run(const Request& request, const std::vector<const accuracy::Kernel*>& kern
 
     std::string data;
     std::vector<Worst> table;
-    Progress progress = start_progress(static_cast<int64_t>(3 * n));
+    Progress progress = start_progress(3 * static_cast<int64_t>(n));
     for (int index = 0; index < 3; ++index) {
         const accuracy::Kernel* kernel = nullptr;
         for (const accuracy::Kernel* k : kernels)
@@ -204,7 +204,7 @@ int run(const Request& request, const std::vector<const accuracy::Kernel*>& kern
             if (errors[i] > errors[worst]) worst = i;
             constexpr size_t now_and_then = 1 << 12;
             if (i % now_and_then == 0)
-                tell_progress(progress, static_cast<int64_t>(static_cast<size_t>(index) * n + i),
+                tell_progress(progress, index * static_cast<int64_t>(n) + static_cast<int64_t>(i),
                               std::string("measuring ") + accuracies[index]);
         }
         table.push_back({accuracies[index], errors[worst], static_cast<double>(x[inputs * worst]),

@@ -81,7 +81,9 @@ void run(const Request& request) {
         const Function& function = *chosen;
         const std::string name(function.name), type(1, function.type);
         if (function.shape > Shape::TWO_OUT) fail(std::string(function.name) + " is not called on arrays alone");
-        tell_progress(progress, static_cast<int64_t>(cells.size()) - 1, "measuring " + name + " of type " + type);
+        std::string doing = "measuring ";
+        doing.append(name).append(" of type ").append(type);
+        tell_progress(progress, static_cast<int64_t>(cells.size()) - 1, doing);
         cells.push_back({std::string(function.name), type});
         for (const orv_arq_kernel kernel : function.entries) {
             const bool single = type == "s" || type == "c";
