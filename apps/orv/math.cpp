@@ -7,6 +7,7 @@
 #include "output.h"
 #include "table.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <memory>
@@ -155,6 +156,7 @@ void flush(Block<T>& block, const Format& format, std::string& text, Output& out
 
 std::vector<size_t> choose_columns(const Head& head, const std::vector<std::string>& wanted, size_t count) {
     std::vector<size_t> columns;
+    columns.reserve(std::max(wanted.size(), head.width));
     for (const std::string& name : wanted) columns.push_back(find_column(head, name));
     if (wanted.empty())
         for (size_t column = 0; column < head.width; ++column) columns.push_back(column);
@@ -169,6 +171,7 @@ std::vector<size_t> choose_columns(const Head& head, const std::vector<std::stri
 std::vector<std::string> wanted_columns(const Request& request) {
     if (request.complex.empty()) return request.columns;
     std::vector<std::string> columns;
+    columns.reserve(2 * request.complex.size());
     for (const std::string& pair : request.complex) {
         const size_t comma = pair.find(',');
         if (comma == std::string::npos || pair.find(',', comma + 1) != std::string::npos)

@@ -143,7 +143,8 @@ Section imputed_section(const HeldData& data, const orv_services* services) {
         for (size_t at = 0; at < data.x.size(); ++at) {
             const double x = std::isnan(data.x[at]) ? *next++ : data.x[at];
             const double off = x - value[at % p];
-            value[at % p] += off / static_cast<double>(at / p + 1);
+            const size_t row = at / p;
+            value[at % p] += off / static_cast<double>(row + 1);
             square[at % p] += off * (x - value[at % p]);
         }
         for (size_t j = 0; j < p; ++j) {

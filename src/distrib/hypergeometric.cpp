@@ -7,7 +7,6 @@
 
 using namespace orv::distrib;
 namespace simd = orv::simd;
-namespace streams = orv::streams;
 
 namespace {
 

@@ -4,8 +4,6 @@
 #include "distrib/transforms.h"
 #include "simd/integers.h"
 
-namespace simd = orv::simd;
-
 namespace orv::distrib {
 
 namespace {

@@ -3,7 +3,6 @@
 #include "services/export.h"
 
 using namespace orv::distrib;
-namespace simd = orv::simd;
 
 namespace {
 

@@ -54,6 +54,10 @@ template <class T>
 struct Workers {
     static const Worker<T> table[worker_count];
 };
+template <>
+const Worker<double> Workers<double>::table[worker_count];
+template <>
+const Worker<float> Workers<float>::table[worker_count];
 
 inline constexpr int32_t one_pass_workers = 0, fast_workers = 32, user_mean_workers = 48;
 

@@ -20,6 +20,7 @@
 #include "stats/order/batch_sort.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace orv::stats {
 
@@ -312,7 +313,7 @@ T at_rank(const Summary<T>& summary, int64_t rank) {
 template <class T>
 T read_quantile(const Summary<T>& summary, double order) {
     const int64_t n = summary.numbers() + summary.nans;
-    const int64_t rank = static_cast<int64_t>(order * static_cast<double>(n - 1) + 0.5) + 1;
+    const int64_t rank = std::llround(order * static_cast<double>(n - 1)) + 1;
     return rank > summary.numbers() ? std::numeric_limits<T>::quiet_NaN() : at_rank(summary, rank);
 }
 

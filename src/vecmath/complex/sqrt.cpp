@@ -44,7 +44,7 @@ int32_t scalar_root(const orv_complex_d* at, orv_complex_d* y) {
     using Wide = long double;
     const Wide re = z.re, im = z.im;
     const Wide larger = x87_root((x87_root(re * re + im * im) + (re < 0 ? -re : re)) * 0.5L);
-    const Wide smaller = (im < 0 ? -im : im) / (larger + larger);
+    const Wide smaller = __builtin_fabsl(im) / (larger + larger);
     y->re = static_cast<double>(__builtin_signbit(z.re) ? smaller : larger);
     y->im = __builtin_copysign(static_cast<double>(__builtin_signbit(z.re) ? larger : smaller), z.im);
     return frame::status_ok;
