@@ -23,7 +23,10 @@ orv_complex_d special_quotient(orv_complex_d a, orv_complex_d b) {
     const auto times = [](double factor, orv_complex_d z) { return orv_complex_d{factor * z.re, factor * z.im}; };
     if (b.re == 0 && b.im == 0) return times(__builtin_copysign(infinity, b.re), a);
     if (any_infinite(a) && all_finite(b)) return times(infinity, plain_product<true>(as_direction(a), b));
-    if (any_infinite(b) && all_finite(a)) return times(0, plain_product<true>(a, as_direction(b)));
+    // Only signs count, so what could overflow is made smaller.
+    const bool great = __builtin_fabs(a.re) > 1 || __builtin_fabs(a.im) > 1;
+    if (any_infinite(b) && all_finite(a))
+        return times(0, plain_product<true>(times(great ? 0.25 : 1.0, a), as_direction(b)));
     return {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::quiet_NaN()};
 }
 
