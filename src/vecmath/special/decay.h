@@ -23,7 +23,7 @@ struct DecayBlock {
 #include "vecmath/tables/exp2_128_split.inc"
     };
     alignas(16) double nearest[128][2] = {
-        // the first parts of 53 bits
+    // the first parts of 53 bits
 #include "vecmath/tables/exp2_128.inc"
     };
     // Where results may be subnormal, they are formed 2^154 times as large, and rounded by the last step.
