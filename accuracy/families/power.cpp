@@ -11,8 +11,17 @@ namespace {
 #ifdef _WIN32
 constexpr Fast fast_pow = nullptr, fast_powr = nullptr;
 #else
-long double powr(long double a, long double b) { return a < 0 || (a == 0 && b == 0) ? NAN : powl(a, b); }
-constexpr Fast fast_pow = FAST(powl), fast_powr = FAST(powr);
+// An infinite exponent is no integer, and an infinite base is as negative as another.
+long double power(long double a, long double b) {
+    const bool real = !(a < 0) || a == -1 || std::isnan(b) || (std::isfinite(b) && nearbyintl(b) == b);
+    return real ? powl(a, b) : NAN;
+}
+// exp(b ln a).
+long double powr(long double a, long double b) {
+    if (std::isnan(a) || std::isnan(b) || a < 0 || (b == 0 && (a == 0 || std::isinf(a))) || (a == 1 && std::isinf(b))) return NAN;
+    return powl(fabsl(a), b);
+}
+constexpr Fast fast_pow = FAST(power), fast_powr = FAST(powr);
 #endif
 
 long double pow2o3(long double x) {
