@@ -176,7 +176,7 @@ int main(int argc, char** argv) {
     std::vector<Found> list;
     for (const int half_bit : {digits - 1, digits}) search_squares(half_bit, list);
     print_hardest(list, 4);
-    for (const double y : {3.0, 1.5, 0.5, -1.0, -0.5, 2.5, 1 / 3.0, 2 / 3.0, 0.1, 10.0, -7.25, 100.0, 1000.0}) {
+    for (const double y : {3.0, 1.5, 0.5, -1.0, -0.5, 2.5, 1 / 3.0, 2 / 3.0, 0.1, 10.0, -7.25}) {
         for (long i = 0; i < intervals; ++i) {
             // All residues of the power's exponent come up.
             const double x = 1 + static_cast<double>(random() >> 12) * 0x1p-52;
