@@ -201,11 +201,15 @@ struct Batch {
         }
     }
 
+    // Heights fall from one that is at most 1, so the recurrence ends where they vanish, however far k is, whatever v is.
     bool below_recurrence(int32_t k, float v) const {
         constexpr int32_t last = Steps::count;
         float height = k > mode ? law.steps.up[last - 1] : law.steps.down[last - 1];
-        for (int32_t j = mode + last + 1; j <= k && v <= height; ++j) height *= law.ratio(j);
-        for (int32_t j = mode - last; j > k && v <= height; --j) height /= law.ratio(j);
+        if (!(height <= 1)) return false;
+        constexpr float least = 1.17549435e-38f;  // products with ratios near 1 stay among the denormal numbers
+        const auto goes_on = [&] { return v <= height && height > least; };
+        for (int32_t j = mode + last + 1; j <= k && goes_on(); ++j) height *= law.ratio(j);
+        for (int32_t j = mode - last; j > k && goes_on(); --j) height /= law.ratio(j);
         return v <= height;
     }
 
@@ -264,12 +268,21 @@ struct Batch {
     }
 };
 
-// n numbers under the hat. Each batch has as many pairs as results are wanted, but no more than the law's batch.
+// What a setup that a damaged image brought along may do is keep no candidate. All the hats that are made here keep half of
+// theirs and more; one that has kept less than a sixteenth of some hundreds is none of them.
+enum class Setups { any, made_here };
+inline constexpr int32_t unsound_setup = INT32_MIN;
+
+// n numbers under the hat. Each batch has as many pairs as results are wanted, but no more than the law's batch. The result is
+// `unsound_setup` where the hat keeps too few candidates for one that is made here.
 template <class Law>
-int32_t draw_under_hat(Stream* stream, int32_t n, int32_t* r, const Hat& hat, const Law& law) {
+int32_t draw_under_hat(Stream* stream, int32_t n, int32_t* r, const Hat& hat, const Law& law, Setups setups) {
+    constexpr int64_t patience = 256, least_kept = 16;
     Batch<Law> batch(hat, law);
     int32_t status = StatusOk;
+    int64_t tried = 0;
     for (int32_t done = 0; done < n;) {
+        if (setups == Setups::any && tried > patience + least_kept * done) return unsound_setup;
         const int32_t count = n - done < Law::batch ? n - done : Law::batch;
         status = draw_uniforms(stream, 2 * count, batch.pairs, 0.0f, 1.0f);
         if (status < 0) return status;
@@ -280,8 +293,18 @@ int32_t draw_under_hat(Stream* stream, int32_t n, int32_t* r, const Hat& hat, co
         batch.judge_near();
         batch.judge_far();
         done += batch.collect(count, r + done);
+        tried += count;
     }
     return status;
+}
+
+// draw(setups) with the setup that the stream's chunk holds, and with a new one where that proves unsound.
+template <class Draw>
+int32_t draw_by_setup(Stream* stream, int32_t chunk_id, Draw draw) {
+    const int32_t status = draw(Setups::any);
+    if (status != unsound_setup) return status;
+    streams::remove_chunks(stream, chunk_id);
+    return draw(Setups::made_here);
 }
 
 }  // namespace orv::distrib

@@ -64,6 +64,16 @@ class Continuous : public testing::Test {};
 using Types = testing::Types<float, double>;
 TYPED_TEST_SUITE(Continuous, Types);
 
+// The generator hears of the tail of Laplace's blocks also when it is empty, and of every count that Uniform is asked for.
+TEST(Uniforms, AreAskedForWhereNothingIsLeft) {
+    double r[1024];
+    OwnedStream stream(ConstantGenerator::id(0.4, 1), {});
+    EXPECT_EQ(_kuzdRngLaplace(0, stream, 1023, r, 0, 1), StatusOk);
+    EXPECT_EQ(_kuzdRngUniform(0, stream, 0, r, 0, 1), BrngStatusQrngExhausted);
+    ConstantGenerator::id(0.4, 1);
+    EXPECT_EQ(_kuzdRngLaplace(0, stream, 1024, r, 0, 1), BrngStatusQrngExhausted);
+}
+
 TYPED_TEST(Continuous, EqualTheirFormulasToTheBit) {
     for (const auto& c : cases(TypeParam()))
         for (const int32_t n : {0, -5, 1, 2, 3, 7, 1023, 1024, 1025, 2500}) {

@@ -9,8 +9,9 @@ namespace {
 
 using namespace orv;
 using simd::SplatBits;
+using vecmath::TailForm;
 
-template <class Tail, int Pairs>
+template <class Tail, TailForm Form>
 struct TailS : frame::OneInput<float, 8, frame::Tail::masked> {
     static constexpr SplatBits<uint32_t> limit{std::bit_cast<uint32_t>(Tail::sign > 0 ? 9.0f : 12.0f)};
     static constexpr SplatBits<uint32_t> magnitude{0x7FFFFFFF}, greatest{0x7F7FFFFF};
@@ -22,21 +23,21 @@ struct TailS : frame::OneInput<float, 8, frame::Tail::masked> {
             _mm_or_si128(_mm_cmpgt_epi32(turned, limit), _mm_cmpgt_epi32(_mm_and_si128(bits, magnitude), greatest)));
     }
     static __m128 lanes(__m128 x) {
-        return vecmath::in_double(x, [](__m128d d) { return vecmath::tail_lanes<Tail, Pairs>(d); });
+        return vecmath::in_double(x, [](__m128d d) { return vecmath::tail_lanes<Tail, Form>(d); });
     }
     static int32_t scalar(const float* x, float* y) { return vecmath::tail_scalar<Tail>(*x, y); }
 };
 
-template <int Pairs>
-using Erfc = TailS<vecmath::ErfcTail, Pairs>;
-template <int Pairs>
-using CdfNorm = TailS<vecmath::NormalTail, Pairs>;
+template <TailForm Form>
+using Erfc = TailS<vecmath::ErfcTail, Form>;
+template <TailForm Form>
+using CdfNorm = TailS<vecmath::NormalTail, Form>;
 
 }  // namespace
 
-ORV_ONE_INPUT(sErfc, la, Erfc<3>)
-ORV_ONE_INPUT(sErfc, ha, Erfc<3>)
-ORV_ONE_INPUT(sErfc, ep, Erfc<1>)
-ORV_ONE_INPUT(sCdfNorm, la, CdfNorm<3>)
-ORV_ONE_INPUT(sCdfNorm, ha, CdfNorm<3>)
-ORV_ONE_INPUT(sCdfNorm, ep, CdfNorm<1>)
+ORV_ONE_INPUT(sErfc, la, Erfc<TailForm::short_six>)
+ORV_ONE_INPUT(sErfc, ha, Erfc<TailForm::short_six>)
+ORV_ONE_INPUT(sErfc, ep, Erfc<TailForm::short_two>)
+ORV_ONE_INPUT(sCdfNorm, la, CdfNorm<TailForm::short_six>)
+ORV_ONE_INPUT(sCdfNorm, ha, CdfNorm<TailForm::short_six>)
+ORV_ONE_INPUT(sCdfNorm, ep, CdfNorm<TailForm::short_two>)
