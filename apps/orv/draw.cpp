@@ -52,6 +52,7 @@ std::string source_of(const DrawRequest& request) {
 Receiver::Receiver(const DrawRequest& asked) : request(asked) {
     const bool bins_only = (asked.histogram || !asked.plot.empty()) && asked.output.empty();
     if (!bins_only) lines.emplace(asked.output);
+    if (lines && asked.binary) keep_bytes(*lines);
     if (!asked.plot.empty()) plot.emplace(asked.plot);
     if (!asked.save.empty()) saved.emplace(asked.save);
 }
@@ -85,6 +86,7 @@ void add_draw_options(CLI::App& draw, DrawRequest& request) {
     draw.add_option("--skip", request.skip, "pass over so many elements first");
     draw.add_option("--leapfrog", request.leapfrog, "K/N: from there, every N-th element from the K-th on, from 0");
     add_count(draw, "--n", request.n, 1, int64_t{1} << 53, "how many numbers");
+    draw.add_flag("--binary", request.binary, "write the numbers' bytes, lowest first, instead of lines");
     draw.add_flag("--histogram", request.histogram,
                   "print a histogram; the numbers too only if --output says where to");
     draw.add_option("--plot", request.plot, "draw the histogram to this SVG file, with gnuplot");

@@ -23,6 +23,7 @@ struct DrawRequest {
     std::string leapfrog;
     std::string save, load;
     std::string output, plot;
+    bool binary = false;
     bool histogram = false;
     int32_t bins = 20;
 };
@@ -30,7 +31,7 @@ struct DrawRequest {
 // Adds the options that set a request.
 void add_draw_options(CLI::App& draw, DrawRequest& request);
 
-// Lines of text, bins of a histogram, or both.
+// Lines of text or the numbers' bytes, bins of a histogram, or both.
 struct Receiver {
     const DrawRequest& request;
     std::optional<Histogram> histogram;
@@ -49,16 +50,20 @@ void finish(Receiver& receiver, const Stream* stream, const std::string& title);
 
 template <class Number>
 void receive(Receiver& receiver, const Number* numbers, int64_t n) {
-    for (int64_t i = 0; i < n; ++i) {
+    const bool bytes_only = receiver.request.binary && !receiver.histogram;
+    for (int64_t i = 0; i < n && !bytes_only; ++i) {
         if (receiver.histogram) count(*receiver.histogram, static_cast<double>(numbers[i]));
-        if (!receiver.lines) continue;
+        if (!receiver.lines || receiver.request.binary) continue;
         if constexpr (std::is_integral_v<Number>)
             receiver.text += std::to_string(numbers[i]);
         else
             append_number(receiver.text, numbers[i]);
         receiver.text += '\n';
     }
-    if (receiver.lines) write(*receiver.lines, receiver.text);
+    if (receiver.lines && receiver.request.binary)
+        write(*receiver.lines, {reinterpret_cast<const char*>(numbers), static_cast<size_t>(n) * sizeof(Number)});
+    else if (receiver.lines)
+        write(*receiver.lines, receiver.text);
     receiver.text.clear();
 }
 

@@ -181,6 +181,10 @@ void draw_counts(const Lists& request) {
             _kuziRngMultinomial(0, handle.get(), 1, row.data(), request.ntrial, k, request.values.data());
         if (status == MultinomialStatusBadProbabilities) fail("--p: probabilities are not below 0 and sum to 1");
         require(status, "draw");
+        if (request.common.binary) {
+            receive(receiver, row.data(), k);
+            continue;
+        }
         for (size_t j = 0; j < row.size(); ++j) receiver.text += (j > 0 ? "," : "") + std::to_string(row[j]);
         receiver.text += '\n';
         write(*receiver.lines, receiver.text);

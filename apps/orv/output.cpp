@@ -6,6 +6,10 @@
 #include <cstring>
 #include <filesystem>
 #include <random>
+#ifdef _WIN32
+#include <fcntl.h>
+#include <io.h>
+#endif
 
 namespace orv::command {
 
@@ -68,6 +72,12 @@ Output::~Output() {
     if (stream && stream != stdout) std::fclose(stream);
     std::error_code error;
     if (!unfinished.empty()) fs::remove(unfinished, error);
+}
+
+void keep_bytes([[maybe_unused]] Output& output) {
+#ifdef _WIN32
+    _setmode(_fileno(output.stream), _O_BINARY);
+#endif
 }
 
 void write(Output& output, std::string_view text) {

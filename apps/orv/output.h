@@ -21,6 +21,9 @@ struct Output {
     Output& operator=(const Output&) = delete;
 };
 
+// What is written is bytes and no text, whose ends of lines a system may write in its own way.
+void keep_bytes(Output& output);
+
 // Both end the command where the text cannot be written.
 void write(Output& output, std::string_view text);
 void finish(Output& output);

@@ -85,30 +85,13 @@ int32_t generate(Stream* stream, int32_t n, typename Output::Element* r, Output 
     return StatusOk;
 }
 
-int32_t skip_ahead(State& state, int32_t n, const uint64_t* count) {
-    if (!__kuzCPUisAES()) return ArsStatusNotSupported;
-    skip_counter(state, engine_of(state), n, count);
-    return StatusOk;
-}
-
 int32_t init_stream(int32_t method, Stream* stream, int32_t n, const void* params) {
-    State& state = *reinterpret_cast<State*>(stream);
-    switch (method) {
-        case InitMethodSeed:
-            seed_counter(state, n, static_cast<const uint32_t*>(params));
-            return StatusOk;
-        case InitMethodSkipAhead:
-            return skip_ahead(state, 1, static_cast<const uint64_t*>(params));
-        case InitMethodSkipAheadEx:
-            return skip_ahead(state, n, static_cast<const uint64_t*>(params));
-        default:
-            return status_of_missing(method);
-    }
+    const bool jump = method == InitMethodSkipAhead || method == InitMethodSkipAheadEx;
+    if (jump && !__kuzCPUisAES()) return ArsStatusNotSupported;
+    return init_counter_stream<State>(method, stream, n, params, engine_of);
 }
 
-SignedOutput<float> float_output(float a, float b) { return signed_output(a, b); }
-SignedOutput<double> double_output(double a, double b) { return signed_output(a, b); }
-RawOutput raw_output() { return {}; }
+using Outputs = SignedOutputs;
 
 }  // namespace
 

@@ -6,6 +6,7 @@
 //   void blocks(counter, n, r, output) const     n whole blocks through an output, and the counter moved past them
 #pragma once
 
+#include "brng/entries.h"
 #include "simd/integers.h"
 
 #include <orv/streams.h>
@@ -81,6 +82,24 @@ void skip_counter(CounterState<key_words>& state, const Engine& engine, int32_t 
     c[2] -= borrow1;
     advance(state.counter, c[0] >> 2 | c[1] << 62, c[1] >> 2 | c[2] << 62);
     fill_buffer(state, engine, static_cast<int32_t>(c[0] & 3) + 1);
+}
+
+// engine_of(state) makes the engine.
+template <class State, class EngineOf>
+int32_t init_counter_stream(int32_t method, Stream* stream, int32_t n, const void* params, EngineOf engine_of) {
+    State& state = *reinterpret_cast<State*>(stream);
+    switch (method) {
+        case InitMethodSeed:
+            seed_counter(state, n, static_cast<const uint32_t*>(params));
+            return StatusOk;
+        case InitMethodSkipAhead:
+        case InitMethodSkipAheadEx:
+            skip_counter(state, engine_of(state), method == InitMethodSkipAhead ? 1 : n,
+                         static_cast<const uint64_t*>(params));
+            return StatusOk;
+        default:
+            return status_of_missing(method);
+    }
 }
 
 template <int key_words>

@@ -123,12 +123,14 @@ int32_t init_stream(int32_t method, Stream* stream, int32_t n, const void* param
     return init_multiplicative<State>(method, stream, n, params);
 }
 
-Floats float_output(float a, float b) {
-    const double low = a, high = b;
-    return {(high - low) * unit, low};
-}
-Doubles double_output(double a, double b) { return {(b - a) * unit, a}; }
-Raw raw_output() { return {}; }
+struct Outputs {
+    static Floats numbers(float a, float b) {
+        const double low = a, high = b;
+        return {(high - low) * unit, low};
+    }
+    static Doubles numbers(double a, double b) { return {(b - a) * unit, a}; }
+    static Raw words() { return {}; }
+};
 
 }  // namespace
 

@@ -80,9 +80,7 @@ int32_t init_stream(int32_t method, Stream* stream, int32_t n, const void* param
     }
 }
 
-LinearOutput<float> float_output(float a, float b) { return linear_output(a, b, unit); }
-LinearOutput<double> double_output(double a, double b) { return linear_output(a, b, unit); }
-RawOutput raw_output() { return {}; }
+using Outputs = LinearOutputs<unit>;
 
 }  // namespace
 

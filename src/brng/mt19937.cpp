@@ -43,22 +43,6 @@ int32_t generate(Stream* stream, int32_t n, typename Output::Element* r, Output 
 
 // ---- Jumps: the words of a state in a jump begin at its index and go around the block ---------------------------------
 
-void zero_state(Stream* state) {
-    memset(state_of(state).words, 0, sizeof State::words);
-    state_of(state).index = 0;
-}
-
-void copy_state(Stream* dest, const Stream* source) {
-    memcpy(state_of(dest).words, state_of(source).words, sizeof State::words);
-    state_of(dest).index = state_of(source).index;
-}
-
-void add_state(Stream* dest, const Stream* source) {
-    State& to = state_of(dest);
-    const State& from = state_of(source);
-    ring::add<Recurrence::words>(to.words, to.index, from.words, from.index);
-}
-
 void step_state(Stream* state) {
     State& s = state_of(state);
     const int32_t i = s.index == spent ? 0 : s.index;
@@ -101,9 +85,9 @@ int32_t skip_ahead(Stream* stream, uint64_t count) {
         walk(state_of(stream), count);
         return StatusOk;
     }
-    return __kuz_SkipAheadSWin(stream, zero_state, add_state, copy_state, step_state, finish_state, pre_skip, count,
-                               Recurrence::words, mt19937_terms[std::size(mt19937_terms) - 1], sizeof(State),
-                               std::size(mt19937_terms), mt19937_terms);
+    return __kuz_SkipAheadSWin(stream, ring::zero<State>, ring::add<State>, ring::copy<State>, step_state, finish_state,
+                               pre_skip, count, Recurrence::words, mt19937_terms[std::size(mt19937_terms) - 1],
+                               sizeof(State), std::size(mt19937_terms), mt19937_terms);
 }
 
 int32_t init_stream(int32_t method, Stream* stream, int32_t n, const void* params) {
@@ -119,9 +103,7 @@ int32_t init_stream(int32_t method, Stream* stream, int32_t n, const void* param
     }
 }
 
-LinearOutput<float> float_output(float a, float b) { return linear_output(a, b, unit); }
-LinearOutput<double> double_output(double a, double b) { return linear_output(a, b, unit); }
-RawOutput raw_output() { return {}; }
+using Outputs = LinearOutputs<unit>;
 
 }  // namespace
 

@@ -155,30 +155,19 @@ bool find_tables(const Stream* stream, Tables* t) {
 
 template <class Output>
 int32_t generate(Stream* stream, int32_t n, typename Output::Element* r, Output output) {
-    Tables t;
-    if (!find_tables(stream, &t)) return StreamStatusBadImage;
-    return quasi::generate(state_of(stream).head, t, n, r, output);
+    return quasi::generate(stream, find_tables, n, r, output);
 }
 
 int32_t init_stream(int32_t method, Stream* stream, int32_t n, const void* params) {
-    if (method == InitMethodSeed) return seed(stream, n, static_cast<const uint32_t*>(params));
-    return quasi::move_stream(method, stream, n, params, find_tables);
+    return quasi::init_stream(method, stream, n, params, seed, find_tables);
 }
 
-quasi::Output<float> float_output(float a, float b) { return quasi::output_of(a, b); }
-quasi::Output<double> double_output(double a, double b) { return quasi::output_of(a, b); }
-RawOutput raw_output() { return {}; }
+using quasi::Outputs;
 
 }  // namespace
 
-bool is_sound(const Stream* stream) { return quasi::head_is_sound(*reinterpret_cast<const quasi::Head*>(stream)); }
-
-// The chunk holds the point, which is written to, so it must not be shared.
-bool chunks_are_sound(const Stream* stream) {
-    Tables t;
-    const Chunk* chunk = streams::find_chunk(stream, chunk_id);
-    return find_tables(stream, &t) && (!chunk || (chunk->key[0] | chunk->key[1]) == 0);
-}
+bool is_sound(const Stream* stream) { return quasi::head_is_sound(stream); }
+bool chunks_are_sound(const Stream* stream) { return quasi::tables_are_sound(stream, find_tables, chunk_id); }
 
 }  // namespace orv::brng::niederr
 

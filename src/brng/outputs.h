@@ -62,10 +62,15 @@ struct LinearOutput {
     void put(float* r, __m128d x01, __m128d x23) const { simd::store(r, simd::narrow(map(x01), map(x23))); }
 };
 
-template <class Real>
-LinearOutput<Real> linear_output(Real a, Real b, double unit) {
-    return {(static_cast<double>(b) - static_cast<double>(a)) * unit, static_cast<double>(a)};
-}
+// The outputs on [a, b) of words that count in `unit`s, and of the words as they are.
+template <double unit>
+struct LinearOutputs {
+    template <class Real>
+    static LinearOutput<Real> numbers(Real a, Real b) {
+        return {(static_cast<double>(b) - static_cast<double>(a)) * unit, static_cast<double>(a)};
+    }
+    static RawOutput words() { return {}; }
+};
 
 // Numbers x s + m of words counted as signed, throughout in the precision of the number.
 template <class Real>
@@ -95,11 +100,14 @@ struct SignedOutput<float> {
     }
 };
 
-template <class Real>
-SignedOutput<Real> signed_output(Real a, Real b) {
-    constexpr double unit = 0x1p-32;
-    const double low = a, high = b;
-    return {static_cast<Real>((high - low) * unit), static_cast<Real>((low + high) * 0.5)};
-}
+struct SignedOutputs {
+    template <class Real>
+    static SignedOutput<Real> numbers(Real a, Real b) {
+        constexpr double unit = 0x1p-32;
+        const double low = a, high = b;
+        return {static_cast<Real>((high - low) * unit), static_cast<Real>((low + high) * 0.5)};
+    }
+    static RawOutput words() { return {}; }
+};
 
 }  // namespace orv::brng

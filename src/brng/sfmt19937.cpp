@@ -3,7 +3,7 @@
 #include "brng/entries.h"
 #include "brng/jumps/characteristic_terms.h"
 #include "brng/jumps/ring.h"
-#include "simd/integers.h"
+#include "brng/outputs.h"
 #include "streams/state_checks.h"
 
 #include <iterator>
@@ -95,42 +95,7 @@ int32_t generate(Stream* stream, int32_t n, typename Output::Element* r, Output 
     return StatusOk;
 }
 
-// ---- Outputs: the word taken as signed, times s plus m ---------------------------------------------------------------
-
-struct RawWords {
-    using Element = uint32_t;
-
-    void one(Element* r, uint32_t x) const { *r = x; }
-    void four(Element* r, __m128i x) const { simd::store(r, x); }
-};
-
-struct SignedDoubles {
-    using Element = double;
-    double s, m;
-
-    void one(Element* r, uint32_t x) const { *r = static_cast<int32_t>(x) * s + m; }
-    void four(Element* r, __m128i x) const {
-        simd::store(r, map(simd::to_doubles(x)));
-        simd::store(r + 2, map(simd::to_doubles(simd::high_halves(x, x))));
-    }
-    __m128d map(__m128d x) const { return x * simd::splat(s) + simd::splat(m); }
-};
-
-// In single precision but for s and m.
-struct SignedFloats {
-    using Element = float;
-    float s, m;
-
-    void one(Element* r, uint32_t x) const { *r = static_cast<float>(static_cast<int32_t>(x)) * s + m; }
-    void four(Element* r, __m128i x) const { simd::store(r, simd::to_floats(x) * simd::splat(s) + simd::splat(m)); }
-};
-
-SignedDoubles double_output(double a, double b) { return {(b - a) * 0x1p-32, (a + b) * 0.5}; }
-SignedFloats float_output(float a, float b) {
-    const SignedDoubles wide = double_output(static_cast<double>(a), static_cast<double>(b));
-    return {static_cast<float>(wide.s), static_cast<float>(wide.m)};
-}
-RawWords raw_output() { return {}; }
+using Outputs = SignedOutputs;
 
 // ---- Seeding: the array initialisation of M. Saito and M. Matsumoto ---------------------------------------------------
 
@@ -177,20 +142,6 @@ void seed(State& s, int32_t n, const uint32_t* key) {
 }
 
 // ---- Jumps: the words of a state in a jump begin at its index and go around the block ---------------------------------
-
-void zero_state(Stream* state) {
-    memset(state_of(state).words, 0, sizeof State::words);
-    state_of(state).index = 0;
-}
-
-void copy_state(Stream* dest, const Stream* source) {
-    memcpy(state_of(dest).words, state_of(source).words, sizeof State::words);
-    state_of(dest).index = state_of(source).index;
-}
-
-void add_state(Stream* dest, const Stream* source) {
-    ring::add<words>(state_of(dest).words, state_of(dest).index, state_of(source).words, state_of(source).index);
-}
 
 void step_state(Stream* state) {
     State& s = state_of(state);
@@ -242,8 +193,8 @@ int32_t pre_skip(Stream* stream, uint64_t* count, int32_t* adjust) {
 int32_t skip_ahead(Stream* stream, uint64_t count) {
     const bool few = static_cast<int64_t>(count) < degree;
     return (few ? __kuz_SkipAheadHorner : __kuz_SkipAheadSWin)(
-        stream, zero_state, add_state, copy_state, step_state, finish_state, pre_skip, count, words, degree,
-        sizeof(State), std::size(sfmt19937_terms), sfmt19937_terms);
+        stream, ring::zero<State>, ring::add<State>, ring::copy<State>, step_state, finish_state, pre_skip, count,
+        words, degree, sizeof(State), std::size(sfmt19937_terms), sfmt19937_terms);
 }
 
 int32_t init_stream(int32_t method, Stream* stream, int32_t n, const void* params) {

@@ -42,9 +42,10 @@ struct alignas(8) Setup {
 static_assert(sizeof(Setup) == 544 && offsetof(Setup, table) == 16 && offsetof(Setup, path) == 536);
 static_assert(offsetof(ByRejection, hat) == 8 && offsetof(ByRejection, steps) == 88);
 
-template <class Make>
-Setup* setup_for(Stream* stream, Path path, double ntrial, double p, Make make) {
-    const auto matches = [=](const Setup& s) { return s.path == path && s.ntrial == ntrial && s.p == p; };
+// `fits` looks further into a setup of these parameters.
+template <class Fits, class Make>
+Setup* setup_for(Stream* stream, Path path, double ntrial, double p, Fits fits, Make make) {
+    const auto matches = [=](const Setup& s) { return s.path == path && s.ntrial == ntrial && s.p == p && fits(s); };
     return setup_in_chunk<Setup>(stream, chunk_id, sizeof(Setup), matches, [=](Setup& s) {
         s.ntrial = ntrial;
         s.p = p;
@@ -55,9 +56,8 @@ Setup* setup_for(Stream* stream, Path path, double ntrial, double p, Make make) 
 
 // ---- Rejection -----------------------------------------------------------------------------------------------------
 
-void set_hat(Hat& hat, float ffm, float npq, float p, float q) {
-    hat.mode = static_cast<float>(static_cast<int32_t>(ffm));
-    const float m = hat.mode;
+void set_hat(Hat& hat, float m, float ffm, float npq, float p, float q) {
+    hat.mode = m;
     const float root = simd::first_lane(simd::square_root(simd::splat(npq)));
     hat.p1 = static_cast<float>(static_cast<int32_t>(2.195f * root - 4.6f * q)) + 0.5f;
     hat.xm = m + 0.5f;
@@ -145,24 +145,29 @@ struct Law {
     }
 };
 
-int32_t draw_rejecting(Stream* stream, int32_t n, int32_t* r, int32_t ntrial, double given_p, double p) {
-    const float rounded = static_cast<float>(ntrial), odds = static_cast<float>(p) / (1 - static_cast<float>(p));
-    const float scaled_odds = (rounded + 1) * odds;
-    const Setup* setup = setup_for(stream, path_rejection, rounded, static_cast<float>(given_p), [=](Setup& s) {
+int32_t draw_rejecting(Stream* stream, int32_t n, int32_t* r, int32_t ntrial, double given_p, double p, Setups setups) {
+    const float rounded = static_cast<float>(ntrial), pp = static_cast<float>(p), q = 1 - pp, odds = pp / q;
+    const float scaled_odds = (rounded + 1) * odds, npq = rounded * pp * q, ffm = rounded * pp + pp;
+    const float mode = static_cast<float>(static_cast<int32_t>(ffm));
+    const auto fits = [=](const Setup& s) { return s.rejection.npq == npq && s.rejection.hat.mode == mode; };
+    const Setup* setup = setup_for(stream, path_rejection, rounded, static_cast<float>(given_p), fits, [=](Setup& s) {
         ByRejection& b = s.rejection;
-        const float pp = static_cast<float>(p), q = 1 - pp;
-        b.npq = rounded * pp * q;
-        b.ffm = rounded * pp + pp;
-        set_hat(b.hat, b.ffm, b.npq, pp, q);
-        b.inverse_npq = 1 / b.npq;
+        b.npq = npq;
+        b.ffm = ffm;
+        set_hat(b.hat, mode, ffm, npq, pp, q);
+        b.inverse_npq = 1 / npq;
         b.odds = odds;
-        set_binomial_steps(b.steps, b.hat.mode, scaled_odds, odds);
+        set_binomial_steps(b.steps, mode, scaled_odds, odds);
     });
     if (!setup) return StatusNoMemory;
     const ByRejection& b = setup->rejection;
-    const Law law = {b.steps, ntrial,     b.npq,          b.inverse_npq, scaled_odds,
-                     b.odds,  b.hat.mode, double(ntrial), p / (1 - p)};
-    return draw_under_hat(stream, n, r, b.hat, law);
+    const Law law = {b.steps, ntrial, npq, b.inverse_npq, scaled_odds, odds, mode, double(ntrial), p / (1 - p)};
+    return draw_under_hat(stream, n, r, b.hat, law, setups);
+}
+
+int32_t draw_by_rejection(Stream* stream, int32_t n, int32_t* r, int32_t ntrial, double given_p, double p) {
+    return draw_by_setup(stream, chunk_id,
+                         [=](Setups setups) { return draw_rejecting(stream, n, r, ntrial, given_p, p, setups); });
 }
 
 // ---- Table ---------------------------------------------------------------------------------------------------------
@@ -193,8 +198,9 @@ void set_table(ByTable& b, int32_t size, double ntrial, double p) {
 int32_t draw_from_table(Stream* stream, int32_t n, int32_t* r, int32_t ntrial, double given_p, double p) {
     const double mean = ntrial * p;
     const int32_t start = mean > 0 ? static_cast<int32_t>(mean) : 0, size = start + 32;
-    const Setup* setup =
-        setup_for(stream, path_table, ntrial, given_p, [=](Setup& s) { set_table(s.table, size, ntrial, p); });
+    const Setup* setup = setup_for(
+        stream, path_table, ntrial, given_p, [](const Setup&) { return true; },
+        [=](Setup& s) { set_table(s.table, size, ntrial, p); });
     if (!setup) return StatusNoMemory;
     const ByTable& b = setup->table;
     const double scaled_odds = b.scaled_odds, odds = b.odds;
@@ -212,7 +218,7 @@ ORV_API int32_t _kuziRngBinomial(int32_t, Stream* stream, int32_t n, int32_t* r,
     }
     const bool fewer_successes = 0.5 > p;
     const double rarer = fewer_successes ? p : 1 - p;
-    const auto draw = ntrial * rarer >= least_mean_of_rejection ? draw_rejecting : draw_from_table;
+    const auto draw = ntrial * rarer >= least_mean_of_rejection ? draw_by_rejection : draw_from_table;
     const int32_t status = draw(stream, n, r, ntrial, p, rarer);
     if (status >= 0 && !fewer_successes)
         for (int32_t i = 0; i < n; ++i) r[i] = ntrial - r[i];

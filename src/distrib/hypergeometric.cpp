@@ -178,17 +178,18 @@ struct Law {
     }
 };
 
-int32_t draw_rejecting(Stream* stream, int32_t n, int32_t* r, const Urn& urn, const Key& key) {
+int32_t draw_rejecting(Stream* stream, int32_t n, int32_t* r, const Urn& urn, const Key& key, Setups setups) {
+    const float mode = static_cast<float>(urn.mode);
     const ByRejection* b = setup_in_chunk<ByRejection>(
-        stream, chunk_id, sizeof(ByRejection), [&](const ByRejection& s) { return s.key == key; },
+        stream, chunk_id, sizeof(ByRejection), [&](const ByRejection& s) { return s.key == key && s.hat.mode == mode; },
         [&](ByRejection& s) {
             set_rejection(s, urn, static_cast<float>(key.l));
             s.key = key;
         });
     if (!b) return StatusNoMemory;
-    const float by_steps = b->hat.mode < Law::least_mode_of_squeeze ? 2147483648.0f : float(Steps::count);
-    return draw_under_hat(stream, n, r, b->hat,
-                          Law{b->steps, urn, urn.most, b->at_mode, by_steps, Law::widest_of_squeeze});
+    const float by_steps = mode < Law::least_mode_of_squeeze ? 2147483648.0f : float(Steps::count);
+    const Law law = {b->steps, urn, urn.most, b->at_mode, by_steps, Law::widest_of_squeeze};
+    return draw_under_hat(stream, n, r, b->hat, law, setups);
 }
 
 // ---- Table ---------------------------------------------------------------------------------------------------------
@@ -247,7 +248,8 @@ int32_t draw_in_frame(Stream* stream, int32_t n, int32_t* r, const Urn& urn, con
         ThreadState().set_callback(take_least_logarithm_at_pole<double>);
         return draw_from_table(stream, n, r, urn, key);
     }
-    return draw_rejecting(stream, n, r, urn, key);
+    return draw_by_setup(stream, chunk_id,
+                         [&](Setups setups) { return draw_rejecting(stream, n, r, urn, key, setups); });
 }
 
 }  // namespace

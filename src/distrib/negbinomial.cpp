@@ -8,6 +8,8 @@
 #include "distrib/rejection.h"
 #include "services/export.h"
 
+#include <math.h>
+
 using namespace orv::distrib;
 namespace simd = orv::simd;
 
@@ -40,6 +42,7 @@ struct ByRejection {
     LogRatio log_ratio;
     Hat hat;
     Steps steps;
+    float curvature_left, curvature_right;
 };
 
 struct ByTable {
@@ -57,9 +60,10 @@ struct Setup {
 };
 static_assert(sizeof(Setup) == 1328);
 
-template <class Make>
-Setup* setup_for(Stream* stream, double a, double p, Make make) {
-    const auto matches = [=](const Setup& s) { return s.a == a && s.p == p; };
+// `fits` looks further into a setup of these parameters.
+template <class Fits, class Make>
+Setup* setup_for(Stream* stream, double a, double p, Fits fits, Make make) {
+    const auto matches = [=](const Setup& s) { return s.a == a && s.p == p && fits(s); };
     return setup_in_chunk<Setup>(stream, chunk_id, sizeof(Setup), matches, [=](Setup& s) {
         make(s);
         s.a = a;
@@ -81,10 +85,25 @@ double distance_of_fall(const LogRatio& l, double sign, double farthest) {
     return far;
 }
 
-void set_rejection(ByRejection& b, double a, double p) {
-    const double q = 1 - p, peak = (a - 1) * q / p;
-    // As the hat will have it: a float.
-    const double mode = static_cast<float>(peak > 0 ? __kuzdFloor(peak) : 0);
+float mode_of(double a, double p) {
+    const double peak = (a - 1) * (1 - p) / p;
+    return static_cast<float>(peak > 0 ? __kuzdFloor(peak) : 0);
+}
+
+// c with ln f(mode + d) / f(mode) >= -c d^2 from just past the steps to `end`, where the logarithm is -1 or below: as
+// 1 - c d^2 <= e^(-c d^2), a height below 1 - c d^2 is below the ratio. The quotient -ln f / d^2 is a multiple of 1/d, of the
+// size of the linear term, and the difference of the deviances over d^2, which is convex, (1/B - 1/A) / 2 at the mode. Next to
+// the mode the logarithm itself is lost in rounding errors where A and B are great.
+float curvature(const LogRatio& l, double sign, double end) {
+    constexpr double begin = Steps::count + 1, rounding = 1 + 1e-3;
+    if (!(end > begin)) return HUGE_VALF;
+    const double linear = -sign * l.log_step, at_mode = (l.upper - l.lower) / (2 * l.upper * l.lower);
+    const double at_end = -log_ratio(l, sign * end) / (end * end);
+    return static_cast<float>(rounding * ((linear > 0 ? linear / begin : 0) + (at_mode > at_end ? at_mode : at_end)));
+}
+
+void set_rejection(ByRejection& b, double a, double p, double mode) {
+    const double q = 1 - p;
     LogRatio& l = b.log_ratio;
     l.upper = mode + a - 0.5;
     l.lower = mode + 0.5;
@@ -103,6 +122,8 @@ void set_rejection(ByRejection& b, double a, double p) {
     hat.xl = has_left ? static_cast<float>(left - log_ratio(l, left - mode) / rise) : 0.0f;
     set_tails(hat, static_cast<float>(rise), static_cast<float>(-fall));
     set_box(hat, has_left ? 1.0f : 0.0f, 1.0f);
+    b.curvature_left = curvature(l, -1, mode - left);
+    b.curvature_right = curvature(l, 1, right - mode);
     const auto ratio = [=](int32_t k) { return static_cast<float>((a + k - 1) * q / k); };
     set_steps(b.steps, static_cast<int32_t>(hat.mode), ratio, [=](int32_t k) { return 1 / ratio(k); });
 }
@@ -112,11 +133,18 @@ struct Law {
     static constexpr int32_t most = INT32_MAX;
     const Steps& steps;
     const LogRatio& l;
+    float curvature_left, curvature_right;
     double a, q;
 
     float ratio(int32_t k) const { return static_cast<float>((a + k - 1) * q / k); }
     __m128 near(__m128 distance) const {
         return simd::less_equal(distance, simd::splat(static_cast<float>(Steps::count)));
+    }
+
+    __m128 surely(__m128 d, __m128 v) const {
+        const __m128 left = simd::less(d, _mm_setzero_ps());
+        const __m128 c = simd::select(left, simd::splat(curvature_left), simd::splat(curvature_right));
+        return simd::less_equal(v, simd::splat(1.0f) - c * (d * d));
     }
 
     struct Deviances {
@@ -153,18 +181,24 @@ struct Law {
     }
 };
 
-int32_t draw_rejecting(Stream* stream, int32_t n, int32_t* r, double a, double p) {
-    const Setup* setup = setup_for(stream, a, p, [=](Setup& s) { set_rejection(s.rejection, a, p); });
-    if (!setup) return StatusNoMemory;
-    const ByRejection& b = setup->rejection;
-    return draw_under_hat(stream, n, r, b.hat, Law{b.steps, b.log_ratio, a, 1 - p});
+int32_t draw_by_rejection(Stream* stream, int32_t n, int32_t* r, double a, double p) {
+    const float mode = mode_of(a, p);
+    return draw_by_setup(stream, chunk_id, [=](Setups setups) -> int32_t {
+        const Setup* setup = setup_for(
+            stream, a, p, [=](const Setup& s) { return s.rejection.hat.mode == mode; },
+            [=](Setup& s) { set_rejection(s.rejection, a, p, mode); });
+        if (!setup) return StatusNoMemory;
+        const ByRejection& b = setup->rejection;
+        return draw_under_hat(stream, n, r, b.hat,
+                              Law{b.steps, b.log_ratio, b.curvature_left, b.curvature_right, a, 1 - p}, setups);
+    });
 }
 
 // Below a = 1 the probabilities are not log-concave. With Y of a + 1 in place of a, each failure is kept with probability
 // U^(1/a), one U for all of them: a gamma number of shape a is one of shape a + 1 times U^(1/a), and a negative binomial
 // number is a Poisson number whose mean is a gamma number.
 int32_t draw_thinned(Stream* stream, int32_t n, int32_t* r, double a, double p) {
-    int32_t status = draw_rejecting(stream, n, r, a + 1, p);
+    int32_t status = draw_by_rejection(stream, n, r, a + 1, p);
     if (status < 0) return status;
     double u[block];
     for (int32_t done = 0; done < n;) {
@@ -195,7 +229,8 @@ void set_table(ByTable& b, double a, double p, int32_t size) {
 
 int32_t draw_from_table(Stream* stream, int32_t n, int32_t* r, double a, double p, double peak) {
     const int32_t start = peak > 0 ? static_cast<int32_t>(peak) : 0, size = start + 64;
-    const Setup* setup = setup_for(stream, a, p, [=](Setup& s) { set_table(s.table, a, p, size); });
+    const Setup* setup = setup_for(
+        stream, a, p, [](const Setup&) { return true; }, [=](Setup& s) { set_table(s.table, a, p, size); });
     if (!setup) return StatusNoMemory;
     const DistributionFunction f = {setup->table.entries, size, start, setup->table.increment, INT32_MAX};
     const double q = 1 - p;
@@ -209,7 +244,7 @@ ORV_API int32_t _kuziRngNegbinomial(int32_t, Stream* stream, int32_t n, int32_t*
     const ErrorFrame frame(take_least_logarithm_at_pole<float>);
     const double q = 1 - p, peak = (a - 1) * q / p;
     if (a * q / p >= least_mean_of_rejection || peak >= least_mode_of_rejection)
-        return a < 1 ? draw_thinned(stream, n, r, a, p) : draw_rejecting(stream, n, r, a, p);
+        return a < 1 ? draw_thinned(stream, n, r, a, p) : draw_by_rejection(stream, n, r, a, p);
     ThreadState().set_callback(take_least_logarithm_at_pole<double>);
     return draw_from_table(stream, n, r, a, p, peak);
 }

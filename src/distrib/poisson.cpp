@@ -39,10 +39,12 @@ static_assert(offsetof(Setup, table) == 336 && sizeof(Setup) == 696);
 
 // ---- Rejection -----------------------------------------------------------------------------------------------------
 
+float mode_of(float lambda) { return static_cast<float>(static_cast<int32_t>(lambda)); }
+
 void set_rejection(ByRejection& b, float lambda) {
     Hat& hat = b.hat;
     b.lambda = lambda;
-    hat.mode = static_cast<float>(static_cast<int32_t>(lambda));
+    hat.mode = mode_of(lambda);
     const float m = hat.mode;
     const float root = simd::first_lane(simd::square_root(simd::splat(m)));
     hat.p1 = static_cast<float>(static_cast<int32_t>(2.195f * root - 2.2f)) + 0.5f;
@@ -98,13 +100,15 @@ struct Law {
     }
 };
 
-int32_t draw_rejecting(Stream* stream, int32_t n, int32_t* r, float lambda) {
+int32_t draw_rejecting(Stream* stream, int32_t n, int32_t* r, float lambda, Setups setups) {
+    const float mode = mode_of(lambda);
     const Setup* setup = setup_in_chunk<Setup>(
-        stream, chunk_id, sizeof(Setup), [=](const Setup& s) { return s.rejection.lambda == lambda; },
+        stream, chunk_id, sizeof(Setup),
+        [=](const Setup& s) { return s.rejection.lambda == lambda && s.rejection.hat.mode == mode; },
         [=](Setup& s) { set_rejection(s.rejection, lambda); });
     if (!setup) return StatusNoMemory;
     const ByRejection& b = setup->rejection;
-    return draw_under_hat(stream, n, r, b.hat, Law{b.steps, lambda, b.hat.mode, b.log_step});
+    return draw_under_hat(stream, n, r, b.hat, Law{b.steps, lambda, mode, b.log_step}, setups);
 }
 
 // ---- Table ---------------------------------------------------------------------------------------------------------
@@ -131,8 +135,10 @@ int32_t draw_from_table(Stream* stream, int32_t n, int32_t* r, double lambda) {
 }
 
 int32_t by_rejection(Stream* stream, int32_t n, int32_t* r, double lambda) {
-    return lambda >= least_mean_of_rejection ? draw_rejecting(stream, n, r, static_cast<float>(lambda))
-                                             : draw_from_table(stream, n, r, lambda);
+    if (!(lambda >= least_mean_of_rejection)) return draw_from_table(stream, n, r, lambda);
+    return draw_by_setup(stream, chunk_id, [=](Setups setups) {
+        return draw_rejecting(stream, n, r, static_cast<float>(lambda), setups);
+    });
 }
 
 }  // namespace

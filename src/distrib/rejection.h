@@ -113,6 +113,7 @@ struct Entries {
 };
 
 // Law gives: batch, the most candidates of a batch; steps; most, the end of the support; near(|d|), where steps are used;
+// surely(d, v), if it has that, which heights v of the others are below the ratio without a logarithm;
 // ratio(k) = f(k) / f(k - 1); judge(k, d, ln v) by bounds of ln f(mode + d) / f(mode); log_ratios(n, k, out), that itself.
 template <class Law>
 struct Batch {
@@ -128,9 +129,10 @@ struct Batch {
     Entries<int32_t, size> near, far, undecided;
 
     Batch(const Hat& h, const Law& l) : hat(h), law(l), mode(static_cast<int32_t>(h.mode)) {
-        for (int32_t i = 0; i < Steps::count; ++i) {
-            heights[Steps::count - 1 - i] = law.steps.down[i];
-            heights[Steps::count + 1 + i] = law.steps.up[i];
+        for (int32_t i = 0; i < Steps::count; i += 4) {
+            const __m128i down = simd::bits_of(simd::load(law.steps.down + i));
+            simd::store(heights + Steps::count - 4 - i, simd::floats(simd::shuffle_32<3, 2, 1, 0>(down)));
+            simd::store(heights + Steps::count + 1 + i, simd::load(law.steps.up + i));
         }
         heights[Steps::count] = 1;
     }
@@ -158,6 +160,13 @@ struct Batch {
         }
     }
 
+    void settle(__m128i place, __m128i given) {
+        result[simd::word<0>(place)] = simd::word<0>(given);
+        result[simd::word<1>(place)] = simd::word<1>(given);
+        result[simd::word<2>(place)] = simd::word<2>(given);
+        result[simd::word<3>(place)] = simd::word<3>(given);
+    }
+
     // A candidate inside the support goes on to be tested. x is brought into the range of integers first.
     void survive(unsigned chosen, __m128 x, __m128 v, __m128i place) {
         constexpr float end = 2147483520.0f;
@@ -167,6 +176,12 @@ struct Batch {
         chosen &= ~simd::lane_bits(simd::floats(outside));
         const __m128 d = simd::to_floats(simd::subtract_32(k, simd::splat_32(mode)));
         const unsigned by_steps = simd::lane_bits(law.near(simd::magnitude(d)));
+        if constexpr (requires { law.surely(d, v); }) {
+            const __m128 inside = law.surely(d, v);
+            const unsigned at_once = chosen & ~by_steps & simd::lane_bits(inside);
+            settle(place, simd::select(simd::bits_of(inside), k, simd::splat_32(-1)));
+            chosen &= ~at_once;
+        }
         near.add(chosen & by_steps, k, v, place);
         far.add(chosen & ~by_steps, k, v, place);
     }
@@ -201,11 +216,15 @@ struct Batch {
         }
     }
 
+    // Heights fall from one that is at most 1, so the recurrence ends where they vanish, however far k is, whatever v is.
     bool below_recurrence(int32_t k, float v) const {
         constexpr int32_t last = Steps::count;
         float height = k > mode ? law.steps.up[last - 1] : law.steps.down[last - 1];
-        for (int32_t j = mode + last + 1; j <= k && v <= height; ++j) height *= law.ratio(j);
-        for (int32_t j = mode - last; j > k && v <= height; --j) height /= law.ratio(j);
+        if (!(height <= 1)) return false;
+        constexpr float least = 1.17549435e-38f;  // products with ratios near 1 stay among the denormal numbers
+        const auto goes_on = [&] { return v <= height && height > least; };
+        for (int32_t j = mode + last + 1; j <= k && goes_on(); ++j) height *= law.ratio(j);
+        for (int32_t j = mode - last; j > k && goes_on(); --j) height /= law.ratio(j);
         return v <= height;
     }
 
@@ -234,11 +253,7 @@ struct Batch {
             const Verdict verdict = law.judge(k, simd::to_floats(simd::subtract_32(k, centre)), alv);
             const unsigned group = far.group(i);
             undecided.add(group & simd::lane_bits(verdict.undecided), k, alv, place);
-            const __m128i given = simd::select(simd::bits_of(verdict.accepted), k, none);
-            result[simd::word<0>(place)] = simd::word<0>(given);
-            result[simd::word<1>(place)] = simd::word<1>(given);
-            result[simd::word<2>(place)] = simd::word<2>(given);
-            result[simd::word<3>(place)] = simd::word<3>(given);
+            settle(place, simd::select(simd::bits_of(verdict.accepted), k, none));
         }
         double log_ratio[piece];
         for (int32_t i = 0; i < undecided.n; i += piece) {
@@ -264,12 +279,21 @@ struct Batch {
     }
 };
 
-// n numbers under the hat. Each batch has as many pairs as results are wanted, but no more than the law's batch.
+// What a setup that a damaged image brought along may do is keep no candidate. All the hats that are made here keep half of
+// theirs and more; one that has kept less than a sixteenth of some hundreds is none of them.
+enum class Setups { any, made_here };
+inline constexpr int32_t unsound_setup = INT32_MIN;
+
+// n numbers under the hat. Each batch has as many pairs as results are wanted, but no more than the law's batch. The result is
+// `unsound_setup` where the hat keeps too few candidates for one that is made here.
 template <class Law>
-int32_t draw_under_hat(Stream* stream, int32_t n, int32_t* r, const Hat& hat, const Law& law) {
+int32_t draw_under_hat(Stream* stream, int32_t n, int32_t* r, const Hat& hat, const Law& law, Setups setups) {
+    constexpr int64_t patience = 256, least_kept = 16;
     Batch<Law> batch(hat, law);
     int32_t status = StatusOk;
+    int64_t tried = 0;
     for (int32_t done = 0; done < n;) {
+        if (setups == Setups::any && tried > patience + least_kept * done) return unsound_setup;
         const int32_t count = n - done < Law::batch ? n - done : Law::batch;
         status = draw_uniforms(stream, 2 * count, batch.pairs, 0.0f, 1.0f);
         if (status < 0) return status;
@@ -280,8 +304,18 @@ int32_t draw_under_hat(Stream* stream, int32_t n, int32_t* r, const Hat& hat, co
         batch.judge_near();
         batch.judge_far();
         done += batch.collect(count, r + done);
+        tried += count;
     }
     return status;
+}
+
+// draw(setups) with the setup that the stream's chunk holds, and with a new one where that proves unsound.
+template <class Draw>
+int32_t draw_by_setup(Stream* stream, int32_t chunk_id, Draw draw) {
+    const int32_t status = draw(Setups::any);
+    if (status != unsound_setup) return status;
+    streams::remove_chunks(stream, chunk_id);
+    return draw(Setups::made_here);
 }
 
 }  // namespace orv::distrib

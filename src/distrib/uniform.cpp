@@ -19,14 +19,12 @@ void clamp(int32_t n, Real* r, Real a, Real b) {
 }  // namespace
 
 ORV_API int32_t _kuzsRngUniform(int32_t method, Stream* stream, int32_t n, float* r, float a, float b) {
-    if (n <= 0) return StatusOk;
     const int32_t status = row_of(stream)->sBRng(stream, n, r, a, b);
     if (status >= 0 && (method & UniformAccurate)) clamp(n, r, a, b);
     return status;
 }
 
 ORV_API int32_t _kuzdRngUniform(int32_t method, Stream* stream, int32_t n, double* r, double a, double b) {
-    if (n <= 0) return StatusOk;
     const int32_t status = row_of(stream)->dBRng(stream, n, r, a, b);
     if (status >= 0 && (method & UniformAccurate)) clamp(n, r, a, b);
     return status;

@@ -79,4 +79,31 @@ TEST(TrigTables, WindowsSlideByOneBit) {
             ASSERT_EQ(inv_two_pi_96[e][k], inv_two_pi_96[e - 1][k] << 1 | inv_two_pi_96[e - 1][k + 1] >> 31);
 }
 
+// Heads that are known beforehand: parts and constant terms to the bit, fitted coefficients to what the fit can differ by.
+TEST(SpecialTables, KnownRows) {
+    static const double erfcx[321][10] = {
+#include "vecmath/tables/erfcx.inc"
+    };
+    static const double inverse_cubics[847][4] = {
+#include "vecmath/tables/cdf_norm_inv_cubic.inc"
+    };
+    static const double cdf_norm[2468][2] = {
+#include "vecmath/tables/cdf_norm_2468.inc"
+    };
+    static_assert(sizeof cdf_norm == 39488 && sizeof inverse_cubics + sizeof(double) == 27112);
+    const double head[4] = {9.5367431640624725e-07, 0.99999904632568359, -1.2526668016315684e-06, -1.1283779144287109};
+    EXPECT_EQ(erfcx[0][1], head[1]);
+    EXPECT_EQ(erfcx[0][3], head[3]);
+    EXPECT_NEAR(erfcx[0][0], head[0], 3e-21);
+    EXPECT_NEAR(erfcx[0][2], head[2], 5e-18);
+    EXPECT_EQ(inverse_cubics[0][0], 1.2533942533804652);
+    EXPECT_NEAR(inverse_cubics[0][1], -0.0051282026207095819, 6e-15);
+    EXPECT_NEAR(inverse_cubics[0][2], 0.08210634660093051, 2e-13);
+    EXPECT_NEAR(inverse_cubics[0][3], -0.0014109816448152064, 2e-11);
+    // Of 1/2, 2^128 times; and the last row in use, at 38.5, where the distribution is 6e-325.
+    EXPECT_EQ(cdf_norm[0][0], 1.7014118346046923e+38);
+    EXPECT_GT(cdf_norm[2464][0], 0x1p-950);
+    EXPECT_LT(cdf_norm[2464][0], 0x1p-946);
+}
+
 }  // namespace

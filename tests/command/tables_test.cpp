@@ -57,6 +57,7 @@ TEST_F(Command, Prints) {
         {"draw uniform --brng mrg32k3a --seed 12345,12345,12345,12345,12345,12345 --n 2 --type s", "",
          "0.12701112\n0.31852758\n"},
         {"draw uniform --type i --from 5 --to 6 --n 0.3e1", "", "5\n5\n5\n"},
+        {"draw uniform --type i --from 1633837924 --to 1633837925 --n 2 --binary", "", "dcbadcba"},
         {"draw geometric --p 1 --n 2", "", "0\n0\n"},
         {"draw binomial --ntrial 7 --p 1 --n 2", "", "7\n7\n"},
         {"draw poisson --lambda 1e-300 --n 2 --method normal", "", "0\n0\n"},

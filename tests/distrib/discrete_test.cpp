@@ -306,6 +306,27 @@ TEST(Discrete, ChunksOfAnotherSizeAreReplaced) {
     }
 }
 
+// Any word of a setup may be anything in a damaged image: no loop goes on without an end.
+TEST(Discrete, DamagedSetupsEndTheirDraws) {
+    std::vector<Kept> all = kept();
+    all.push_back({binomial(INT32_MAX, 0.4), binomial(7, 0.4), 5, 544, 240});
+    for (const Kept& k : all) {
+        OwnedStream stream(BrngMCG59, {5});
+        numbers(k.law, stream, 1);
+        for (int32_t at = 0; at < k.size; at += 4)
+            for (const float word : {0.0f, -1.0f, 0x1p-149f, std::numeric_limits<float>::max(),
+                                     std::numeric_limits<float>::infinity(), std::numeric_limits<float>::quiet_NaN()}) {
+                char* data = static_cast<char*>(__kuzSearchChunk(stream, k.chunk));
+                ASSERT_NE(data, nullptr);
+                const std::vector<char> made(data, data + k.size);
+                std::memcpy(data + at, &word, sizeof word);
+                numbers(k.law, stream, 300);
+                data = static_cast<char*>(__kuzSearchChunk(stream, k.chunk));
+                std::memcpy(data, made.data(), made.size());
+            }
+    }
+}
+
 TEST(Discrete, WithoutMemoryNothingIsLost) {
     for (const Kept& k : kept())
         for (const int32_t nth : {1, 2}) {

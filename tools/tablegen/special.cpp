@@ -64,6 +64,58 @@ void both_expansions(const Output& output, const std::string& name, int first, i
     short_expansions(short_table, first, last, f);
 }
 
+// The polynomial of degree 3 in d next to f(c + d), f > 0, over [-h, h] by the greatest relative difference (Remez's exchange on
+// an interpolation of f that is far closer than the result can be).
+std::vector<Real> closest_cubic(const F& f, const Real& c, const Real& h) {
+    const auto value = [](const std::vector<Real>& p, const Real& x) {
+        Real sum = 0.0;
+        for (size_t k = p.size(); k-- > 0;) sum = sum * x + p[k];
+        return sum;
+    };
+    const auto derivative = [](const std::vector<Real>& p) {
+        std::vector<Real> result;
+        for (size_t k = 1; k < p.size(); ++k) result.push_back(Real(static_cast<double>(k)) * p[k]);
+        return result;
+    };
+    const auto product = [](const std::vector<Real>& a, const std::vector<Real>& b) {
+        std::vector<Real> result(a.size() + b.size() - 1);
+        for (size_t i = 0; i < a.size(); ++i)
+            for (size_t j = 0; j < b.size(); ++j) result[i + j] = result[i + j] + a[i] * b[j];
+        return result;
+    };
+    const std::vector<Real> model = fit(f, c, h, 12);
+    std::vector<Real> at, cubic;
+    for (int k = 0; k <= 4; ++k) at.push_back(-h * cos(pi() * Real(k) / Real(4)));
+    for (int round = 0; round < 6; ++round) {
+        // cubic(x_k) = (1 + (-1)^k E) model(x_k), k = 0 to 4: four of the fifth divided differences give E, the rest the cubic.
+        std::vector<Real> plain, signed_values;
+        for (int k = 0; k <= 4; ++k) {
+            plain.push_back(value(model, at[k]));
+            signed_values.push_back(k % 2 ? -plain[k] : plain[k]);
+        }
+        const auto differences = [&](std::vector<Real> v) {
+            for (int order = 1; order <= 4; ++order)
+                for (int k = 4; k >= order; --k) v[k] = (v[k] - v[k - 1]) / (at[k] - at[k - order]);
+            return v;
+        };
+        const std::vector<Real> of_plain = differences(plain), of_signed = differences(signed_values);
+        const Real error = -(of_plain[4] / of_signed[4]);
+        cubic.assign(4, Real(0.0));
+        for (int k = 3; k >= 0; --k) {
+            for (int power = 3; power > 0; --power) cubic[power] = cubic[power - 1] - at[k] * cubic[power];
+            cubic[0] = of_plain[k] + error * of_signed[k] - at[k] * cubic[0];
+        }
+        // The extremes within, where (cubic / model)' = 0.
+        std::vector<Real> slope = product(derivative(cubic), model);
+        const std::vector<Real> other = product(cubic, derivative(model));
+        for (size_t k = 0; k < slope.size(); ++k) slope[k] = slope[k] - other[k];
+        const std::vector<Real> bend = derivative(slope);
+        for (int k = 1; k <= 3; ++k)
+            for (int step = 0; step < 8; ++step) at[k] = at[k] - value(slope, at[k]) / value(bend, at[k]);
+    }
+    return cubic;
+}
+
 // ---- Inverse error functions -----------------------------------------------------------------------------------------
 
 // A zero of f by Newton's method, `step` being f / f'.
@@ -110,10 +162,43 @@ void inverse_tail(const Output& output) {
     expansions(table, 1, 4, [](const Real& s) { return erfc_inverse_of_log(s * s); });
 }
 
+// A quadratic in floats; a fourth number fills the row.
+void float_row(Table& table, const std::vector<Real>& c) {
+    table.row_of_floats({to_float(c[0]) + 0.0f, to_float(c[1]), to_float(c[2]) + 0.0f, 0.0f});
+}
+
+// The inverse of the normal distribution at q / 2, its sign turned, by 1 - q.
+Real normal_inverse_by_v(const Real& q) {
+    const Real root = to_double(q) < 0.25 ? erfc_inverse_of_log(-log(q)) : erf_inverse(Real(1) - q);
+    return sqrt(Real(2)) * root / (Real(1) - q);
+}
+// For few digits: that in q. 16 rows a power of two, by the top 16
+// bits of q, from those of 1 less a little down to 17/16 of 2^-53. (The kernel's record has that least q behind the rows.)
+void short_inverse(const Output& output) {
+    Table table(output, "cdf_norm_inv_cubic", "cubics for q from 1 downward, 16 a power of two");
+    for (int row = 0; row < 847; ++row) {
+        const int top = 0x3FEF - row;
+        const Real unit = exp2(Real((top >> 4) - 1023));
+        const F f = [&](const Real& m) { return normal_inverse_by_v(unit * m); };
+        const std::vector<Real> c = closest_cubic(f, Real(1) + Real((top & 15) + 0.5) / Real(16), Real(1) / Real(32));
+        table.row({to_double(c[0]), to_double(c[1]), to_double(c[2]), to_double(c[3])});
+    }
+    Table floats(output, "cdf_norm_inv_float", "quadratics for q from 1 downward, 4 a power of two");
+    for (int row = 0; row < 4 * 126; ++row) {
+        const Real unit = exp2(Real(-1 - row / 4));
+        const F f = [&](const Real& m) { return normal_inverse_by_v(unit * m); };
+        float_row(floats, fit(f, Real(1) + Real(3 - row % 4 + 0.5) / Real(4), Real(1) / Real(8), 2));
+    }
+}
+
 // ---- Error functions and the normal distribution ---------------------------------------------------------------------
 
 // Row i: erf(i/128) and its derivative there; `wide`: to two parts, the derivative's first of 26 bits.
+// In floats: erf about i/32.
 void erf_rows(const Output& output) {
+    Table floats(output, "erf_float", "quadratics about i/32");
+    for (int i = 0; i <= 128; ++i)
+        float_row(floats, fit([](const Real& x) { return erf(x); }, Real(i) / Real(32), Real(1) / Real(64), 2));
     Table table(output, "erf_768", "erf(i/128) and its derivative");
     Table wide(output, "erf_768_wide", "erf(i/128), its derivative's leading part; the rests");
     for (int i = 0; i < 768; ++i) {
@@ -124,11 +209,52 @@ void erf_rows(const Output& output) {
         wide.row({to_double(e), to_double(g_high), to_double(e - Real(to_double(e))) + 0.0, to_double(g - g_high)});
     }
 }
-// In t = x + 1: e^(x^2) erfc x, and e^(x^2/2) of the lower tail of the normal distribution at -x.
+// In t = x + 1: e^(x^2) erfc x, and e^(x^2/2) of the lower tail of the normal distribution at -x. About 64 points a power of two,
+// both ends included; c0 and c1 with leading parts of 20 bits, cut, and the rests before them.
+void tail_rows(const Output& output, const std::string& name, int powers, const F& f) {
+    Table table(output, name, "the rests and leading parts of two coefficients, six more");
+    for (int i = 0; i <= 64 * powers; ++i) {
+        const Real unit = exp2(Real(i / 64));
+        const std::vector<Real> c = fit(f, unit * (Real(1) + Real(i % 64) / Real(64)), unit / Real(128), 7);
+        const Real high0 = to_bits(c[0], 20, MPFR_RNDZ), high1 = to_bits(c[1], 20, MPFR_RNDZ);
+        table.row({to_double(c[0] - high0), to_double(high0), to_double(c[1] - high1), to_double(high1),
+                   to_double(c[2]), to_double(c[3]), to_double(c[4]), to_double(c[5]), to_double(c[6]),
+                   to_double(c[7])});
+    }
+    Table short_table(output, name + "_short", "the coefficients of a short expansion");
+    short_expansions(short_table, 0, powers - 1, f);
+}
 void scaled_tails(const Output& output) {
-    both_expansions(output, "erfcx", 0, 4, [](const Real& t) { return scaled_erfc(t - Real(1)); });
-    both_expansions(output, "cdf_norm_scaled", 0, 5,
-                    [](const Real& t) { return scaled_erfc((t - Real(1)) / sqrt(Real(2))) / Real(2); });
+    tail_rows(output, "erfcx", 5, [](const Real& t) { return scaled_erfc(t - Real(1)); });
+    Table floats(output, "erfcx_float", "quadratics in t, 8 a power of two");
+    for (int i = 0; i < 32; ++i) {
+        const Real unit = exp2(Real(i / 8));
+        const F f = [](const Real& t) { return scaled_erfc(t - Real(1)); };
+        float_row(floats, fit(f, unit * (Real(1) + Real(i % 8 + 0.5) / Real(8)), unit / Real(16), 2));
+    }
+    Table exp2_cubic(output, "exp2_cubic_float", "a cubic for 2^f, f from -1/2 to 1/2");
+    const std::vector<Real> c = closest_cubic([](const Real& f) { return exp2(f); }, Real(0.0), Real(0.5));
+    exp2_cubic.row_of_floats({to_float(c[0]), to_float(c[1]), to_float(c[2]), to_float(c[3])});
+    tail_rows(output, "cdf_norm_scaled", 6,
+              [](const Real& t) { return scaled_erfc((t - Real(1)) / sqrt(Real(2))) / Real(2); });
+}
+// Row i: the normal distribution at -i/64 and its density there, times 2^128. 38.5 takes 2465 rows; three more fill the last of the
+// cache lines of 64 bytes.
+void cdf_norm_rows(const Output& output) {
+    Table table(output, "cdf_norm_2468", "the distribution at -i/64 and its density, times 2^128");
+    for (int i = 0; i < 2468; ++i) {
+        const Real c = Real(i) / Real(64), unit = exp2(Real(128)), half_square = c * c / Real(2);
+        table.row({to_double(unit * exp(-half_square) * scaled_erfc(c / sqrt(Real(2))) / Real(2)),
+                   to_double(unit * exp(-half_square) / sqrt(Real(2) * pi()))});
+    }
+}
+// 2^(j/128), the first part of 26 bits.
+void split_powers(const Output& output) {
+    Table table(output, "exp2_128_split", "2^(j/128) to 26 bits and the rest");
+    for (int j = 0; j < 128; ++j) {
+        const Real power = exp2(Real(j) / Real(128)), high = to_bits(power, 26);
+        table.row({to_double(high), to_double(power - high) + 0.0});
+    }
 }
 
 // In x: e^x E1(x).
@@ -211,7 +337,10 @@ void special_tables(const Output& output) {
     inverse(output, "cdf_norm_inv", sqrt(Real(2)));
     inverse_tail(output);
     erf_rows(output);
+    short_inverse(output);
     scaled_tails(output);
+    cdf_norm_rows(output);
+    split_powers(output);
     exp_int(output);
     gamma_rows(output);
     ln_gamma_rows(output);

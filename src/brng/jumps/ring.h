@@ -1,7 +1,9 @@
-// Blocks of words in a jump: a ring that begins at an index, where the length stands for 0.
+// Blocks of words in a jump: a ring that begins at an index, where the length stands for 0. A State has `words` and `index`.
 #pragma once
 
 #include "simd/integers.h"
+
+#include <orv/streams.h>
 
 #include <stdint.h>
 #include <string.h>
@@ -10,7 +12,7 @@ namespace orv::brng::ring {
 
 // to ^= from, each from its own first word on.
 template <int32_t Words>
-void add(uint32_t* to, int32_t to_first, const uint32_t* from, int32_t from_first) {
+void add(uint32_t (&to)[Words], int32_t to_first, const uint32_t (&from)[Words], int32_t from_first) {
     int32_t i = to_first % Words, j = from_first % Words;
     for (int32_t left = Words; left > 0;) {
         const int32_t before_end = Words - (i > j ? i : j);
@@ -23,6 +25,28 @@ void add(uint32_t* to, int32_t to_first, const uint32_t* from, int32_t from_firs
         j = j + run == Words ? 0 : j + run;
         left -= run;
     }
+}
+
+template <class State>
+void zero(Stream* state) {
+    State& s = *reinterpret_cast<State*>(state);
+    memset(s.words, 0, sizeof s.words);
+    s.index = 0;
+}
+
+template <class State>
+void copy(Stream* dest, const Stream* source) {
+    State& to = *reinterpret_cast<State*>(dest);
+    const State& from = *reinterpret_cast<const State*>(source);
+    memcpy(to.words, from.words, sizeof to.words);
+    to.index = from.index;
+}
+
+template <class State>
+void add(Stream* dest, const Stream* source) {
+    State& to = *reinterpret_cast<State*>(dest);
+    const State& from = *reinterpret_cast<const State*>(source);
+    add(to.words, to.index, from.words, from.index);
 }
 
 // The ring from its first word on.

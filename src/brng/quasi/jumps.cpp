@@ -1,6 +1,7 @@
-// Choosing a coordinate, and jumps. The point with index i is the sum of the direction numbers at the ones of its Gray code
+// Seeding, choosing a coordinate, and jumps. The point with index i is the sum of the direction numbers at the ones of its Gray code
 // i ^ (i >> 1); from there to index j, those at the ones of the difference of both codes are added.
 #include "brng/quasi/stream.h"
+#include "streams/chunks.h"
 
 namespace orv::brng::quasi {
 
@@ -10,7 +11,8 @@ void add_code(const Tables& t, int32_t count, uint32_t code) {
     for (; code != 0; code &= code - 1) add_numbers(t, count, __builtin_ctz(code));
 }
 
-}  // namespace
+// Leapfrog with this number of streams chooses one coordinate; nothing else is a leapfrog here.
+constexpr int32_t choose_dimension = 0x7FFFFFFF;
 
 int32_t leapfrog(Head& head, const Tables& t, int32_t streams, int32_t k) {
     if (streams != choose_dimension || k < 0 || k >= head.dimension) return BrngStatusNoLeapfrog;
@@ -30,6 +32,7 @@ int32_t leapfrog(Head& head, const Tables& t, int32_t streams, int32_t k) {
     return StatusOk;
 }
 
+// Passes over `count` coordinates.
 int32_t skip_ahead(Head& head, const Tables& t, uint64_t count) {
     constexpr uint64_t end = 0xFFFFFFFF;
     const uint64_t dimension = static_cast<uint64_t>(head.dimension), begun = static_cast<uint64_t>(head.coordsLeft);
@@ -45,6 +48,33 @@ int32_t skip_ahead(Head& head, const Tables& t, uint64_t count) {
     head.pointIndex = target;
     head.coordsLeft = rest == 0 ? 0 : head.dimension - rest;
     return StatusOk;
+}
+
+}  // namespace
+
+int32_t init_stream(int32_t method, Stream* stream, int32_t n, const void* params, Seed seed, FindTables find_tables) {
+    Tables t;
+    switch (method) {
+        case InitMethodSeed:
+            return seed(stream, n, static_cast<const uint32_t*>(params));
+        case InitMethodLeapfrog:
+            if (!find_tables(stream, &t)) return StreamStatusBadImage;
+            return leapfrog(head_of(stream), t, n, *static_cast<const int32_t*>(params));
+        case InitMethodSkipAhead:
+            if (n <= 0) return BrngStatusNoSkipAhead;
+            if (!find_tables(stream, &t)) return StreamStatusBadImage;
+            return skip_ahead(head_of(stream), t, *static_cast<const uint64_t*>(params));
+        case InitMethodSkipAheadEx:
+            return BrngStatusNoSkipAheadEx;
+        default:
+            return StatusBadMethod;
+    }
+}
+
+bool tables_are_sound(const Stream* stream, FindTables find_tables, int32_t point_chunk) {
+    Tables t;
+    const Chunk* point = streams::find_chunk(stream, point_chunk);
+    return find_tables(stream, &t) && (!point || (point->key[0] | point->key[1]) == 0);
 }
 
 }  // namespace orv::brng::quasi

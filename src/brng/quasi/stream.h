@@ -34,7 +34,10 @@ struct State {
 
 inline int32_t padded(int32_t dimension) { return (dimension + 15) / 16 * 16; }
 
-inline bool head_is_sound(const Head& head) {
+inline Head& head_of(Stream* stream) { return *reinterpret_cast<Head*>(stream); }
+
+inline bool head_is_sound(const Stream* stream) {
+    const Head& head = *reinterpret_cast<const Head*>(stream);
     return head.dimension >= 1 && head.selectedDim >= all_dimensions && head.selectedDim < head.dimension &&
            head.coordsLeft >= 0 && head.coordsLeft < head.dimension;
 }
@@ -63,11 +66,14 @@ struct Output {
     }
 };
 
-template <class Real>
-Output<Real> output_of(Real a, Real b) {
-    const double low = a, high = b;
-    return {static_cast<Real>((high - low) * 0x1p-31), a};
-}
+struct Outputs {
+    template <class Real>
+    static Output<Real> numbers(Real a, Real b) {
+        const double low = a, high = b;
+        return {static_cast<Real>((high - low) * 0x1p-31), a};
+    }
+    static RawOutput words() { return {}; }
+};
 
 inline const Division& division_of(const Output<double>&) { return double_division; }
 inline const Division& division_of(const Output<float>&) { return float_division; }
@@ -105,32 +111,20 @@ int32_t generate(Head& head, const Tables& t, int32_t n, typename Out::Element* 
     return StatusOk;
 }
 
-// Leapfrog with this number of streams chooses one coordinate; nothing else is a leapfrog here.
-inline constexpr int32_t choose_dimension = 0x7FFFFFFF;
+// find_tables(stream, &tables) is false where chunks are missing.
+using FindTables = bool (*)(const Stream* stream, Tables* t);
+using Seed = int32_t (*)(Stream* stream, int32_t n, const uint32_t* words);
 
-int32_t leapfrog(Head& head, const Tables& t, int32_t streams, int32_t k);
-
-// Passes over `count` coordinates.
-int32_t skip_ahead(Head& head, const Tables& t, uint64_t count);
-
-// The methods of initStream behind seeding. find_tables(stream, &tables) is false where chunks are missing.
-template <class FindTables>
-int32_t move_stream(int32_t method, Stream* stream, int32_t n, const void* params, FindTables find_tables) {
-    Head& head = *reinterpret_cast<Head*>(stream);
+template <class Out>
+int32_t generate(Stream* stream, FindTables find_tables, int32_t n, typename Out::Element* r, const Out& output) {
     Tables t;
-    switch (method) {
-        case InitMethodLeapfrog:
-            if (!find_tables(stream, &t)) return StreamStatusBadImage;
-            return leapfrog(head, t, n, *static_cast<const int32_t*>(params));
-        case InitMethodSkipAhead:
-            if (n <= 0) return BrngStatusNoSkipAhead;
-            if (!find_tables(stream, &t)) return StreamStatusBadImage;
-            return skip_ahead(head, t, *static_cast<const uint64_t*>(params));
-        case InitMethodSkipAheadEx:
-            return BrngStatusNoSkipAheadEx;
-        default:
-            return StatusBadMethod;
-    }
+    if (!find_tables(stream, &t)) return StreamStatusBadImage;
+    return generate(head_of(stream), t, n, r, output);
 }
+
+// The chunk of the point is written to, so it must not be shared.
+bool tables_are_sound(const Stream* stream, FindTables find_tables, int32_t point_chunk);
+
+int32_t init_stream(int32_t method, Stream* stream, int32_t n, const void* params, Seed seed, FindTables find_tables);
 
 }  // namespace orv::brng::quasi

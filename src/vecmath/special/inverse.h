@@ -8,6 +8,8 @@
 //
 // v is split into 26 bits and the rest, so that the leading product is exact and all is rounded once, but for what is small.
 // The normal distribution's inverse is the same with all coefficients times the root of 2, of v = 2p - 1.
+//
+// "EP" of doubles is v C(q), a cubic for each sixteenth of each power of two of q down to 2^-53.
 #pragma once
 
 #include "frame/error_report.h"
@@ -16,6 +18,22 @@
 #include "vecmath/special/extended.h"
 
 namespace orv::vecmath {
+
+// Cubics in the distance from the middle of the interval, q from 1 downward; and the least q that they serve.
+struct InverseCubics {
+    double rows[847][4] = {
+#include "vecmath/tables/cdf_norm_inv_cubic.inc"
+    };
+    double least = 0x1.1p-53;
+};
+static_assert(sizeof(void*) != 4 || sizeof(InverseCubics) == 27112);
+struct ShortInverseBlock {
+    simd::Splat<double> below_one{0.99999999999999989}, one{1.0}, middle{1.03125}, root_half{0x1.6a09e667f3bcdp-1};
+    simd::SplatBits<uint64_t> within_row{0x0000FFFFFFFFFFFF};
+    static constexpr uint32_t top = 0x3FEF;  // of the first row's q
+    alignas(16) InverseCubics cubics;
+};
+inline constexpr ShortInverseBlock short_inverse_block;
 
 struct InverseBlock {
     simd::Splat<double> one{1.0}, two{2.0}, half{0.5};
@@ -67,6 +85,24 @@ inline __m128d inverse_lanes(__m128d x) {
         y = factor * (f.high + f.low);
     }
     return simd::bit_or(y, simd::sign_of(signed_v));
+}
+
+// For q from `least` on, to 2^-27 or so.
+template <Inverse Which>
+inline __m128d short_inverse_lanes(__m128d x) {
+    constexpr const auto& K = short_inverse_block;
+    auto [v, q] = erf_value<Which>(x);
+    q = simd::least(q, K.below_one);
+    const __m128i bits = simd::bits_of(q);
+    const simd::Indices<2> at(_mm_srli_epi64(bits, 48));
+    const __m128d d = simd::bit_or(simd::doubles(_mm_and_si128(bits, K.within_row)), K.one) - K.middle;
+    const double *row0 = K.cubics.rows[K.top - at.lane[0]], *row1 = K.cubics.rows[K.top - at.lane[1]];
+    const __m128d first0 = _mm_load_pd(row0), first1 = _mm_load_pd(row1);
+    const __m128d second0 = _mm_load_pd(row0 + 2), second1 = _mm_load_pd(row1 + 2);
+    const __m128d c0 = _mm_unpacklo_pd(first0, first1), c1 = _mm_unpackhi_pd(first0, first1);
+    const __m128d c2 = _mm_unpacklo_pd(second0, second1), c3 = _mm_unpackhi_pd(second0, second1);
+    if constexpr (Which != Inverse::normal) v = v * K.root_half;
+    return v * ((c0 + c1 * d) + (d * d) * (c2 + c3 * d));
 }
 
 // Any element: the ends, what lies beyond, and what is near them; near zero too.

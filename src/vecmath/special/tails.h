@@ -8,10 +8,13 @@
 
 namespace orv::vecmath {
 
+// The rests and the leading parts of c0 and c1, c2 to c7.
+using TailRow = double[10];
+
 struct ErfcTail {
     static constexpr int sign = 1;  // falls for x of this sign
     static constexpr double half = 1.0, whole = 2.0, last_vector = 26.0, beyond_zero = 28.0;
-    alignas(16) static constexpr ExpansionRow rows[160] = {
+    alignas(16) static constexpr TailRow rows[5 * 64 + 1] = {
 #include "vecmath/tables/erfcx.inc"
     };
     alignas(16) static constexpr ShortRow short_rows[160] = {
@@ -21,7 +24,7 @@ struct ErfcTail {
 struct NormalTail {
     static constexpr int sign = -1;
     static constexpr double half = 0.5, whole = 1.0, last_vector = 37.0, beyond_zero = 39.0;
-    alignas(16) static constexpr ExpansionRow rows[192] = {
+    alignas(16) static constexpr TailRow rows[6 * 64 + 1] = {
 #include "vecmath/tables/cdf_norm_scaled.inc"
     };
     alignas(16) static constexpr ShortRow short_rows[192] = {
@@ -29,12 +32,40 @@ struct NormalTail {
     };
 };
 
+struct TailPlace {
+    simd::SplatBits<uint64_t> half_step{uint64_t{1} << 45}, step{~uint64_t{0} << 46};
+};
+inline constexpr TailPlace tail_place;
+
+template <class Tail>
+inline Expanded tail_expansion(__m128d magnitude) {
+    constexpr const auto& K = tail_place;
+    constexpr uint32_t first = uint32_t{1023} << 6;
+    const __m128d one = simd::splat(1.0);
+    const __m128i t = _mm_and_si128(_mm_add_epi64(simd::bits_of(magnitude + one), K.half_step), K.step);
+    const __m128d d = magnitude - (simd::doubles(t) - one), square = d * d;
+    const simd::Indices<2> at(_mm_srli_epi64(t, 46));
+    const double *row0 = Tail::rows[at.lane[0] - first], *row1 = Tail::rows[at.lane[1] - first];
+    const auto pair = [&](int k, __m128d& a, __m128d& b) {
+        const __m128d from0 = _mm_load_pd(row0 + k), from1 = _mm_load_pd(row1 + k);
+        a = _mm_unpacklo_pd(from0, from1);
+        b = _mm_unpackhi_pd(from0, from1);
+    };
+    __m128d low0, high0, low1, high1, c2, c3, c4, c5, c6, c7;
+    pair(8, c6, c7);
+    pair(6, c4, c5);
+    pair(4, c2, c3);
+    pair(2, low1, high1);
+    pair(0, low0, high0);
+    const __m128d rest = (c2 + c3 * d) + square * ((c4 + c5 * d) + square * (c6 + c7 * d));
+    return {high0, low0 + d * (high1 + (low1 + d * rest))};
+}
+
 // F(|x|) e^(-z).
 template <class Tail>
 inline Decayed falling(__m128d magnitude) {
-    const __m128d one = simd::splat(1.0), half = simd::splat(Tail::half);
-    const __m128d t = magnitude + one;
-    const Expanded f = expand<0, 4>(Tail::rows, t, magnitude - (expansion_centre(t) - one));
+    const __m128d half = simd::splat(Tail::half);
+    const Expanded f = tail_expansion<Tail>(magnitude);
     const __m128d leading = upper_26(magnitude);
     const __m128d z_low = (magnitude - leading) * (magnitude + leading);
     return decay(leading * leading * half, z_low * half, f);
@@ -56,14 +87,16 @@ inline __m128d rising_side(__m128d x) {
     return Tail::sign > 0 ? x : simd::bit_xor(x, simd::splat(-0.0));
 }
 
-// For doubles of the highest accuracy with no `Pairs`, otherwise in one part.
-template <class Tail, int Pairs = 0>
+// In parts the result is rounded once. The short form, of six coefficients, is for floats.
+enum class TailForm { in_parts, short_six };
+
+template <class Tail, TailForm Form>
 inline __m128d tail_lanes(__m128d x) {
     const __m128d magnitude = simd::least(simd::magnitude(x), simd::splat(Tail::last_vector));
     const __m128d turned = simd::sign_of(rising_side<Tail>(x));
     const __m128d base = simd::select_by_sign(turned, simd::splat(Tail::whole), _mm_setzero_pd());
-    if constexpr (Pairs > 0) {
-        return base + simd::bit_or(short_falling<Tail, Pairs>(magnitude), turned);
+    if constexpr (Form == TailForm::short_six) {
+        return base + simd::bit_or(short_falling<Tail, 3>(magnitude), turned);
     } else {
         const Decayed y = falling<Tail>(magnitude);
         const __m128d scale = simd::bit_or(decay_scale(y.shifted), turned);
@@ -82,7 +115,7 @@ inline int32_t tail_scalar(T x, T* y) {
     }
     const double d = x;
     if ((Tail::sign > 0) == (d < 0)) {
-        *y = static_cast<T>(_mm_cvtsd_f64(tail_lanes<Tail>(simd::splat(d))));
+        *y = static_cast<T>(_mm_cvtsd_f64(tail_lanes<Tail, TailForm::in_parts>(simd::splat(d))));
         return frame::status_ok;
     }
     if (!is_finite(x)) {
