@@ -79,7 +79,8 @@ void draw_matrix(const std::string& title, const std::vector<std::string>& names
                           : "using 1:2:3 with image";
     if (p <= readable)
         script +=
-            ", $matrix using 1:2:(sprintf('%.2f', $3)):(abs($3) > 0.6 ? 0xFFFFFF : 0) with labels tc rgb "
+            ", $matrix using 1:2:($3 == $3 ? sprintf('%.2f', $3) : 'nan'):(abs($3) > 0.6 ? 0xFFFFFF : 0) with labels "
+            "tc rgb "
             "variable";
     const int side = static_cast<int>(std::min<size_t>(1600, 240 + 60 * p));
     write_plot(output, side + 80, side, script);
