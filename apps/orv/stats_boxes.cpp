@@ -37,8 +37,9 @@ std::string panel(const std::string& name, const double* quantiles, double least
         low = std::min(low, extreme);
         high = std::max(high, extreme);
     }
-    // A scale has a length, whatever the numbers.
-    const double margin = high > low ? 0.05 * (high - low) : std::max(0.05 * std::fabs(high), 1e-300);
+    // A scale has a length in which its tics differ, whatever the numbers.
+    const double largest = std::max(std::fabs(low), std::fabs(high));
+    const double margin = std::max({0.05 * (high - low), (high > low ? 1e-12 : 0.05) * largest, 1e-300});
     if (!finite || !std::isfinite(margin) || !std::isfinite(high + margin) || !std::isfinite(low - margin))
         return script +
                "unset ytics\nset yrange [0:1]\nset label 'nan' at graph 0.5,0.5 center\nplot 2 notitle\nset ytics "

@@ -69,11 +69,11 @@ inline int32_t threads_within(const Data& data, const orv_services* services) {
     return threads <= components || parts < 2 ? 1 : threads < parts ? threads : parts;
 }
 
-// work(j, memory, services, threads) for each component that takes part: over threads by components, or with several threads within
-// each.
+// work(j, memory, services, threads) for each component that takes part: over threads by components, or with the given number of
+// threads, that of threads_within, within each.
 template <class Work>
-int32_t for_components_and_within(const Data& data, const orv_services* services, uint64_t bytes, Work work) {
-    const int32_t threads = threads_within(data, services);
+int32_t for_components_and_within(const Data& data, const orv_services* services, int32_t threads, uint64_t bytes,
+                                  Work work) {
     if (threads == 1)
         return for_components(data, services, bytes,
                               [&](int32_t j, char* memory) { return work(j, memory, nullptr, 1); });

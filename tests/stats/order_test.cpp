@@ -1,4 +1,5 @@
 // Order statistics against plain sorting, over shapes, storage forms, threads and hostile data.
+#include "services/test_switches.h"
 #include "stats/reference.h"
 
 #include <orv/services.h>
@@ -210,6 +211,7 @@ TYPED_TEST(SSOrder, AgainstSorting) {
 
 TYPED_TEST(SSOrder, WeightedMedian) {
     using T = TypeParam;
+    constexpr T largest = std::numeric_limits<T>::max();
     const struct {
         std::vector<T> x, w;
         T median;
@@ -220,6 +222,9 @@ TYPED_TEST(SSOrder, WeightedMedian) {
         {{1, 2, 3, 1000}, {1, 0, 1, 0}, 2},
         {{1, 2, 3}, {T(0.5), T(0.25), T(0.25)}, T(1.5)},
         {{7}, {3}, 7},
+        // Half of it is met exactly, however sums of weights are rounded.
+        {{1, 2, 3, 4, 5, 6, 7, 8, 9, 10}, std::vector<T>(10, T(0.1)), T(5.5)},
+        {{0, largest, largest, largest}, {1, 1, 1, 1}, largest},
     };
     for (const auto& c : cases) {
         OrderTask<T> problem(1, static_cast<int32_t>(c.x.size()), StorageRows);
@@ -270,6 +275,56 @@ TYPED_TEST(SSOrder, RefusesAndJoins) {
     EXPECT_EQ(greatest, 8);
     EXPECT_EQ(run(Order<T>::minmax, ORV_SS_MINIMUM | ORV_SS_MAXIMUM), 0);
     EXPECT_EQ(least, 2);
+    least = std::numeric_limits<T>::infinity();  // what joining may start from
+    greatest = -least;
+    EXPECT_EQ(run(Order<T>::minmax, ORV_SS_MINIMUM | ORV_SS_MAXIMUM, ORV_SS_METHOD_JOIN), 0);
+    EXPECT_EQ(least, 2);
+    EXPECT_EQ(greatest, 8);
+}
+
+// A column that the sample misleads is sorted after all, for which there may be no memory when others are done.
+TYPED_TEST(SSOrder, WritesNothingWithoutMemory) {
+    using T = TypeParam;
+    OrderTask<T> problem(2, 1 << 14, StorageRows);
+    problem.put(0, column<T>(Kind::random, problem.n));
+    problem.put(1, column<T>(Kind::misleading, problem.n));
+    problem.make();
+    std::vector<T> orders(9, T(0.5)), results(18, T{-1});
+    int32_t count = 0;
+    __kuziSSEditTask(problem.task, SSIdQuantOrderCount, &count);
+    Order<T>::edit(problem.task, SSIdQuantOrders, orders.data());
+    Order<T>::edit(problem.task, SSIdQuantiles, results.data());
+    const int32_t live = orv_serv_live_blocks();
+    for (const int32_t by_windows_or_sorted : {1, 9}) {
+        count = by_windows_or_sorted;
+        for (int32_t nth = 1;; ++nth) {
+            orv_serv_fail_allocation(nth);
+            const int32_t status = Order<T>::quantiles(problem.task, ORV_SS_QUANTILES, 0, nullptr);
+            orv_serv_fail_allocation(0);
+            EXPECT_EQ(orv_serv_live_blocks(), live);
+            if (status == 0) break;
+            EXPECT_EQ(status, SSStatusAllocation);
+            for (const T result : results) ASSERT_EQ(result, -1);
+        }
+        std::fill(results.begin(), results.end(), T{-1});
+    }
+}
+
+// A NaN is the same one whichever thread met it, and how.
+TYPED_TEST(SSOrder, ExtremesOfNaNs) {
+    using T = TypeParam;
+    OrderTask<T> problem(1, 16391, StorageRows);
+    problem.x[8194] = -std::numeric_limits<T>::quiet_NaN();
+    problem.make();
+    T least[2], greatest;
+    Order<T>::edit(problem.task, SSIdMaximum, &greatest);
+    for (const int32_t threads : {1, 2}) {
+        stats_test::thread_limit = threads;
+        Order<T>::edit(problem.task, SSIdMinimum, &least[threads - 1]);
+        EXPECT_EQ(Order<T>::minmax(problem.task, ORV_SS_MINIMUM | ORV_SS_MAXIMUM, 0, stats_test::limited_services()),
+                  0);
+    }
+    EXPECT_EQ(std::memcmp(&least[0], &least[1], sizeof(T)), 0);
 }
 
 }  // namespace

@@ -13,13 +13,20 @@ template <class T>
 struct Extremes {
     T least, greatest;
 
-    void take(T x) {
+    void take_least(T x) {
         if (!(x > least)) least = least != least || (x == least && std::signbit(least)) ? least : x;
+    }
+    void take_greatest(T x) {
         if (!(x < greatest)) greatest = greatest != greatest || (x == greatest && std::signbit(x)) ? greatest : x;
     }
-    void take(const Extremes& other) {
-        take(other.least);
-        take(other.greatest);
+    void take(T x) {
+        take_least(x);
+        take_greatest(x);
+    }
+    // Which NaN was met depends on the order of the work; the result is always the same one.
+    void spread_nan() {
+        const T nan = std::numeric_limits<T>::quiet_NaN();
+        if (least != least || greatest != greatest) *this = {nan, nan};
     }
 };
 
@@ -111,16 +118,20 @@ int32_t minmax(SSTask* task, uint64_t estimates, uint64_t method, const orv_serv
         };
         fan_out(helpers, threads, part);
         Extremes<T> all = parts[0];
-        for (int32_t t = 1; t < threads; ++t) all.take(parts[t]);
-        if (method & ORV_SS_METHOD_JOIN) {
-            if (least) all.take(least[j]);
-            if (greatest) all.take(greatest[j]);
+        for (int32_t t = 1; t < threads; ++t) {
+            all.take_least(parts[t].least);
+            all.take_greatest(parts[t].greatest);
         }
+        if (method & ORV_SS_METHOD_JOIN) {
+            if (least) all.take_least(least[j]);
+            if (greatest) all.take_greatest(greatest[j]);
+        }
+        all.spread_nan();
         if (least) least[j] = all.least;
         if (greatest) greatest[j] = all.greatest;
         return int32_t{SSStatusOk};
     };
-    return for_components_and_within(data, services, 0, one);
+    return for_components_and_within(data, services, threads_within(data, services), 0, one);
 }
 
 }  // namespace

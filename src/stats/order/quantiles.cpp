@@ -109,21 +109,40 @@ int32_t quantiles(SSTask* task, uint64_t estimates, uint64_t method, const orv_s
 
     using Key = KeyOf<T>;
     const uint64_t n = uint64_t(data.n), for_sorting = 2 * sizeof(Key) * n;
-    uint64_t bytes = sizeof(T) * n;
+    const int32_t threads = threads_within(data, services);
     if (request.by_sorting())
-        bytes = for_sorting;
-    else if (data.n >= shortest_by_windows)
-        bytes =
-            sizeof(T) * (uint64_t(gathered_keys(data.n)) + gathered_numbers(data.n, threads_within(data, services)));
-    const auto one = [&](int32_t j, char* memory, const orv_services* helpers, int32_t threads) {
-        if (!request.by_sorting() && by_selection(request, j, helpers, threads, memory)) return int32_t{SSStatusOk};
-        const Scratch other(request.by_sorting() ? 0 : for_sorting);
-        if (!other.block) return int32_t{SSStatusAllocation};
-        Key* keys = reinterpret_cast<Key*>(request.by_sorting() ? memory : other.block);
-        by_sorting(request, j, helpers, threads, keys, keys + n);
-        return int32_t{SSStatusOk};
+        return for_components_and_within(data, services, threads, for_sorting,
+                                         [&](int32_t j, char* memory, const orv_services* helpers, int32_t helping) {
+                                             Key* keys = reinterpret_cast<Key*>(memory);
+                                             by_sorting(request, j, helpers, helping, keys, keys + n);
+                                             return int32_t{SSStatusOk};
+                                         });
+    const auto select_all = [&](uint64_t bytes) {
+        return for_components_and_within(data, services, threads, bytes,
+                                         [&](int32_t j, char* memory, const orv_services* helpers, int32_t helping) {
+                                             if (by_selection(request, j, helpers, helping, memory))
+                                                 return int32_t{SSStatusOk};
+                                             const Scratch other(for_sorting);
+                                             if (!other.block) return int32_t{SSStatusAllocation};
+                                             Key* keys = reinterpret_cast<Key*>(other.block);
+                                             by_sorting(request, j, helpers, helping, keys, keys + n);
+                                             return int32_t{SSStatusOk};
+                                         });
     };
-    return for_components_and_within(data, services, bytes, one);
+    if (data.n < shortest_by_windows) return select_all(sizeof(T) * n);
+
+    // A component that has to be sorted may find no memory when others are done: the results are kept back until all are.
+    const Scratch kept(sizeof(T) * uint64_t(data.p) * uint64_t(request.count));
+    if (!kept.block) return SSStatusAllocation;
+    T* const results = request.results;
+    request.results = reinterpret_cast<T*>(kept.block);
+    if (const int32_t status =
+            select_all(sizeof(T) * (uint64_t(gathered_keys(data.n)) + gathered_numbers(data.n, threads))))
+        return status;
+    for (int32_t j = 0; j < data.p; ++j)
+        if (data.takes_part(j))
+            memcpy(results + ptrdiff_t{j} * request.count, request.of_component(j), sizeof(T) * size_t(request.count));
+    return SSStatusOk;
 }
 
 }  // namespace

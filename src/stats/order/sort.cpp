@@ -24,7 +24,8 @@ int32_t sort(SSTask* task, uint64_t estimates, uint64_t method, const orv_servic
                          });
         return int32_t{SSStatusOk};
     };
-    return for_components_and_within(data, services, uint64_t{2} * sizeof(Key) * data.n, one);
+    return for_components_and_within(data, services, threads_within(data, services), uint64_t{2} * sizeof(Key) * data.n,
+                                     one);
 }
 
 }  // namespace
