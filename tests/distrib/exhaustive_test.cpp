@@ -168,12 +168,14 @@ double p_value(const std::vector<int64_t>& counts, const Cells& in) {
 }
 
 // Two levels: the chi-squares of samples of 10^6 have their own distribution. By tables 10^8 numbers; by rejection, in single
-// precision, all that are wanted, and the distance of distribution functions.
+// precision, all that are wanted, and the distance of distribution functions. Floats bend that where they have a spacing
+// above 1: numbers are rounded to it, which moves them by half a spacing, 4 of a deviation of 10^4 in one row.
 TEST(ExhaustiveDistributions, ChiSquaresOfDiscreteOnes) {
     const struct {
         DiscreteLaw law;
         bool rejecting = true;
         int64_t spacing = 1;
+        double bend = 0;
     } rows[] = {{poisson(PoissonRejection, 27)},
                 {poisson(PoissonRejection, 40)},
                 {poisson(PoissonRejection, 4000)},
@@ -187,7 +189,7 @@ TEST(ExhaustiveDistributions, ChiSquaresOfDiscreteOnes) {
                 {negbinomial(100, 0.02)},
                 {negbinomial(1.5, 1e-3)},
                 {negbinomial(3, 1e-5)},
-                {poisson(PoissonRejection, 1e8), true, 8},
+                {poisson(PoissonRejection, 1e8), true, 8, 1.6e-4},
                 {poisson(PoissonRejection, 5), false},
                 {poisson(PoissonRejection, 26.9), false},
                 {binomial(10, 0.3), false},
@@ -229,7 +231,7 @@ TEST(ExhaustiveDistributions, ChiSquaresOfDiscreteOnes) {
         }
         const double second = kolmogorov(p, [](double x) { return x; });
         EXPECT_LT(second, 2.23) << row.law.name;
-        EXPECT_LT(distance * std::sqrt(total), 2.23) << row.law.name;
+        EXPECT_LT((distance - row.bend) * std::sqrt(total), 2.23) << row.law.name;
         std::printf(
             "%-40s %.3g numbers: p-values off by %.2f/sqrt(%zu), distribution function by %.2g = %.2f/sqrt(n)\n",
             row.law.name.c_str(), total, second, p.size(), distance, distance * std::sqrt(total));
