@@ -120,14 +120,15 @@ std::vector<Stratum<T>> strata_of(const Kernel& kernel, std::mt19937_64& random)
     if (function.hard) {
         std::vector<double> arguments;
         function.hard(arguments);
-        for (size_t i = 0; i + kernel.inputs <= arguments.size(); i += kernel.inputs) {
-            Stratum<T> stratum{};
-            for (int c = 0; c < kernel.inputs; ++c) {
-                const int64_t at = order(static_cast<T>(arguments[i + c]));
-                stratum.sides[c] = {moved<T>(at, -1), moved<T>(at, 1)};
+        for (size_t i = 0; i + kernel.inputs <= arguments.size(); i += kernel.inputs)
+            for (const int64_t around : {0, 1}) {
+                Stratum<T> stratum{};
+                for (int c = 0; c < kernel.inputs; ++c) {
+                    const int64_t at = order(static_cast<T>(arguments[i + c]));
+                    stratum.sides[c] = {moved<T>(at, -around), moved<T>(at, around)};
+                }
+                list.push_back(stratum);
             }
-            list.push_back(stratum);
-        }
     }
     return list;
 }

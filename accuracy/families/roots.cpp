@@ -15,13 +15,14 @@ long double inverse_cube_root(long double x) { return 1 / cbrtl(x); }
 long double quotient(long double a, long double b) { return a / b; }
 long double hypotenuse(long double a, long double b) { return hypotl(a, b); }
 long double positive_difference(long double a, long double b) { return fdiml(a, b); }
-long double larger(long double a, long double b) { return fmaxl(a, b); }
-long double smaller(long double a, long double b) { return fminl(a, b); }
+// -0 counts below +0.
+long double larger(long double a, long double b) { return a == b ? std::signbit(a) ? b : a : fmaxl(a, b); }
+long double smaller(long double a, long double b) { return a == b ? std::signbit(a) ? a : b : fminl(a, b); }
 long double larger_magnitude(long double a, long double b) {
-    return fabsl(a) > fabsl(b) ? a : fabsl(b) > fabsl(a) ? b : fmaxl(a, b);
+    return fabsl(a) > fabsl(b) ? a : fabsl(b) > fabsl(a) ? b : larger(a, b);
 }
 long double smaller_magnitude(long double a, long double b) {
-    return fabsl(a) < fabsl(b) ? a : fabsl(b) < fabsl(a) ? b : fminl(a, b);
+    return fabsl(a) < fabsl(b) ? a : fabsl(b) < fabsl(a) ? b : smaller(a, b);
 }
 long double with_sign(long double a, long double b) { return copysignl(a, b); }
 long double fraction_of_division(long double a, long double b) { return fmodl(a, b); }

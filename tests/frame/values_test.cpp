@@ -125,6 +125,91 @@ TEST(Denormals, FollowTheModeOrTheCaller) {
     _arqSetMode(before);
 }
 
+// With subnormal numbers as zero, by the mode. The numbers of the table below 2^-1022 stand for as many times the smallest of
+// the type; b counts in functions of two inputs alone.
+template <class T>
+T of_type(double x) {
+    return std::fpclassify(x) == FP_SUBNORMAL ? static_cast<T>(x / denormal<double>) * denormal<T> : static_cast<T>(x);
+}
+
+template <class T>
+void check_flushed(const orv::test::Row& row, double a, double b, double result, int32_t status) {
+    constexpr int32_t n = 9;  // blocks and a rest
+    const std::vector<T> first(n, of_type<T>(a)), second(n, of_type<T>(b));
+    const T expected = of_type<T>(result);
+    for (int accuracy = 0; accuracy < 3; ++accuracy) {
+        std::vector<T> y(n, 7);
+        _arqClearErrStatus();
+        if (row.shape() == "TWO")
+            orv::test::entry<orv::test::TwoInputs<T>>(row.dense, accuracy)(n, first.data(), second.data(), y.data());
+        else
+            orv::test::entry<orv::test::OneInput<T>>(row.dense, accuracy)(n, first.data(), y.data());
+        const auto what = [&] {
+            return testing::Message() << row.name() << " " << orv::test::accuracy_names[accuracy] << " of "
+                                      << std::hexfloat << a << ", " << b;
+        };
+        EXPECT_EQ(_arqGetErrStatus(), status) << what();
+        for (const T& value : y) {
+            if (std::isnan(expected))
+                EXPECT_TRUE(std::isnan(value)) << what() << " is " << value;
+            else
+                EXPECT_TRUE(value == expected && std::signbit(value) == std::signbit(expected))
+                    << what() << " is " << value;
+        }
+    }
+}
+
+TEST(Denormals, AreZerosOfTheirSignOrBitsUnderTheMode) {
+    constexpr double tiny = denormal<double>, inf = infinity<double>;
+    const struct {
+        const char* function;
+        double a, b, result;
+        int32_t status;
+    } cases[] = {
+        {"Inv", 3 * tiny, 0, inf, 2},
+        {"Inv", -3 * tiny, 0, -inf, 2},
+        {"Sqrt", 3 * tiny, 0, 0, 0},
+        {"Sqrt", -3 * tiny, 0, -0.0, 0},
+        {"InvSqrt", 3 * tiny, 0, inf, 2},
+        {"InvSqrt", -3 * tiny, 0, -inf, 2},
+        {"Cbrt", 3 * tiny, 0, 0, 0},
+        {"Cbrt", -3 * tiny, 0, -0.0, 0},
+        {"InvCbrt", 3 * tiny, 0, inf, 2},
+        {"InvCbrt", -3 * tiny, 0, -inf, 2},
+        {"Div", 1, 3 * tiny, inf, 2},
+        {"Div", -3 * tiny, 1, -0.0, 0},
+        {"Div", 3 * tiny, 3 * tiny, NAN, 1},
+        {"Div", 3 * tiny, 0.25, 0, 0},
+        {"Hypot", 3 * tiny, 4 * tiny, 0, 0},
+        {"Fdim", 3 * tiny, tiny, 0, 0},
+        {"Fdim", 3 * tiny, -1, 1, 0},
+        {"Fmax", 3 * tiny, -1, 0, 0},
+        {"Fmax", -tiny, 3 * tiny, 0, 0},
+        {"Fmin", 3 * tiny, 1, 0, 0},
+        {"Fmin", -3 * tiny, tiny, -0.0, 0},
+        {"MaxMag", -3 * tiny, tiny, 0, 0},
+        {"MaxMag", -3 * tiny, 1, 1, 0},
+        {"MinMag", 3 * tiny, -tiny, -0.0, 0},
+        {"MinMag", -3 * tiny, 1, -0.0, 0},
+        // Bits are moved or worked on.
+        {"CopySign", 3 * tiny, -tiny, -3 * tiny, 0},
+        {"NextAfter", 3 * tiny, 1, 4 * tiny, 4},
+        {"NextAfter", 0, -tiny, -tiny, 4},
+        {"Fmod", 7 * tiny, 4 * tiny, 3 * tiny, 0},
+        {"Fmod", -7 * tiny, -4 * tiny, -3 * tiny, 0},
+        {"Remainder", 7 * tiny, 4 * tiny, -tiny, 0},
+    };
+    const uint32_t before = _arqSetMode(ORV_MODE_DENORMAL_FLUSH | ORV_MODE_ERRMODE_IGNORE);
+    for (const auto& c : cases)
+        for (const orv::test::Row& row : orv::test::math_rows()) {
+            if (row.function() != c.function) continue;
+            if (row.type == 's') check_flushed<float>(row, c.a, c.b, c.result, c.status);
+            if (row.type == 'd') check_flushed<double>(row, c.a, c.b, c.result, c.status);
+        }
+    _arqSetMode(before);
+    _arqClearErrStatus();
+}
+
 // Next to where results overflow, each accuracy on its own side: what is infinite is reported, and nothing else is.
 template <class T>
 void check_overflow(const orv::test::Row& row, T last_finite) {

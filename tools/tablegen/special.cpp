@@ -162,27 +162,43 @@ void inverse_tail(const Output& output) {
     expansions(table, 1, 4, [](const Real& s) { return erfc_inverse_of_log(s * s); });
 }
 
-// For few digits: the inverse of the normal distribution at p, divided by 1 - q, for q = 2p. 16 rows a power of two, by the top 16
+// A quadratic in floats; a fourth number fills the row.
+void float_row(Table& table, const std::vector<Real>& c) {
+    table.row_of_floats({to_float(c[0]) + 0.0f, to_float(c[1]), to_float(c[2]) + 0.0f, 0.0f});
+}
+
+// The inverse of the normal distribution at q / 2, its sign turned, by 1 - q.
+Real normal_inverse_by_v(const Real& q) {
+    const Real root = to_double(q) < 0.25 ? erfc_inverse_of_log(-log(q)) : erf_inverse(Real(1) - q);
+    return sqrt(Real(2)) * root / (Real(1) - q);
+}
+// For few digits: that in q. 16 rows a power of two, by the top 16
 // bits of q, from those of 1 less a little down to 17/16 of 2^-53. (The kernel's record has that least q behind the rows.)
 void short_inverse(const Output& output) {
     Table table(output, "cdf_norm_inv_cubic", "cubics for q from 1 downward, 16 a power of two");
     for (int row = 0; row < 847; ++row) {
         const int top = 0x3FEF - row;
         const Real unit = exp2(Real((top >> 4) - 1023));
-        const F f = [&](const Real& m) {
-            const Real q = unit * m;
-            const Real root = to_double(q) < 0.25 ? erfc_inverse_of_log(-log(q)) : erf_inverse(Real(1) - q);
-            return sqrt(Real(2)) * root / (Real(1) - q);
-        };
+        const F f = [&](const Real& m) { return normal_inverse_by_v(unit * m); };
         const std::vector<Real> c = closest_cubic(f, Real(1) + Real((top & 15) + 0.5) / Real(16), Real(1) / Real(32));
         table.row({to_double(c[0]), to_double(c[1]), to_double(c[2]), to_double(c[3])});
+    }
+    Table floats(output, "cdf_norm_inv_float", "quadratics for q from 1 downward, 4 a power of two");
+    for (int row = 0; row < 4 * 126; ++row) {
+        const Real unit = exp2(Real(-1 - row / 4));
+        const F f = [&](const Real& m) { return normal_inverse_by_v(unit * m); };
+        float_row(floats, fit(f, Real(1) + Real(3 - row % 4 + 0.5) / Real(4), Real(1) / Real(8), 2));
     }
 }
 
 // ---- Error functions and the normal distribution ---------------------------------------------------------------------
 
 // Row i: erf(i/128) and its derivative there; `wide`: to two parts, the derivative's first of 26 bits.
+// In floats: erf about i/32.
 void erf_rows(const Output& output) {
+    Table floats(output, "erf_float", "quadratics about i/32");
+    for (int i = 0; i <= 128; ++i)
+        float_row(floats, fit([](const Real& x) { return erf(x); }, Real(i) / Real(32), Real(1) / Real(64), 2));
     Table table(output, "erf_768", "erf(i/128) and its derivative");
     Table wide(output, "erf_768_wide", "erf(i/128), its derivative's leading part; the rests");
     for (int i = 0; i < 768; ++i) {
@@ -210,6 +226,15 @@ void tail_rows(const Output& output, const std::string& name, int powers, const 
 }
 void scaled_tails(const Output& output) {
     tail_rows(output, "erfcx", 5, [](const Real& t) { return scaled_erfc(t - Real(1)); });
+    Table floats(output, "erfcx_float", "quadratics in t, 8 a power of two");
+    for (int i = 0; i < 32; ++i) {
+        const Real unit = exp2(Real(i / 8));
+        const F f = [](const Real& t) { return scaled_erfc(t - Real(1)); };
+        float_row(floats, fit(f, unit * (Real(1) + Real(i % 8 + 0.5) / Real(8)), unit / Real(16), 2));
+    }
+    Table exp2_cubic(output, "exp2_cubic_float", "a cubic for 2^f, f from -1/2 to 1/2");
+    const std::vector<Real> c = closest_cubic([](const Real& f) { return exp2(f); }, Real(0.0), Real(0.5));
+    exp2_cubic.row_of_floats({to_float(c[0]), to_float(c[1]), to_float(c[2]), to_float(c[3])});
     tail_rows(output, "cdf_norm_scaled", 6,
               [](const Real& t) { return scaled_erfc((t - Real(1)) / sqrt(Real(2))) / Real(2); });
 }

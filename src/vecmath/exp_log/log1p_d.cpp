@@ -40,21 +40,9 @@ struct Log1p : frame::OneInput<double, 4, frame::Tail::by_element> {
     static __m128d lanes(__m128d x) { return vecmath::log1p_lanes<K>(x); }
 
     static int32_t scalar(const double* at, double* y) {
-        const double x = *at;
-        if (vecmath::is_nan(x)) {
-            *y = vecmath::quiet(x);
-            return frame::status_ok;
-        }
-        if (x < -1) {
-            *y = vecmath::invalid<double>();
-            return frame::status_domain;
-        }
-        if (x == -1) {
-            *y = vecmath::minus_infinity_at_pole<double>();
-            return frame::status_singularity;
-        }
-        *y = x;
-        return frame::status_ok;
+        int32_t status;
+        vecmath::settled_log(*at, -1.0, y, status);  // all that is in doubt
+        return status;
     }
 };
 

@@ -25,23 +25,9 @@ inline __m128 log1p_ha_lanes(__m128 x) {
 
 int32_t scalar_log1p(const float* at, float* y) {
     const float x = *at;
-    if (vecmath::is_nan(x)) {
-        *y = vecmath::quiet(x);
-        return frame::status_ok;
-    }
-    if (x < -1) {
-        *y = vecmath::invalid<float>();
-        return frame::status_domain;
-    }
-    if (x == -1) {
-        *y = vecmath::minus_infinity_at_pole<float>();
-        return frame::status_singularity;
-    }
-    if (vecmath::is_finite(x))
-        simd::store_one(y, log1p_ha_lanes(simd::splat(x)));
-    else
-        *y = x;
-    return frame::status_ok;
+    int32_t status;
+    if (!vecmath::settled_log(x, -1.0f, y, status)) simd::store_one(y, log1p_ha_lanes(simd::splat(x)));
+    return status;
 }
 
 // The sum 1 + x is normal and positive above -1, and not finite where x is not. In doubt is what lies outside [2^-126,

@@ -3,7 +3,7 @@
 
 #include "frame/kernel_loops.h"
 #include "simd/constants.h"
-#include "vecmath/exp_log/special.h"
+#include "vecmath/exp_log/log_special.h"
 
 namespace orv::vecmath {
 
@@ -34,22 +34,8 @@ inline double subnormal_by_2_52(double x) {
 template <class Kernel>
 int32_t scalar_log_d(const double* at, double* y, double log_of_2_52) {
     const double x = *at;
-    if (is_nan(x)) {
-        *y = quiet(x);
-        return frame::status_ok;
-    }
-    if (x < 0) {
-        *y = invalid<double>();
-        return frame::status_domain;
-    }
-    if (x == 0) {
-        *y = minus_infinity_at_pole<double>();
-        return frame::status_singularity;
-    }
-    if (!is_finite(x)) {
-        *y = x;
-        return frame::status_ok;
-    }
+    int32_t status;
+    if (settled_log(x, 0.0, y, status)) return status;
     const bool subnormal = x < std::numeric_limits<double>::min();
     const double result = _mm_cvtsd_f64(Kernel::lanes(simd::splat(subnormal ? subnormal_by_2_52(x) : x)));
     *y = subnormal ? result - log_of_2_52 : result;

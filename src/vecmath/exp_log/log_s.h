@@ -10,7 +10,7 @@
 
 #include "frame/kernel_loops.h"
 #include "simd/constants.h"
-#include "vecmath/exp_log/special.h"
+#include "vecmath/exp_log/log_special.h"
 
 namespace orv::vecmath {
 
@@ -40,22 +40,8 @@ struct LogReduction {
 template <class Kernel>
 int32_t scalar_log_s(const float* at, float* y) {
     const float x = *at;
-    if (is_nan(x)) {
-        *y = quiet(x);
-        return frame::status_ok;
-    }
-    if (x < 0) {
-        *y = invalid<float>();
-        return frame::status_domain;
-    }
-    if (x == 0) {
-        *y = minus_infinity_at_pole<float>();
-        return frame::status_singularity;
-    }
-    if (!is_finite(x)) {
-        *y = x;
-        return frame::status_ok;
-    }
+    int32_t status;
+    if (settled_log(x, 0.0f, y, status)) return status;
     const bool subnormal = x < std::numeric_limits<float>::min();
     const __m128 scaled = simd::splat(subnormal ? x * 0x1p+23f : x);
     simd::store_one(y, Kernel::log(scaled, _mm_set1_epi32(subnormal ? -23 * (1 << 23) : 0)));

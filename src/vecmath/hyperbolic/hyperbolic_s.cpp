@@ -1,15 +1,9 @@
-// sSinh, sCosh, sTanh, sAsinh, sAcosh, sAtanh: in double, all accuracies alike.
+// sAsinh, sAcosh, sAtanh in double, all accuracies alike, and sSinh, sCosh, sTanh, "HA".
 //
-// The first three by the double kernels' lanes in one part (sinh_cosh_d.h, tanh_d.h). The inverse functions by the logarithm of
-// one double (pow_ep_d.h), which is good to 2^-52 of itself: x^2, and next to 1 the difference x^2 - 1, are exact for a
-// float x. Below 1/8 asinh and atanh are odd polynomials.
-#include "vecmath/exp_log/special.h"
-#include "vecmath/hyperbolic/sinh_cosh_d.h"
-#include "vecmath/hyperbolic/tanh_d.h"
-#include "vecmath/inverse/by_double.h"
+// The inverse functions by the logarithm of one double (pow_ep_d.h), which is good to 2^-52 of itself: x^2, and next to 1 the
+// difference x^2 - 1, are exact for a float x. Below 1/8 asinh and atanh are odd polynomials.
+#include "vecmath/hyperbolic/hyperbolic_s.h"
 #include "vecmath/power/pow_ep_d.h"
-
-#include <math.h>
 
 namespace {
 
@@ -45,37 +39,6 @@ inline __m128d atanh_lanes(__m128d v) {
     const __m128d y = vecmath::ln_ep<logarithm>((K.one + w) / (K.one - w)) * K.half;
     return simd::bit_or(simd::select(small, odd(x, K.t0, K.t1, K.t2, K.t3), y), simd::sign_of(v));
 }
-
-// The vector path up to 89.4, beyond which floats overflow; |x| up to 708 has a finite result in double.
-template <__m128d function(__m128d)>
-struct Growing : frame::OneInput<float, 4, frame::Tail::masked> {
-    static constexpr uint32_t last_bits = 0x42B2D4FC;  // 89.4159851
-    static __m128 doubt(__m128 x) { return vecmath::magnitude_beyond(x, last_bits); }
-    static __m128 lanes(__m128 x) {
-        return vecmath::by_double(x, [](__m128d v) { return function(v); });
-    }
-    static int32_t scalar(const float* at, float* y) {
-        const float x = *at;
-        const float signs = _mm_cvtss_f32(lanes(_mm_set1_ps(std::copysign(1.0f, vecmath::is_nan(x) ? 1.0f : x))));
-        if (!vecmath::is_finite(x)) {
-            *y = vecmath::is_nan(x) ? vecmath::quiet(x) : std::copysign(std::fabs(x), signs);
-            return frame::status_ok;
-        }
-        *y = std::copysign(vecmath::overflow<float>(), signs);
-        return frame::status_overflow;
-    }
-};
-
-struct Tanh : frame::OneInput<float, 4, frame::Tail::masked> {
-    static __m128 doubt(__m128 x) { return simd::not_finite(x); }
-    static __m128 lanes(__m128 x) {
-        return vecmath::by_double(x, [](__m128d v) { return vecmath::tanh_lanes<false>(v); });
-    }
-    static int32_t scalar(const float* at, float* y) {
-        *y = vecmath::is_nan(*at) ? vecmath::quiet(*at) : std::copysign(1.0f, *at);
-        return frame::status_ok;
-    }
-};
 
 struct Asinh : frame::OneInput<float, 4, frame::Tail::masked> {
     static __m128 doubt(__m128 x) { return simd::not_finite(x); }
@@ -126,17 +89,15 @@ struct Atanh : frame::OneInput<float, 4, frame::Tail::masked> {
     }
 };
 
-using Sinh = Growing<vecmath::sinh_lanes<false>>;
-using Cosh = Growing<vecmath::cosh_lanes<false>>;
-
 }  // namespace
 
-#define EACH_ACCURACY(row, Kernel) \
-    ORV_ONE_INPUT(row, la, Kernel) ORV_ONE_INPUT(row, ha, Kernel) ORV_ONE_INPUT(row, ep, Kernel)
-EACH_ACCURACY(sSinh, Sinh)
-EACH_ACCURACY(sCosh, Cosh)
-EACH_ACCURACY(sTanh, Tanh)
-EACH_ACCURACY(sAtanh, Atanh)
+using namespace orv::vecmath::float_by_double;
+ORV_ONE_INPUT(sSinh, ha, Sinh)
+ORV_ONE_INPUT(sCosh, ha, Cosh)
+ORV_ONE_INPUT(sTanh, ha, Tanh)
+ORV_ONE_INPUT(sAtanh, la, Atanh)
+ORV_ONE_INPUT(sAtanh, ha, Atanh)
+ORV_ONE_INPUT(sAtanh, ep, Atanh)
 ORV_ONE_INPUT(sAsinh, la, Asinh)
 ORV_ONE_INPUT(sAsinh, ep, Asinh)
 ORV_ONE_INPUT(sAcosh, la, Acosh)

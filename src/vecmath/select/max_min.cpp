@@ -3,7 +3,8 @@
 //
 // The instructions give their second operand where the two compare equal: taken both ways round, the results differ in zeros
 // of two signs alone, and joined by `and` they are +0, by `or` -0. Numbers of equal magnitude and different sign are joined
-// likewise.
+// likewise. The greater of that and itself is the number as the instructions have it: a zero where the mode has subnormal
+// numbers count as zeros.
 //
 // The instructions and comparisons raise invalid for quiet NaNs, so blocks with NaNs are taken out by the one test that does
 // not; there the other argument is the result.
@@ -41,7 +42,9 @@ struct MaxMag : Selecting<T> {
     using V = typename Selecting<T>::V;
     static V lanes(V a, V b) {
         const V size_a = simd::magnitude(a), size_b = simd::magnitude(b);
-        return simd::bit_and(simd::bit_or(a, simd::less(size_a, size_b)), simd::bit_or(b, simd::less(size_b, size_a)));
+        const V chosen =
+            simd::bit_and(simd::bit_or(a, simd::less(size_a, size_b)), simd::bit_or(b, simd::less(size_b, size_a)));
+        return simd::greatest(chosen, chosen);
     }
 };
 
@@ -50,8 +53,9 @@ struct MinMag : Selecting<T> {
     using V = typename Selecting<T>::V;
     static V lanes(V a, V b) {
         const V size_a = simd::magnitude(a), size_b = simd::magnitude(b);
-        return simd::bit_or(simd::bit_and_not(simd::less(size_b, size_a), a),
-                            simd::bit_and_not(simd::less(size_a, size_b), b));
+        const V chosen = simd::bit_or(simd::bit_and_not(simd::less(size_b, size_a), a),
+                                      simd::bit_and_not(simd::less(size_a, size_b), b));
+        return simd::greatest(chosen, chosen);
     }
 };
 

@@ -45,13 +45,12 @@ inline ErfPlace erf_place(__m128d x) {
     return {c, a - c, simd::Indices<2>(simd::bits_of(shifted))};
 }
 
-enum class ErfTerms { float_short, float_full, short_double, full, wide };
+enum class ErfTerms { float_full, short_double, full, wide };
 
 // P(d), without what the terms in use leave out.
 template <ErfTerms Terms>
 inline __m128d erf_polynomial(__m128d c, __m128d d) {
     constexpr const auto& K = erf_block;
-    if constexpr (Terms == ErfTerms::float_short) return c * K.p0_c;
     const __m128d cc = c * c;
     if constexpr (Terms == ErfTerms::float_full) return c * K.p0_c + d * (cc * K.p1_cc + K.p1);
     const __m128d dd = d * d;

@@ -3,6 +3,7 @@
 //   E1(x) = -gamma - ln x + x - x^2 / (2 2!) + x^3 / (3 3!) - ...
 #pragma once
 
+#include "vecmath/exp_log/log_special.h"
 #include "vecmath/special/decay.h"
 
 namespace orv::vecmath {
@@ -42,21 +43,11 @@ inline long double exp_int_series(long double x) {
 // Underflow is said where `Underflow`.
 template <bool Underflow, class T>
 inline int32_t exp_int_scalar(T x, T* y) {
-    if (is_nan(x)) {
-        *y = quiet(x);
-        return frame::status_ok;
-    }
-    if (x < 0) {
-        *y = invalid<T>();
-        return frame::status_domain;
-    }
-    if (x == 0) {
-        *y = -minus_infinity_at_pole<T>();
-        return frame::status_singularity;
-    }
-    if (!is_finite(x)) {
-        *y = T{0};
-        return frame::status_ok;
+    int32_t status;
+    if (settled_log(x, T{0}, y, status)) {
+        if (status == frame::status_singularity) *y = -*y;
+        if (*y == std::numeric_limits<T>::infinity() && status == frame::status_ok) *y = T{0};
+        return status;
     }
     if (x < T(0.0625)) {
         const ExtendedPrecision extended;

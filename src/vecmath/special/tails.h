@@ -87,16 +87,16 @@ inline __m128d rising_side(__m128d x) {
     return Tail::sign > 0 ? x : simd::bit_xor(x, simd::splat(-0.0));
 }
 
-// In parts the result is rounded once. The short forms, of so many coefficients, are for floats.
-enum class TailForm { in_parts, short_two, short_six };
+// In parts the result is rounded once. The short form, of six coefficients, is for floats.
+enum class TailForm { in_parts, short_six };
 
 template <class Tail, TailForm Form>
 inline __m128d tail_lanes(__m128d x) {
     const __m128d magnitude = simd::least(simd::magnitude(x), simd::splat(Tail::last_vector));
     const __m128d turned = simd::sign_of(rising_side<Tail>(x));
     const __m128d base = simd::select_by_sign(turned, simd::splat(Tail::whole), _mm_setzero_pd());
-    if constexpr (Form == TailForm::short_two || Form == TailForm::short_six) {
-        return base + simd::bit_or(short_falling < Tail, Form == TailForm::short_six ? 3 : 1 > (magnitude), turned);
+    if constexpr (Form == TailForm::short_six) {
+        return base + simd::bit_or(short_falling<Tail, 3>(magnitude), turned);
     } else {
         const Decayed y = falling<Tail>(magnitude);
         const __m128d scale = simd::bit_or(decay_scale(y.shifted), turned);
