@@ -444,8 +444,8 @@ enum PoissonMethod {
 int32_t _kuziRngPoisson(int32_t method, Stream* stream, int32_t n, int32_t* r, double lambda);
 
 /* PoissonV: as PoissonNormal, result i with the mean lambda[i]. `method` is not read. The distribution function is off by
- * 3.7e-5 at most for means below 1/16, where results are at most 11, by 1.02e-4 below 8192 and by 2.2e-4 above. Nothing is kept with the
- * stream. */
+ * 3.7e-5 at most for means below 1/16, where results are at most 11, by 1.02e-4 below 8192 and by 2.2e-4 above. Nothing is
+ * kept with the stream. */
 int32_t _kuziRngPoissonV(int32_t method, Stream* stream, int32_t n, int32_t* r, const double* lambda);
 
 /* Hypergeometric: marked ones in a sample of s without replacement from a lot of l with m marked. `method` is not read. The

@@ -1,4 +1,5 @@
 // Gaussian: by the radius and the angle of a point in the plane, one coordinate or both, and by the inverse error function.
+#include "distrib/normals.h"
 #include "distrib/paired_normals.h"
 #include "services/export.h"
 
@@ -70,6 +71,14 @@ int32_t gaussian(int32_t method, Stream* stream, int32_t n, T* r, T a, T sigma) 
 }
 
 }  // namespace
+
+int32_t orv::distrib::draw_normals(Stream* stream, int32_t n, float* r, float mean, float deviation) {
+    const ThreadState thread;
+    thread.set_callback(stay_finite<float>);
+    const int32_t status = invert(stream, n, r, mean, deviation);
+    thread.restore();
+    return status;
+}
 
 ORV_API int32_t _kuzsRngGaussian(int32_t method, Stream* stream, int32_t n, float* r, float a, float sigma) {
     return gaussian(method, stream, n, r, a, sigma);

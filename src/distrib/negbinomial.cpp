@@ -8,6 +8,8 @@
 #include "distrib/rejection.h"
 #include "services/export.h"
 
+#include <math.h>
+
 using namespace orv::distrib;
 namespace simd = orv::simd;
 
@@ -40,6 +42,7 @@ struct ByRejection {
     LogRatio log_ratio;
     Hat hat;
     Steps steps;
+    float curvature_left, curvature_right;
 };
 
 struct ByTable {
@@ -87,6 +90,18 @@ float mode_of(double a, double p) {
     return static_cast<float>(peak > 0 ? __kuzdFloor(peak) : 0);
 }
 
+// c with ln f(mode + d) / f(mode) >= -c d^2 from just past the steps to `end`, where the logarithm is -1 or below: as
+// 1 - c d^2 <= e^(-c d^2), a height below 1 - c d^2 is below the ratio. The quotient -ln f / d^2 is a multiple of 1/d, of the
+// size of the linear term, and the difference of the deviances over d^2, which is convex, (1/B - 1/A) / 2 at the mode. Next to
+// the mode the logarithm itself is lost in rounding errors where A and B are great.
+float curvature(const LogRatio& l, double sign, double end) {
+    constexpr double begin = Steps::count + 1, rounding = 1 + 1e-3;
+    if (!(end > begin)) return HUGE_VALF;
+    const double linear = -sign * l.log_step, at_mode = (l.upper - l.lower) / (2 * l.upper * l.lower);
+    const double at_end = -log_ratio(l, sign * end) / (end * end);
+    return static_cast<float>(rounding * ((linear > 0 ? linear / begin : 0) + (at_mode > at_end ? at_mode : at_end)));
+}
+
 void set_rejection(ByRejection& b, double a, double p, double mode) {
     const double q = 1 - p;
     LogRatio& l = b.log_ratio;
@@ -107,6 +122,8 @@ void set_rejection(ByRejection& b, double a, double p, double mode) {
     hat.xl = has_left ? static_cast<float>(left - log_ratio(l, left - mode) / rise) : 0.0f;
     set_tails(hat, static_cast<float>(rise), static_cast<float>(-fall));
     set_box(hat, has_left ? 1.0f : 0.0f, 1.0f);
+    b.curvature_left = curvature(l, -1, mode - left);
+    b.curvature_right = curvature(l, 1, right - mode);
     const auto ratio = [=](int32_t k) { return static_cast<float>((a + k - 1) * q / k); };
     set_steps(b.steps, static_cast<int32_t>(hat.mode), ratio, [=](int32_t k) { return 1 / ratio(k); });
 }
@@ -116,11 +133,18 @@ struct Law {
     static constexpr int32_t most = INT32_MAX;
     const Steps& steps;
     const LogRatio& l;
+    float curvature_left, curvature_right;
     double a, q;
 
     float ratio(int32_t k) const { return static_cast<float>((a + k - 1) * q / k); }
     __m128 near(__m128 distance) const {
         return simd::less_equal(distance, simd::splat(static_cast<float>(Steps::count)));
+    }
+
+    __m128 surely(__m128 d, __m128 v) const {
+        const __m128 left = simd::less(d, _mm_setzero_ps());
+        const __m128 c = simd::select(left, simd::splat(curvature_left), simd::splat(curvature_right));
+        return simd::less_equal(v, simd::splat(1.0f) - c * (d * d));
     }
 
     struct Deviances {
@@ -165,7 +189,8 @@ int32_t draw_by_rejection(Stream* stream, int32_t n, int32_t* r, double a, doubl
             [=](Setup& s) { set_rejection(s.rejection, a, p, mode); });
         if (!setup) return StatusNoMemory;
         const ByRejection& b = setup->rejection;
-        return draw_under_hat(stream, n, r, b.hat, Law{b.steps, b.log_ratio, a, 1 - p}, setups);
+        return draw_under_hat(stream, n, r, b.hat,
+                              Law{b.steps, b.log_ratio, b.curvature_left, b.curvature_right, a, 1 - p}, setups);
     });
 }
 

@@ -1,5 +1,6 @@
 // Poisson numbers from normal ones g: the integer part of a polynomial in g near the Poisson quantile at the normal
 // distribution function of g. Below a mean of 1 they come from uniforms, by the partial sums of the exponential series.
+#include "distrib/normals.h"
 #include "distrib/poisson.h"
 #include "distrib/transforms.h"
 #include "simd/integers.h"
@@ -16,11 +17,6 @@ constexpr double rows[7][coefficients] = {
 };
 
 float* floats_of(int32_t* r) { return reinterpret_cast<float*>(r); }
-
-int32_t draw_normals(Stream* stream, int32_t n, int32_t* r, double mean, double deviation) {
-    return _kuzsRngGaussian(GaussianInverseCdf, stream, n, floats_of(r), static_cast<float>(mean),
-                            static_cast<float>(deviation));
-}
 
 // The numbers stand in r as floats and are read as such through vector loads alone.
 template <class Formula>
@@ -64,7 +60,7 @@ int32_t by_row(Stream* stream, int32_t n, int32_t* r, double lambda) {
     const auto at = [](double x) { return simd::splat(static_cast<float>(x)); };
     const __m128 constant = at(1 + c[0] + t * (c[1] + t * c[2])), scale = at(cubic(c + 3));
     const __m128 a1 = at(cubic(c + 7)), a2 = at(cubic(c + 11)), a3 = at(cubic(c + 15)), a4 = at(cubic(c + 19));
-    const int32_t status = draw_normals(stream, n, r, 0, 1);
+    const int32_t status = draw_normals(stream, n, floats_of(r), 0, 1);
     if (status < 0) return status;
     to_integers(n, r, [=](__m128 g) {
         return simd::truncate(
@@ -88,7 +84,8 @@ int32_t by_series(Stream* stream, int32_t n, int32_t* r, double lambda) {
         y *
         (-0.0001145865551857 +
          y * (-0.0126559989233446 + y * (0.023225795428835402 + y * (-0.0291113093667918 + y * 0.014389264627965999))));
-    const int32_t status = draw_normals(stream, n, r, m, __kuzdSqrt(v));
+    const int32_t status =
+        draw_normals(stream, n, floats_of(r), static_cast<float>(m), static_cast<float>(__kuzdSqrt(v)));
     if (status < 0) return status;
     const auto at = [](double x) { return simd::splat(static_cast<float>(x)); };
     const __m128 mean = at(m), c1 = at(p1), c2 = at(p2), c3 = at(p3), one = at(1);

@@ -113,6 +113,7 @@ struct Entries {
 };
 
 // Law gives: batch, the most candidates of a batch; steps; most, the end of the support; near(|d|), where steps are used;
+// surely(d, v), if it has that, which heights v of the others are below the ratio without a logarithm;
 // ratio(k) = f(k) / f(k - 1); judge(k, d, ln v) by bounds of ln f(mode + d) / f(mode); log_ratios(n, k, out), that itself.
 template <class Law>
 struct Batch {
@@ -128,9 +129,10 @@ struct Batch {
     Entries<int32_t, size> near, far, undecided;
 
     Batch(const Hat& h, const Law& l) : hat(h), law(l), mode(static_cast<int32_t>(h.mode)) {
-        for (int32_t i = 0; i < Steps::count; ++i) {
-            heights[Steps::count - 1 - i] = law.steps.down[i];
-            heights[Steps::count + 1 + i] = law.steps.up[i];
+        for (int32_t i = 0; i < Steps::count; i += 4) {
+            const __m128i down = simd::bits_of(simd::load(law.steps.down + i));
+            simd::store(heights + Steps::count - 4 - i, simd::floats(simd::shuffle_32<3, 2, 1, 0>(down)));
+            simd::store(heights + Steps::count + 1 + i, simd::load(law.steps.up + i));
         }
         heights[Steps::count] = 1;
     }
@@ -158,6 +160,13 @@ struct Batch {
         }
     }
 
+    void settle(__m128i place, __m128i given) {
+        result[simd::word<0>(place)] = simd::word<0>(given);
+        result[simd::word<1>(place)] = simd::word<1>(given);
+        result[simd::word<2>(place)] = simd::word<2>(given);
+        result[simd::word<3>(place)] = simd::word<3>(given);
+    }
+
     // A candidate inside the support goes on to be tested. x is brought into the range of integers first.
     void survive(unsigned chosen, __m128 x, __m128 v, __m128i place) {
         constexpr float end = 2147483520.0f;
@@ -167,6 +176,12 @@ struct Batch {
         chosen &= ~simd::lane_bits(simd::floats(outside));
         const __m128 d = simd::to_floats(simd::subtract_32(k, simd::splat_32(mode)));
         const unsigned by_steps = simd::lane_bits(law.near(simd::magnitude(d)));
+        if constexpr (requires { law.surely(d, v); }) {
+            const __m128 inside = law.surely(d, v);
+            const unsigned at_once = chosen & ~by_steps & simd::lane_bits(inside);
+            settle(place, simd::select(simd::bits_of(inside), k, simd::splat_32(-1)));
+            chosen &= ~at_once;
+        }
         near.add(chosen & by_steps, k, v, place);
         far.add(chosen & ~by_steps, k, v, place);
     }
@@ -238,11 +253,7 @@ struct Batch {
             const Verdict verdict = law.judge(k, simd::to_floats(simd::subtract_32(k, centre)), alv);
             const unsigned group = far.group(i);
             undecided.add(group & simd::lane_bits(verdict.undecided), k, alv, place);
-            const __m128i given = simd::select(simd::bits_of(verdict.accepted), k, none);
-            result[simd::word<0>(place)] = simd::word<0>(given);
-            result[simd::word<1>(place)] = simd::word<1>(given);
-            result[simd::word<2>(place)] = simd::word<2>(given);
-            result[simd::word<3>(place)] = simd::word<3>(given);
+            settle(place, simd::select(simd::bits_of(verdict.accepted), k, none));
         }
         double log_ratio[piece];
         for (int32_t i = 0; i < undecided.n; i += piece) {

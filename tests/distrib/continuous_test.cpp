@@ -22,8 +22,8 @@ struct Case {
 };
 
 #define ORV_CASES(T, t)                                                                                                \
-    inline std::vector<Case<T>> cases(T) {                                                                             \
-        const T a = T(1.5), beta = T(0.7), alpha = T(2.7), quarter = T(1.5707963267948966);                            \
+    inline std::vector<Case<T>> cases(T a = T(1.5), T beta = T(0.7)) {                                                 \
+        const T alpha = T(2.7), quarter = T(1.5707963267948966);                                                       \
         const double least = sizeof(T) == 8 ? 744.4400719213812 : 103.2789306640625;                                   \
         const auto from = [=](double x) { return std::max(0.0, (x - double(a)) / double(beta)); };                     \
         const auto scaled = [=](double x) { return (x - double(a)) / double(beta); };                                  \
@@ -59,6 +59,16 @@ struct Case {
 ORV_CASES(double, d)
 ORV_CASES(float, s)
 
+// Scales as usual and near the ends of the type.
+template <class T>
+std::vector<Case<T>> scaled_cases() {
+    std::vector<Case<T>> all = cases(T(1.5), T(0.7));
+    const bool wide = sizeof(T) == 8;
+    for (const double scale : {wide ? 1e300 : 1e30, wide ? 1e-300 : 1e-30})
+        for (const auto& c : cases(T(0), T(scale))) all.push_back(c);
+    return all;
+}
+
 template <class T>
 class Continuous : public testing::Test {};
 using Types = testing::Types<float, double>;
@@ -75,7 +85,7 @@ TEST(Uniforms, AreAskedForWhereNothingIsLeft) {
 }
 
 TYPED_TEST(Continuous, EqualTheirFormulasToTheBit) {
-    for (const auto& c : cases(TypeParam()))
+    for (const auto& c : scaled_cases<TypeParam>())
         for (const int32_t n : {0, -5, 1, 2, 3, 7, 1023, 1024, 1025, 2500}) {
             OwnedStream stream(BrngPHILOX4X32X10, {6}), twin(BrngPHILOX4X32X10, {6});
             const size_t count = static_cast<size_t>(std::max(n, 0));
@@ -90,7 +100,7 @@ TYPED_TEST(Continuous, EqualTheirFormulasToTheBit) {
 }
 
 TYPED_TEST(Continuous, HaveTheirDistributions) {
-    for (const auto& c : cases(TypeParam())) {
+    for (const auto& c : scaled_cases<TypeParam>()) {
         OwnedStream stream(BrngMRG32K3A, {271828});
         std::vector<TypeParam> r(100000);
         ASSERT_EQ(c.draw(stream, 100000, r.data()), StatusOk);
@@ -107,7 +117,7 @@ TYPED_TEST(Continuous, UniformsOfZeroAndTheCallersState) {
     const uint32_t before = _arqSetMode(ORV_MODE_LA | ORV_MODE_ERRMODE_ERRNO | ORV_MODE_TRAP_DIVBYZERO);
     const orv_arq_callback no_callback = _arqSetErrorCallBack(callers_callback);
     const uint32_t mode = _arqGetMode();
-    for (const auto& c : cases(TypeParam()))
+    for (const auto& c : cases(TypeParam(1.5)))
         for (const int32_t failing : {-1, 0, 1}) {
             OwnedStream stream(ConstantGenerator::id(0, failing), {});
             std::vector<TypeParam> r(2500);
@@ -139,7 +149,7 @@ TYPED_TEST(Continuous, KeepAnEmptyFieldOfTheMode) {
     ASSERT_EQ(mode & 0x3C0000, 0u);
     OwnedStream stream(BrngMCG59, {1});
     TypeParam r[3];
-    for (const auto& c : cases(TypeParam())) {
+    for (const auto& c : cases(TypeParam(1.5))) {
         c.draw(stream, 3, r);
         EXPECT_EQ(_arqGetMode(), mode) << c.name;
     }

@@ -116,9 +116,14 @@ struct CellFinder {
         return static_cast<size_t>(std::clamp((x - edges.front()) * scale, 0.0, static_cast<double>(cells - 1)));
     }
     size_t operator()(double x) const {
+        constexpr uint32_t few = 8;
         const size_t i = part(x);
-        const auto from = edges.begin();
-        return static_cast<size_t>(std::upper_bound(from + first[i], from + first[i + 1], x) - from);
+        uint32_t cell = first[i];
+        const uint32_t end = first[i + 1];
+        if (end - cell > few)
+            return static_cast<size_t>(std::upper_bound(&edges[cell], &edges[0] + end, x) - &edges[0]);
+        for (uint32_t k = cell; k < end; ++k) cell += edges[k] <= x;
+        return cell;
     }
 };
 

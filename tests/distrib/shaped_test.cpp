@@ -53,11 +53,17 @@ std::vector<Case<T>> cases() {
     }
     // Scales near the ends of the type, by which the moments are not taken.
     const bool wide = sizeof(T) == 8;
-    for (const double scale : {wide ? 1e300 : 1e30, wide ? 1e-300 : 1e-30})
+    for (const double scale : {wide ? 1e300 : 1e30, wide ? 1e-300 : 1e-30}) {
+        for (const auto& [p, q] : {std::pair(2.0, 3.0), {0.5, 0.5}, {0.5, 2.0}, {1.0, 0.5}})
+            all.push_back({"Beta of scale " + std::to_string(std::log10(scale)),
+                           [=](Stream* s, int32_t n, T* r) { return beta(s, n, r, T(p), T(q), T(0), T(scale)); },
+                           [=](double x) { return beta_cdf(p, q, x / double(T(scale))); },
+                           {0, 0, 0}});
         all.push_back({"Gamma 2.5 of scale " + std::to_string(std::log10(scale)),
                        [=](Stream* s, int32_t n, T* r) { return gamma(s, n, r, T(2.5), T(0), T(scale)); },
                        [=](double x) { return gamma_cdf(2.5, x / double(T(scale))); },
                        {0, 0, 0}});
+    }
     for (const int32_t v : {1, 2, 3, 4, 5, 6, 15, 16, 17, 18, 100})
         all.push_back({"ChiSquare " + std::to_string(v),
                        [=](Stream* s, int32_t n, T* r) { return chi_square(s, n, r, v); },

@@ -1,6 +1,6 @@
 // The weighted median of each component: the least observation whose cumulated weight passes half the whole; where it equals
 // the half, the mean of that one and the next of positive weight.
-#include "stats/order/entry.h"
+#include "stats/entry.h"
 #include "stats/order/keys.h"
 
 #include <algorithm>
@@ -49,6 +49,7 @@ int32_t wmedian(SSTask* task, uint64_t estimates, uint64_t method, const orv_ser
         for (int32_t i = 0; i < data.n; ++i) all[i] = {key_of(x[i]), w ? w[i] : T{1}};
         std::sort(all, all + data.n, [](const Weighed<T>& a, const Weighed<T>& b) { return a.key < b.key; });
         results[j] = weighted_median(all, data.n, whole);
+        return int32_t{SSStatusOk};
     });
 }
 

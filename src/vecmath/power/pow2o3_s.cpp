@@ -1,9 +1,9 @@
 // sPow2o3: a^(2/3), as a t with t = |a|^(-1/3).
 //
 // A third of the bits of |a| taken from a constant, as integers, is the bits of a t with e = 1 - |a| t^3 up to 0.103 in
-// magnitude; then t (1 + e/3 + 2 e^2 / 9 + 14 e^3 / 81) is |a|^(-1/3) to 2^-16. "EP" multiplies it with |a|. "LA" and "HA" correct it once
-// more in double, a^(2/3) = a t (1 + e/3 + 2 e^2 / 9) to 2^-44 with the new e, so that the rounding to float is the one that
-// counts.
+// magnitude; then t (1 + e/3 + 2 e^2 / 9 + 14 e^3 / 81) is |a|^(-1/3) to 2^-16. "EP" multiplies it with |a|. "LA" and "HA"
+// correct it once more in double, a^(2/3) = a t (1 + e/3 + 2 e^2 / 9) to 2^-44 with the new e, so that the rounding to float is
+// the one that counts; "LA" leaves the last term out, 2^-31.
 #include "frame/kernel_loops.h"
 #include "simd/constants.h"
 #include "vecmath/exp_log/special.h"
@@ -33,13 +33,15 @@ inline __m128 inverse_cube_root(__m128 x) {
     return t + t * (e * (K.c1 + e * (K.c2 + e * K.c3)));
 }
 
+template <bool Short>
 inline __m128d corrected(__m128d x, __m128d t) {
     const __m128d y = x * t;
     const __m128d e = K.one_d - y * (t * t);
+    if constexpr (Short) return y + (y * e) * K.c1_d;
     return y + y * (e * (K.c1_d + e * K.c2_d));
 }
 
-template <bool Rough>
+template <bool Rough, bool Short>
 struct Pow2o3 : frame::OneInput<float, 8, frame::Tail::masked> {
     static __m128 doubt(__m128 x) {
         const __m128i bits = _mm_and_si128(simd::bits_of(x), K.magnitude);
@@ -50,8 +52,8 @@ struct Pow2o3 : frame::OneInput<float, 8, frame::Tail::masked> {
         x = simd::magnitude(x);
         const __m128 t = inverse_cube_root(x);
         if constexpr (Rough) return x * t;
-        const __m128d low = corrected(_mm_cvtps_pd(x), _mm_cvtps_pd(t));
-        const __m128d high = corrected(_mm_cvtps_pd(_mm_movehl_ps(x, x)), _mm_cvtps_pd(_mm_movehl_ps(t, t)));
+        const __m128d low = corrected<Short>(_mm_cvtps_pd(x), _mm_cvtps_pd(t));
+        const __m128d high = corrected<Short>(_mm_cvtps_pd(_mm_movehl_ps(x, x)), _mm_cvtps_pd(_mm_movehl_ps(t, t)));
         return _mm_movelh_ps(_mm_cvtpd_ps(low), _mm_cvtpd_ps(high));
     }
 
@@ -69,8 +71,12 @@ struct Pow2o3 : frame::OneInput<float, 8, frame::Tail::masked> {
     }
 };
 
+using SPow2o3La = Pow2o3<false, true>;
+using SPow2o3Ha = Pow2o3<false, false>;
+using SPow2o3Ep = Pow2o3<true, true>;
+
 }  // namespace
 
-ORV_ONE_INPUT(sPow2o3, la, Pow2o3<false>)
-ORV_ONE_INPUT(sPow2o3, ha, Pow2o3<false>)
-ORV_ONE_INPUT(sPow2o3, ep, Pow2o3<true>)
+ORV_ONE_INPUT(sPow2o3, la, SPow2o3La)
+ORV_ONE_INPUT(sPow2o3, ha, SPow2o3Ha)
+ORV_ONE_INPUT(sPow2o3, ep, SPow2o3Ep)
