@@ -49,7 +49,7 @@ struct Asin : frame::OneInput<double, 4, frame::Tail::masked> {
             if (std::fabs(x) == 1)
                 return std::copysign(double{U.quarter_high} + vecmath::at_run_time(double{U.quarter_low}), x);
             int exponent;
-            __m128d high = simd::splat(4 * std::frexp(x, &exponent)), low = _mm_setzero_pd();
+            __m128d high = simd::splat(4 * vecmath::fraction_of(x, &exponent)), low = _mm_setzero_pd();
             vecmath::scale_angle<U, AsinForm::exact>(high, low);
             return std::copysign(vecmath::scaled_sum(std::fabs(_mm_cvtsd_f64(high)),
                                                      std::copysign(1.0, x) * _mm_cvtsd_f64(low), exponent - 2),
