@@ -13,13 +13,13 @@ void put_keys(const Strided<T>& x, Share share, KeyOf<T>* keys) {
     for (int32_t i = share.first; i < share.last; ++i) keys[i] = key_of(x[i]);
 }
 
-// Parts that threads sort one each: part r holds keys from splitter r on and below splitter r + 1. A sample tells splitters
+// Parts that are sorted each on its own, two a thread, so that one of more work is made up for: part r holds keys from splitter r on and below splitter r + 1. A sample tells splitters
 // between which about equally many keys lie.
 template <class Key>
 struct Parts {
     static constexpr int32_t sample_per_part = 512;
 
-    int32_t count;
+    int32_t threads, count;
     Key splitters[most_within];                // but the first
     int32_t starts[most_within][most_within];  // by threads and parts: how many keys, then where the next one goes
     int32_t ends[most_within];
@@ -32,7 +32,7 @@ struct Parts {
     void count_to_starts() {
         int32_t sum = 0;
         for (int32_t r = 0; r < count; ++r) {
-            for (int32_t t = 0; t < count; ++t) {
+            for (int32_t t = 0; t < threads; ++t) {
                 const int32_t own = starts[t][r];
                 starts[t][r] = sum;
                 sum += own;
@@ -53,14 +53,15 @@ void sort_column_with(const Strided<T>& x, int32_t n, const orv_services* servic
         return take(0, n, sort_keys(keys, spare, n));
     }
     Parts<Key> parts;
-    parts.count = threads;
-    const int32_t sample = threads * Parts<Key>::sample_per_part;
+    parts.threads = threads;
+    parts.count = 2 * threads < most_within ? 2 * threads : most_within;
+    const int32_t sample = parts.count * Parts<Key>::sample_per_part;
     for (int32_t i = 0; i < sample; ++i) spare[i] = key_of(x[static_cast<ptrdiff_t>(int64_t{i} * n / sample)]);
     quick_sort(spare, sample);
-    for (int32_t r = 1; r < threads; ++r) parts.splitters[r] = spare[r * Parts<Key>::sample_per_part];
+    for (int32_t r = 1; r < parts.count; ++r) parts.splitters[r] = spare[r * Parts<Key>::sample_per_part];
 
-    const auto on_all = [&](auto work) { fan_out(services, threads, work); };
-    on_all([&](int32_t index) {
+    const auto on = [&](int32_t count, auto work) { fan_out(services, count, work); };
+    on(threads, [&](int32_t index) {
         int32_t counts[most_within] = {};
         const Share share = share_of(n, threads, index);
         put_keys(x, share, keys);
@@ -69,14 +70,14 @@ void sort_column_with(const Strided<T>& x, int32_t n, const orv_services* servic
         return int32_t{SSStatusOk};
     });
     parts.count_to_starts();
-    on_all([&](int32_t index) {
+    on(threads, [&](int32_t index) {
         int32_t next[most_within];
         memcpy(next, parts.starts[index], sizeof next);
         const Share share = share_of(n, threads, index);
         for (int32_t i = share.first; i < share.last; ++i) spare[next[parts.part_of(keys[i])]++] = keys[i];
         return int32_t{SSStatusOk};
     });
-    on_all([&](int32_t index) {
+    on(parts.count, [&](int32_t index) {
         const int32_t first = index == 0 ? 0 : parts.ends[index - 1], count = parts.ends[index] - first;
         if (count > 0) take(first, first + count, sort_keys(spare + first, keys + first, count));
         return int32_t{SSStatusOk};
