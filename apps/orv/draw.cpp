@@ -6,6 +6,7 @@
 #include "options.h"
 
 #include <charconv>
+#include <cmath>
 
 namespace orv::command {
 
@@ -47,7 +48,52 @@ std::string source_of(const DrawRequest& request) {
     return text;
 }
 
+const char* wrong_with(Range range, double x) {
+    const bool whole = x == std::floor(x);
+    switch (range) {
+        case Range::any:
+            return nullptr;
+        case Range::positive:
+            return x > 0 ? nullptr : " must be above 0";
+        case Range::share:
+            return x > 0 && x <= 1 ? nullptr : " must be above 0 and at most 1";
+        case Range::probability:
+            return x >= 0 && x <= 1 ? nullptr : " must be from 0 to 1";
+        case Range::count:
+            return whole && x >= 1 && x <= 1e9 ? nullptr : " must be a whole number from 1 to 1e9";
+        case Range::natural:
+            return whole && x >= 0 && x <= INT32_MAX ? nullptr : " must be a whole number from 0 to 2147483647";
+    }
+    return nullptr;
+}
+
 }  // namespace
+
+CLI::App* add_distribution(CLI::App& draw, const std::string& name, const std::string& help,
+                           const std::vector<Parameter>& parameters, std::vector<double>& values) {
+    CLI::App* command = draw.add_subcommand(name, help + ", one a line");
+    values.resize(parameters.size());
+    for (size_t i = 0; i < parameters.size(); ++i) {
+        values[i] = parameters[i].usual;
+        command->add_option(parameters[i].name, values[i], parameters[i].help)->capture_default_str();
+    }
+    return command;
+}
+
+void add_method(CLI::App& command, const std::vector<std::string>& names, std::string& method) {
+    method = names.front();
+    command.add_option("--method", method, "how the numbers are made")
+        ->check(CLI::IsMember(names))
+        ->capture_default_str();
+}
+
+void check_parameters(const std::vector<Parameter>& parameters, const std::vector<double>& values) {
+    for (size_t i = 0; i < parameters.size(); ++i) {
+        const std::string name = parameters[i].name;
+        if (!std::isfinite(values[i])) fail(name + " must be a finite number");
+        if (const char* wrong = wrong_with(parameters[i].range, values[i])) fail(name + wrong);
+    }
+}
 
 Receiver::Receiver(const DrawRequest& asked) : request(asked) {
     const bool bins_only = (asked.histogram || !asked.plot.empty()) && asked.output.empty();

@@ -31,6 +31,25 @@ struct DrawRequest {
 // Adds the options that set a request.
 void add_draw_options(CLI::App& draw, DrawRequest& request);
 
+// A parameter of a distribution, and the numbers that it may be: a share is above 0 and at most 1, a probability may be 0 too,
+// a count is at least 1.
+enum class Range { any, positive, share, probability, count, natural };
+struct Parameter {
+    const char* name;
+    double usual;
+    Range range;
+    const char* help;
+};
+
+// A command of `draw` that writes numbers of a distribution, with its parameters as options that set `values`; and the choice
+// of a method, the first of which is the usual one.
+CLI::App* add_distribution(CLI::App& draw, const std::string& name, const std::string& help,
+                           const std::vector<Parameter>& parameters, std::vector<double>& values);
+void add_method(CLI::App& command, const std::vector<std::string>& names, std::string& method);
+
+// Fails where a value is out of its parameter's range.
+void check_parameters(const std::vector<Parameter>& parameters, const std::vector<double>& values);
+
 // Lines of text or the numbers' bytes, bins of a histogram, or both.
 struct Receiver {
     const DrawRequest& request;

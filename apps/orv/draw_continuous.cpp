@@ -10,15 +10,6 @@ namespace orv::command {
 
 namespace {
 
-enum class Range { any, positive, share, count };
-
-struct Parameter {
-    const char* name;
-    double usual;
-    Range range;
-    const char* help;
-};
-
 struct Method {
     const char* name;
     int32_t number;
@@ -203,15 +194,6 @@ struct Request {
     std::vector<double> parameters;
 };
 
-void check(const Parameter& parameter, double value) {
-    const std::string name = parameter.name;
-    if (!std::isfinite(value)) fail(name + " must be a finite number");
-    if (parameter.range == Range::positive && value <= 0) fail(name + " must be above 0");
-    if (parameter.range == Range::share && (value <= 0 || value > 1)) fail(name + " must be above 0 and at most 1");
-    if (parameter.range == Range::count && (value < 1 || value > 1e9 || value != std::floor(value)))
-        fail(name + " must be a whole number from 1 to 1e9");
-}
-
 int32_t method_number(const Distribution& distribution, const std::string& name) {
     for (const Method& method : distribution.methods)
         if (name == method.name) return method.number;
@@ -219,7 +201,7 @@ int32_t method_number(const Distribution& distribution, const std::string& name)
 }
 
 void draw(const Distribution& distribution, const Request& request) {
-    for (size_t i = 0; i < request.parameters.size(); ++i) check(distribution.parameters[i], request.parameters[i]);
+    check_parameters(distribution.parameters, request.parameters);
     const double* const p = request.parameters.data();
     const std::vector<float> narrow(request.parameters.begin(), request.parameters.end());
     for (const float value : narrow)
@@ -249,21 +231,12 @@ void draw(const Distribution& distribution, const Request& request) {
 void add_draw_continuous(CLI::App& draw_command) {
     for (const Distribution& distribution : distributions()) {
         const auto request = std::make_shared<Request>();
-        CLI::App* command =
-            draw_command.add_subcommand(distribution.name, std::string(distribution.help) + ", one a line");
-        request->parameters.resize(distribution.parameters.size());
-        for (size_t i = 0; i < distribution.parameters.size(); ++i) {
-            const Parameter& parameter = distribution.parameters[i];
-            request->parameters[i] = parameter.usual;
-            command->add_option(parameter.name, request->parameters[i], parameter.help)->capture_default_str();
-        }
+        CLI::App* command = add_distribution(draw_command, distribution.name, distribution.help,
+                                             distribution.parameters, request->parameters);
         if (!distribution.methods.empty()) {
             std::vector<std::string> names;
             for (const Method& method : distribution.methods) names.push_back(method.name);
-            request->method = names.front();
-            command->add_option("--method", request->method, "how the numbers are made")
-                ->check(CLI::IsMember(names))
-                ->capture_default_str();
+            add_method(*command, names, request->method);
         }
         if (!distribution.integers)
             command->add_option("--type", request->type, "s (float) or d (double)")

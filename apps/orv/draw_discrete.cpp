@@ -11,15 +11,6 @@ namespace orv::command {
 
 namespace {
 
-enum class Range { natural, positive, share };
-
-struct Parameter {
-    const char* name;
-    double usual;
-    Range range;
-    const char* help;
-};
-
 struct Moments {
     double mean, deviation;
 };
@@ -49,7 +40,7 @@ const std::vector<Distribution>& distributions() {
         {"binomial",
          "Successes in independent trials",
          {{"--ntrial", 20, Range::natural, "how many trials"},
-          {"--p", 0.4, Range::share, "the probability of a success"}},
+          {"--p", 0.4, Range::probability, "the probability of a success"}},
          [](int32_t, Stream* s, int32_t n, int32_t* r, P p) { return _kuziRngBinomial(0, s, n, r, whole(p[0]), p[1]); },
          [](double k, P p) { return log_binomial(p[0], k) + power_log(k, p[1]) + power_log(p[0] - k, 1 - p[1]); },
          [](P p) {
@@ -90,7 +81,7 @@ const std::vector<Distribution>& distributions() {
         {"negbinomial",
          "Failures before the a-th success",
          {{"--a", 5, Range::positive, "how many successes, also a fraction"},
-          {"--p", 0.3, Range::share, "the probability of a success"}},
+          {"--p", 0.3, Range::probability, "the probability of a success"}},
          [](int32_t, Stream* s, int32_t n, int32_t* r, P p) { return _kuziRngNegbinomial(0, s, n, r, p[0], p[1]); },
          [](double k, P p) {
              return std::lgamma(k + p[0]) - std::lgamma(p[0]) - std::lgamma(k + 1) + p[0] * std::log(p[1]) +
@@ -109,23 +100,14 @@ const std::vector<Distribution>& distributions() {
 
 struct Request {
     DrawRequest common;
-    std::string method = "rejection";
+    std::string method;
     std::vector<double> parameters;
 };
-
-void check(const Parameter& parameter, double value) {
-    const std::string name = parameter.name;
-    if (!std::isfinite(value)) fail(name + " must be a finite number");
-    if (parameter.range == Range::positive && value <= 0) fail(name + " must be above 0");
-    if (parameter.range == Range::share && (value < 0 || value > 1)) fail(name + " must be from 0 to 1");
-    if (parameter.range == Range::natural && (value < 0 || value > INT32_MAX || value != std::floor(value)))
-        fail(name + " must be a whole number from 0 to 2147483647");
-}
 
 // Where the range of six deviations has no more integers than a picture has room for, each has a bin of its own.
 void draw(const Distribution& distribution, Request request, bool bins_chosen) {
     constexpr double most_bins = 400;
-    for (size_t i = 0; i < request.parameters.size(); ++i) check(distribution.parameters[i], request.parameters[i]);
+    check_parameters(distribution.parameters, request.parameters);
     const double* const p = request.parameters.data();
     if (const char* wrong = distribution.what(p)) fail(wrong);
     const auto [mean, deviation] = distribution.moments(p);
@@ -198,18 +180,10 @@ void draw_counts(const Lists& request) {
 void add_draw_discrete(CLI::App& draw_command) {
     for (const Distribution& distribution : distributions()) {
         const auto request = std::make_shared<Request>();
-        CLI::App* command =
-            draw_command.add_subcommand(distribution.name, std::string(distribution.help) + ", one a line");
-        request->parameters.resize(distribution.parameters.size());
-        for (size_t i = 0; i < distribution.parameters.size(); ++i) {
-            const Parameter& parameter = distribution.parameters[i];
-            request->parameters[i] = parameter.usual;
-            command->add_option(parameter.name, request->parameters[i], parameter.help)->capture_default_str();
-        }
+        CLI::App* command = add_distribution(draw_command, distribution.name, distribution.help,
+                                             distribution.parameters, request->parameters);
         if (std::string_view(distribution.name) == "poisson")
-            command->add_option("--method", request->method, "how the numbers are made")
-                ->check(CLI::IsMember({"rejection", "normal"}))
-                ->capture_default_str();
+            add_method(*command, {"rejection", "normal"}, request->method);
         add_draw_options(*command, request->common);
         command->callback(
             [&distribution, request, command] { draw(distribution, *request, command->count("--bins") > 0); });

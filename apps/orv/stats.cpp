@@ -4,6 +4,7 @@
 #include "json.h"
 #include "options.h"
 #include "output.h"
+#include "stats_boxes.h"
 #include "stats_robust.h"
 #include "stats_sections.h"
 #include "stats_tables.h"
@@ -66,7 +67,8 @@ struct Accumulation {
 
     // For the streaming quantiles.
     int32_t order_count = 0, param_count = 1;
-    std::vector<double> orders, stream;
+    std::vector<double> orders, stream;  // with those of a picture's boxes behind the ones that are shown
+    size_t shown_orders = 0;
     double epsilon = 0;
 
     // All of it, where something is asked for that takes more than a look at each row.
@@ -116,6 +118,11 @@ void start(Accumulation& data, const Request& request) {
     if (request.stream_epsilon == 0) return;
     data.epsilon = request.stream_epsilon;
     data.orders = request.quantiles.empty() ? usual_orders : request.quantiles;
+    data.shown_orders = data.orders.size();
+    if (!request.plot.empty()) {
+        const std::vector<double> boxes = box_orders(data.orders);
+        data.orders.insert(data.orders.end(), boxes.begin(), boxes.end());
+    }
     data.order_count = static_cast<int32_t>(data.orders.size());
     data.stream.resize(p * data.orders.size());
     check_statistics(__kuzdSSEditStreamQuantiles(task, &data.order_count, data.orders.data(), data.stream.data(),
@@ -183,6 +190,16 @@ void read(const Request& request, Accumulation& data) {
     if (data.weights[0] == 0) fail(source_name(request.file) + ": the weights add up to 0");
 }
 
+// Some of the streaming quantiles: `count` orders from `first` on.
+Section stream_section(const Accumulation& data, size_t first, size_t count) {
+    const auto from = data.orders.begin() + static_cast<ptrdiff_t>(first);
+    Section section{"stream quantile", data.names, order_names({from, from + static_cast<ptrdiff_t>(count)}), {}};
+    for (size_t j = 0; j < data.names.size(); ++j)
+        for (size_t k = first; k < first + count; ++k)
+            section.values.push_back(data.stream[j * data.orders.size() + k]);
+    return section;
+}
+
 // What was asked for beside moments and matrices.
 std::vector<Section> sections_of(const Request& request, const Accumulation& data) {
     std::vector<Section> sections;
@@ -190,7 +207,7 @@ std::vector<Section> sections_of(const Request& request, const Accumulation& dat
         sections.insert(sections.end(), more.begin(), more.end());
     };
     if (data.epsilon > 0)
-        append({{"stream quantile", data.names, order_names(data.orders), data.stream}});
+        append({stream_section(data, 0, data.shown_orders)});
     else if (!request.quantiles.empty())
         append({quantiles(data.held, request.quantiles, services())});
     if (request.mad) append({deviations(data.held, services())});
@@ -249,6 +266,21 @@ void name_nans(const Accumulation& data) {
                          static_cast<long long>(data.rows));
 }
 
+std::string of_rows(const char* what, const Request& request, const Accumulation& data) {
+    return what + (" of " + std::to_string(data.rows)) + " rows of " + source_name(request.file);
+}
+
+void draw_boxes_of(const Request& request, const Accumulation& data, Output& plot) {
+    std::vector<double> orders = box_orders(request.quantiles), drawn;
+    if (data.epsilon > 0) {
+        orders.assign(data.orders.begin() + static_cast<ptrdiff_t>(data.shown_orders), data.orders.end());
+        drawn = stream_section(data, data.shown_orders, orders.size()).values;
+    } else {
+        drawn = quantiles(data.held, orders, services()).values;
+    }
+    draw_boxes({data.names, orders, drawn, data.minimum, data.maximum, of_rows("Quantiles", request, data)}, plot);
+}
+
 void draw_picture(const Request& request, const Accumulation& data, Output& plot) {
     if (data.robust && data.names.size() == 2)
         draw_ellipses(data.held, *data.robust, data.moment(SSIdMean), data.cov, plot);
@@ -256,9 +288,10 @@ void draw_picture(const Request& request, const Accumulation& data, Output& plot
         draw_distances(data.held, data.outliers->distances, data.outliers->kept, plot);
     else if (data.robust)
         draw_distances(data.held, distances_of(data.held, *data.robust, services()), {}, plot);
+    else if (!request.quantiles.empty() || data.epsilon > 0)
+        draw_boxes_of(request, data, plot);
     else
-        draw_matrix("Correlation of " + std::to_string(data.rows) + " rows of " + source_name(request.file), data.names,
-                    data.cor, plot);
+        draw_matrix(of_rows("Correlation", request, data), data.names, data.cor, plot);
 }
 
 void run(const Request& request) {
@@ -336,7 +369,7 @@ void add_stats(CLI::App& app, int& status) {
     stats->add_option("--plot", request->plot,
                       "an SVG file for a picture: of the distances with --outliers or --robust, of two columns and "
                       "their ellipses with "
-                      "--robust, else of the correlation matrix");
+                      "--robust, of boxes with --quantiles or --stream-quantiles, else of the correlation matrix");
     stats->callback([request, &status] {
         request->format.missing_is_nan = request->impute;
         run(*request);

@@ -66,18 +66,21 @@ void draw_matrix(const std::string& title, const std::vector<std::string>& names
         for (size_t j = 0; j < p; ++j) script += (j ? "," : "") + plot_tic(names[j]) + " " + std::to_string(j);
         script += ")\n";
     }
+    // One line an element: in a matrix gnuplot would warn of nan, which is a square left out here.
     script += "$matrix << EOD\n";
     for (size_t j = 0; j < p; ++j)
         for (size_t k = 0; k < p; ++k) {
+            script += std::to_string(k) + ' ' + std::to_string(j) + ' ';
             append_number(script, matrix[j * p + k]);
-            script += k + 1 < p ? ' ' : '\n';
+            script += '\n';
         }
-    script += "EOD\nplot $matrix matrix ";
+    script += "EOD\nplot $matrix ";
     script += p <= shapes ? "using 1:2:(0.5):(0.5):3 with boxxyerror lc palette fillstyle solid border lc rgb 'white'"
-                          : "with image";
+                          : "using 1:2:3 with image";
     if (p <= readable)
         script +=
-            ", $matrix matrix using 1:2:(sprintf('%.2f', $3)):(abs($3) > 0.6 ? 0xFFFFFF : 0) with labels tc rgb "
+            ", $matrix using 1:2:($3 == $3 ? sprintf('%.2f', $3) : 'nan'):(abs($3) > 0.6 ? 0xFFFFFF : 0) with labels "
+            "tc rgb "
             "variable";
     const int side = static_cast<int>(std::min<size_t>(1600, 240 + 60 * p));
     write_plot(output, side + 80, side, script);

@@ -1,24 +1,6 @@
 // Cycles per number of the continuous distributions of the GNU Scientific Library, on its Mersenne twister.
-#include "support/cycles.h"
+#include "gsl_peer.h"
 
-#include <gsl/gsl_randist.h>
-#include <gsl/gsl_rng.h>
-
-#include <vector>
-
-namespace {
-
-template <class Draw>
-void gsl(benchmark::State& state, Draw draw) {
-    gsl_rng* generator = gsl_rng_alloc(gsl_rng_mt19937);
-    std::vector<double> r(1000);
-    orv::bench::measure(state, 1000, 1, [&] {
-        for (double& x : r) x = draw(generator);
-    });
-    gsl_rng_free(generator);
-}
-
-#define ORV_GSL(name, call) BENCHMARK_CAPTURE(gsl, name, [](gsl_rng* g) { return static_cast<double>(call); })
 ORV_GSL(exponential, gsl_ran_exponential(g, 1));
 ORV_GSL(laplace, gsl_ran_laplace(g, 1));
 ORV_GSL(weibull, gsl_ran_weibull(g, 1, 2.7));
@@ -36,5 +18,3 @@ ORV_GSL(beta_0_5_0_5, gsl_ran_beta(g, 0.5, 0.5));
 ORV_GSL(beta_0_5_2, gsl_ran_beta(g, 0.5, 2));
 ORV_GSL(chi_square_10, gsl_ran_chisq(g, 10));
 ORV_GSL(geometric_0_2, gsl_ran_geometric(g, 0.2));
-
-}  // namespace

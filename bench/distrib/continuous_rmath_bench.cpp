@@ -1,23 +1,6 @@
 // Cycles per number of the continuous distributions of R's mathematics library, on its own generator.
-#include "support/cycles.h"
+#include "rmath_peer.h"
 
-#define MATHLIB_STANDALONE
-#include <Rmath.h>
-
-#include <vector>
-
-namespace {
-
-template <class Draw>
-void rmath(benchmark::State& state, Draw draw) {
-    set_seed(777, 778);
-    std::vector<double> r(1000);
-    orv::bench::measure(state, 1000, 1, [&] {
-        for (double& x : r) x = draw();
-    });
-}
-
-#define ORV_RMATH(name, call) BENCHMARK_CAPTURE(rmath, name, [] { return call; })
 ORV_RMATH(exponential, rexp(1));
 ORV_RMATH(weibull, rweibull(2.7, 1));
 ORV_RMATH(cauchy, rcauchy(0, 1));
@@ -31,5 +14,3 @@ ORV_RMATH(beta_0_5_0_5, rbeta(0.5, 0.5));
 ORV_RMATH(beta_0_5_2, rbeta(0.5, 2));
 ORV_RMATH(chi_square_10, rchisq(10));
 ORV_RMATH(geometric_0_2, rgeom(0.2));
-
-}  // namespace

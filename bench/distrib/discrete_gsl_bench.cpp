@@ -1,24 +1,6 @@
 // Cycles per number of the discrete distributions of the GNU Scientific Library, on its Mersenne twister.
-#include "support/cycles.h"
+#include "gsl_peer.h"
 
-#include <gsl/gsl_randist.h>
-#include <gsl/gsl_rng.h>
-
-#include <vector>
-
-namespace {
-
-template <class Draw>
-void gsl(benchmark::State& state, Draw draw) {
-    gsl_rng* generator = gsl_rng_alloc(gsl_rng_mt19937);
-    std::vector<unsigned> r(1000);
-    orv::bench::measure(state, 1000, 1, [&] {
-        for (unsigned& x : r) x = draw(generator);
-    });
-    gsl_rng_free(generator);
-}
-
-#define ORV_GSL(name, call) BENCHMARK_CAPTURE(gsl, name, [](gsl_rng* g) { return call; })
 ORV_GSL(binomial_200_0_4, gsl_ran_binomial(g, 0.4, 200));
 ORV_GSL(binomial_10_0_3, gsl_ran_binomial(g, 0.3, 10));
 ORV_GSL(poisson_40, gsl_ran_poisson(g, 40));
@@ -27,5 +9,3 @@ ORV_GSL(hypergeometric_10000_1000_5000, gsl_ran_hypergeometric(g, 1000, 9000, 50
 ORV_GSL(hypergeometric_50_10_20, gsl_ran_hypergeometric(g, 10, 40, 20));
 ORV_GSL(negbinomial_5_0_3, gsl_ran_negative_binomial(g, 0.3, 5));
 ORV_GSL(negbinomial_100_0_02, gsl_ran_negative_binomial(g, 0.02, 100));
-
-}  // namespace

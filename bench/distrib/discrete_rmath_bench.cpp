@@ -1,23 +1,6 @@
 // Cycles per number of the discrete distributions of R's mathematics library, on its own generator.
-#include "support/cycles.h"
+#include "rmath_peer.h"
 
-#define MATHLIB_STANDALONE
-#include <Rmath.h>
-
-#include <vector>
-
-namespace {
-
-template <class Draw>
-void rmath(benchmark::State& state, Draw draw) {
-    set_seed(777, 778);
-    std::vector<double> r(1000);
-    orv::bench::measure(state, 1000, 1, [&] {
-        for (double& x : r) x = draw();
-    });
-}
-
-#define ORV_RMATH(name, call) BENCHMARK_CAPTURE(rmath, name, [] { return call; })
 ORV_RMATH(binomial_200_0_4, rbinom(200, 0.4));
 ORV_RMATH(binomial_10_0_3, rbinom(10, 0.3));
 ORV_RMATH(poisson_40, rpois(40));
@@ -26,5 +9,3 @@ ORV_RMATH(hypergeometric_10000_1000_5000, rhyper(1000, 9000, 5000));
 ORV_RMATH(hypergeometric_50_10_20, rhyper(10, 40, 20));
 ORV_RMATH(negbinomial_5_0_3, rnbinom(5, 0.3));
 ORV_RMATH(negbinomial_100_0_02, rnbinom(100, 0.02));
-
-}  // namespace

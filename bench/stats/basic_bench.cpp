@@ -1,4 +1,5 @@
 // The basic pass against a plain summing loop, GSL's calls for the same results, and one rank-k update of the same shape.
+#include "stats/limited.h"
 #include "support/cycles.h"
 
 #include <orv/blas.h>
@@ -14,12 +15,8 @@
 
 namespace {
 
-int32_t thread_limit = 1;
-const orv_services* limited_services() {
-    static const orv_services table = {orv_serv_services()->parallel_for, nullptr, orv_serv_services()->fan_out,
-                                       nullptr, [] { return thread_limit; }};
-    return &table;
-}
+using orv::bench::limited_services;
+using orv::bench::thread_limit;
 
 // A task over p by n doubles with room for every result.
 struct Data {

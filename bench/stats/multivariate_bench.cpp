@@ -1,5 +1,6 @@
 // Statistics of several components together, each beside the matrix calls that it cannot do without, and beside the basic
 // covariance pass.
+#include "stats/limited.h"
 #include "support/cycles.h"
 
 #include <orv/blas.h>
@@ -11,12 +12,8 @@
 
 namespace {
 
-int32_t thread_limit = 1;
-const orv_services* limited_services() {
-    static const orv_services table = {orv_serv_services()->parallel_for, nullptr, orv_serv_services()->fan_out,
-                                       nullptr, [] { return thread_limit; }};
-    return &table;
-}
+using orv::bench::limited_services;
+using orv::bench::thread_limit;
 
 // A task over p by n doubles, a covariance that is no unit matrix, and room for the results.
 struct Data {

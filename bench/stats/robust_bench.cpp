@@ -1,4 +1,5 @@
 // The robust estimators on ten components, a tenth of the observations being outliers, and imputation of a seventh of the values.
+#include "stats/limited.h"
 #include "support/cycles.h"
 
 #include <orv/statistics.h>
@@ -9,12 +10,8 @@
 
 namespace {
 
-int32_t thread_limit = 1;
-const orv_services* limited_services() {
-    static const orv_services table = {orv_serv_services()->parallel_for, nullptr, orv_serv_services()->fan_out,
-                                       nullptr, [] { return thread_limit; }};
-    return &table;
-}
+using orv::bench::limited_services;
+using orv::bench::thread_limit;
 
 struct Contaminated {
     int32_t p = 10, n, form = StorageColumns, full = SSMatrixFull, four = 4, three = 3;

@@ -85,9 +85,9 @@ double distance_of_fall(const LogRatio& l, double sign, double farthest) {
     return far;
 }
 
-float mode_of(double a, double p) {
-    const double peak = (a - 1) * (1 - p) / p;
-    return static_cast<float>(peak > 0 ? __kuzdFloor(peak) : 0);
+float mode_of(double peak) {
+    const __m128d whole = simd::round<_MM_FROUND_TO_NEG_INF | _MM_FROUND_NO_EXC>(simd::splat(peak));
+    return static_cast<float>(peak > 0 ? simd::first_lane(whole) : 0);
 }
 
 // c with ln f(mode + d) / f(mode) >= -c d^2 from just past the steps to `end`, where the logarithm is -1 or below: as
@@ -181,8 +181,8 @@ struct Law {
     }
 };
 
-int32_t draw_by_rejection(Stream* stream, int32_t n, int32_t* r, double a, double p) {
-    const float mode = mode_of(a, p);
+int32_t draw_by_rejection(Stream* stream, int32_t n, int32_t* r, double a, double p, double peak) {
+    const float mode = mode_of(peak);
     return draw_by_setup(stream, chunk_id, [=](Setups setups) -> int32_t {
         const Setup* setup = setup_for(
             stream, a, p, [=](const Setup& s) { return s.rejection.hat.mode == mode; },
@@ -198,7 +198,7 @@ int32_t draw_by_rejection(Stream* stream, int32_t n, int32_t* r, double a, doubl
 // U^(1/a), one U for all of them: a gamma number of shape a is one of shape a + 1 times U^(1/a), and a negative binomial
 // number is a Poisson number whose mean is a gamma number.
 int32_t draw_thinned(Stream* stream, int32_t n, int32_t* r, double a, double p) {
-    int32_t status = draw_by_rejection(stream, n, r, a + 1, p);
+    int32_t status = draw_by_rejection(stream, n, r, a + 1, p, a * (1 - p) / p);
     if (status < 0) return status;
     double u[block];
     for (int32_t done = 0; done < n;) {
@@ -244,7 +244,7 @@ ORV_API int32_t _kuziRngNegbinomial(int32_t, Stream* stream, int32_t n, int32_t*
     const ErrorFrame frame(take_least_logarithm_at_pole<float>);
     const double q = 1 - p, peak = (a - 1) * q / p;
     if (a * q / p >= least_mean_of_rejection || peak >= least_mode_of_rejection)
-        return a < 1 ? draw_thinned(stream, n, r, a, p) : draw_by_rejection(stream, n, r, a, p);
+        return a < 1 ? draw_thinned(stream, n, r, a, p) : draw_by_rejection(stream, n, r, a, p, peak);
     ThreadState().set_callback(take_least_logarithm_at_pole<double>);
     return draw_from_table(stream, n, r, a, p, peak);
 }

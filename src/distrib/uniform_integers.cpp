@@ -42,6 +42,7 @@ ORV_API int32_t _kuziRngUniform(int32_t, Stream* stream, int32_t n, int32_t* r, 
 }
 
 ORV_API int32_t _kuziRngBernoulli(int32_t, Stream* stream, int32_t n, int32_t* r, double p) {
+    if (n <= 0) return StatusOk;
     // The uniforms stand in the caller's array as floats and are read as such through vector loads alone.
     const int32_t status = _kuzsRngUniform(UniformStandard, stream, n, reinterpret_cast<float*>(r), 0.0f, 1.0f);
     if (status < 0) return status;

@@ -13,21 +13,21 @@ inline uint64_t room_for(uint64_t elements, uint64_t size = sizeof(double)) {
     return (elements * size + 63) & ~uint64_t{63};
 }
 
-struct Room {
+struct Scratch {
     char* block;
     char* next;
     bool owned = true;
 
-    explicit Room(uint64_t bytes)
+    explicit Scratch(uint64_t bytes)
         : block(bytes >> 31 ? nullptr : static_cast<char*>(orv_serv_allocate(static_cast<size_t>(bytes) + 1, 128))),
           next(block) {}
     // Another's block, or a part of it.
-    explicit Room(char* part) : block(part), next(part), owned(false) {}
-    ~Room() {
+    explicit Scratch(char* part) : block(part), next(part), owned(false) {}
+    ~Scratch() {
         if (owned) orv_serv_deallocate(block);
     }
-    Room(const Room&) = delete;
-    Room& operator=(const Room&) = delete;
+    Scratch(const Scratch&) = delete;
+    Scratch& operator=(const Scratch&) = delete;
 
     template <class T = double>
     T* take(uint64_t elements) {

@@ -286,6 +286,9 @@ TEST_F(Command, Draws) {
         {"fit --x 1 --y 2", "a%s\\n{x}_1,100%\n0,1\n1,2\n2,2\n", {"a%s\\n{x}_1", "100%"}},
         {"stats", "x,o'y\n1,2\n2,4\n3,9\n", {"o'y", "0.97", "Correlation"}},
         {"stats", "%d,%%s,{a}_b^c@&~\\t\n1,2,3\n2,4,1\n3,9,5\n", {">%d<", ">%%s<", "{a}_b^c@&amp;~\\t"}},
+        {"stats", "a,b\n1,3\n1,4\n", {">1.00<"}},  // without a spread, nan
+        {"stats --quantiles 0.05,0.9", "a%s,b\n1,3\n2,4\n7,3\n", {">a%s<", "order 0.05 to order 0.9,"}},
+        {"stats --stream-quantiles 0.1", "a,b,c\n1,inf,1e308\n1,-inf,-1e308\n", {"nan", "from order 0.05 to"}},
         {"stats --outliers", far, {"outliers", "passed by one normal row in forty"}},
         {"stats --robust", far, {"robust", "mean and covariance"}},
         {"accuracy Exp --type s --points 3000", "", {"Exp in float", "argument", "error, ulp", "HA: 0.5"}},

@@ -13,7 +13,7 @@ using namespace orv::stats;
 struct Model {
     stats_test::Problem<double>& problem;
     Data data;
-    Room room;
+    Scratch room;
     Incomplete incomplete;
     Sums sums;
     Fit fit;

@@ -1,4 +1,5 @@
 // Order statistics against plain sorting, over shapes, storage forms, threads and hostile data.
+#include "services/test_switches.h"
 #include "stats/reference.h"
 
 #include <orv/services.h>
@@ -43,9 +44,9 @@ bool same(T a, T b) {
     return std::isnan(a) ? std::isnan(b) : a == b && std::signbit(a) == std::signbit(b);
 }
 
-enum class Kind { random, equal, sorted, reversed, organ_pipe, zeros, close, with_nans };
-constexpr Kind kinds[] = {Kind::random,     Kind::equal, Kind::sorted, Kind::reversed,
-                          Kind::organ_pipe, Kind::zeros, Kind::close,  Kind::with_nans};
+enum class Kind { random, equal, sorted, reversed, organ_pipe, zeros, few, close, misleading, with_nans };
+constexpr Kind kinds[] = {Kind::random, Kind::equal, Kind::sorted, Kind::reversed,   Kind::organ_pipe,
+                          Kind::zeros,  Kind::few,   Kind::close,  Kind::misleading, Kind::with_nans};
 
 template <class T>
 std::vector<T> column(Kind kind, int n) {
@@ -72,15 +73,27 @@ std::vector<T> column(Kind kind, int n) {
             case Kind::zeros:
                 x[i] = random() % 3 ? (random() % 2 ? T{0} : -T{0}) : value;
                 break;
+            case Kind::few:  // and infinite ones
+                x[i] = random() % 5 ? static_cast<T>(random() % 3) : value * std::numeric_limits<T>::infinity();
+                break;
             case Kind::close:  // in the last bits alone, but for a few
                 x[i] =
                     i % 50 ? 1 + static_cast<T>(random() % 100000) * std::numeric_limits<T>::epsilon() : value * 1000;
+                break;
+            case Kind::misleading:
+                x[i] = value;
                 break;
             case Kind::with_nans:
                 x[i] = random() % 4 ? value
                                     : std::copysign(std::numeric_limits<T>::quiet_NaN(), random() % 2 ? T{1} : T{-1});
                 break;
         }
+    }
+    // Where a sample is taken of a long column, the numbers are larger than elsewhere.
+    uint64_t state = 1;
+    for (int i = 0; kind == Kind::misleading && n > 0 && i < 1 << 10; ++i) {
+        state = state * 6364136223846793005 + 1442695040888963407;
+        x[(state >> 32) * n >> 32] = static_cast<T>(100000 + i);
     }
     return x;
 }
@@ -133,10 +146,14 @@ TYPED_TEST(SSOrder, AgainstSorting) {
     using T = TypeParam;
     for (const int32_t form : {StorageRows, StorageColumns})
         for (const Kind kind : kinds)
-            for (const int n : {1, 2, 3, 9, 100, 1499, 1500, 5000})
-                for (const bool threads : {false, true}) {
-                    SCOPED_TRACE(testing::Message() << "form " << form << " kind " << int(kind) << " n " << n);
-                    const orv_services* services = threads ? orv_serv_services() : nullptr;
+            for (const int n : {1, 2, 3, 9, 100, 1499, 1500, 5000, 16384, 33001})
+                for (const int threads : {0, 2, 3, 4}) {
+                    // Beyond two they work within a long component, in either form alike.
+                    if (threads > 2 && (n < 16384 || (threads == 3 && form == StorageColumns))) continue;
+                    SCOPED_TRACE(testing::Message()
+                                 << "form " << form << " kind " << int(kind) << " n " << n << " threads " << threads);
+                    stats_test::thread_limit = threads;
+                    const orv_services* services = threads > 0 ? stats_test::limited_services() : nullptr;
                     const int32_t p = 3, indices[] = {1, 0, 1};
                     OrderTask<T> problem(p, n, form);
                     std::vector<std::vector<T>> sorted;
@@ -180,8 +197,8 @@ TYPED_TEST(SSOrder, AgainstSorting) {
                         EXPECT_EQ(std::isnan(least[j]), indices[j] && nan);
                         EXPECT_EQ(std::isnan(greatest[j]), indices[j] && nan);
                         if (nan) continue;
-                        EXPECT_EQ(least[j], indices[j] ? sorted[j][0] : T{-1});
-                        EXPECT_EQ(greatest[j], indices[j] ? sorted[j][n - 1] : T{-1});
+                        EXPECT_TRUE(same(least[j], indices[j] ? sorted[j][0] : T{-1})) << least[j];
+                        EXPECT_TRUE(same(greatest[j], indices[j] ? sorted[j][n - 1] : T{-1})) << greatest[j];
                     }
                     // The sorted observations as a by-product give the same quantiles.
                     const std::vector<T> first = quantiles;
@@ -196,6 +213,7 @@ TYPED_TEST(SSOrder, AgainstSorting) {
 
 TYPED_TEST(SSOrder, WeightedMedian) {
     using T = TypeParam;
+    constexpr T largest = std::numeric_limits<T>::max();
     const struct {
         std::vector<T> x, w;
         T median;
@@ -206,6 +224,9 @@ TYPED_TEST(SSOrder, WeightedMedian) {
         {{1, 2, 3, 1000}, {1, 0, 1, 0}, 2},
         {{1, 2, 3}, {T(0.5), T(0.25), T(0.25)}, T(1.5)},
         {{7}, {3}, 7},
+        // Half of it is met exactly, however sums of weights are rounded.
+        {{1, 2, 3, 4, 5, 6, 7, 8, 9, 10}, std::vector<T>(10, T(0.1)), T(5.5)},
+        {{0, largest, largest, largest}, {1, 1, 1, 1}, largest},
     };
     for (const auto& c : cases) {
         OrderTask<T> problem(1, static_cast<int32_t>(c.x.size()), StorageRows);
@@ -256,6 +277,56 @@ TYPED_TEST(SSOrder, RefusesAndJoins) {
     EXPECT_EQ(greatest, 8);
     EXPECT_EQ(run(Order<T>::minmax, ORV_SS_MINIMUM | ORV_SS_MAXIMUM), 0);
     EXPECT_EQ(least, 2);
+    least = std::numeric_limits<T>::infinity();  // what joining may start from
+    greatest = -least;
+    EXPECT_EQ(run(Order<T>::minmax, ORV_SS_MINIMUM | ORV_SS_MAXIMUM, ORV_SS_METHOD_JOIN), 0);
+    EXPECT_EQ(least, 2);
+    EXPECT_EQ(greatest, 8);
+}
+
+// A column that the sample misleads is sorted after all, for which there may be no memory when others are done.
+TYPED_TEST(SSOrder, WritesNothingWithoutMemory) {
+    using T = TypeParam;
+    OrderTask<T> problem(2, 1 << 14, StorageRows);
+    problem.put(0, column<T>(Kind::random, problem.n));
+    problem.put(1, column<T>(Kind::misleading, problem.n));
+    problem.make();
+    std::vector<T> orders(9, T(0.5)), results(18, T{-1});
+    int32_t count = 0;
+    __kuziSSEditTask(problem.task, SSIdQuantOrderCount, &count);
+    Order<T>::edit(problem.task, SSIdQuantOrders, orders.data());
+    Order<T>::edit(problem.task, SSIdQuantiles, results.data());
+    const int32_t live = orv_serv_live_blocks();
+    for (const int32_t by_windows_or_sorted : {1, 9}) {
+        count = by_windows_or_sorted;
+        for (int32_t nth = 1;; ++nth) {
+            orv_serv_fail_allocation(nth);
+            const int32_t status = Order<T>::quantiles(problem.task, ORV_SS_QUANTILES, 0, nullptr);
+            orv_serv_fail_allocation(0);
+            EXPECT_EQ(orv_serv_live_blocks(), live);
+            if (status == 0) break;
+            EXPECT_EQ(status, SSStatusAllocation);
+            for (const T result : results) ASSERT_EQ(result, -1);
+        }
+        std::fill(results.begin(), results.end(), T{-1});
+    }
+}
+
+// A NaN is the same one whichever thread met it, and how.
+TYPED_TEST(SSOrder, ExtremesOfNaNs) {
+    using T = TypeParam;
+    OrderTask<T> problem(1, 16391, StorageRows);
+    problem.x[8194] = -std::numeric_limits<T>::quiet_NaN();
+    problem.make();
+    T least[2], greatest;
+    Order<T>::edit(problem.task, SSIdMaximum, &greatest);
+    for (const int32_t threads : {1, 2}) {
+        stats_test::thread_limit = threads;
+        Order<T>::edit(problem.task, SSIdMinimum, &least[threads - 1]);
+        EXPECT_EQ(Order<T>::minmax(problem.task, ORV_SS_MINIMUM | ORV_SS_MAXIMUM, 0, stats_test::limited_services()),
+                  0);
+    }
+    EXPECT_EQ(std::memcmp(&least[0], &least[1], sizeof(T)), 0);
 }
 
 }  // namespace

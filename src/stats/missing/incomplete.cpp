@@ -35,7 +35,7 @@ uint64_t incomplete_bytes(const Data& data) {
 }
 
 template <class T>
-int32_t take_incomplete(const Data& data, const orv_services* services, Room& room, Incomplete& incomplete) {
+int32_t take_incomplete(const Data& data, const orv_services* services, Scratch& room, Incomplete& incomplete) {
     int32_t* component = room.take<int32_t>(data.p);
     int32_t q = 0;
     for (int32_t j = 0; j < data.p; ++j)
@@ -90,15 +90,15 @@ int32_t take_incomplete(const Data& data, const orv_services* services, Room& ro
     return SSStatusOk;
 }
 
-template int32_t take_incomplete<float>(const Data&, const orv_services*, Room&, Incomplete&);
-template int32_t take_incomplete<double>(const Data&, const orv_services*, Room&, Incomplete&);
+template int32_t take_incomplete<float>(const Data&, const orv_services*, Scratch&, Incomplete&);
+template int32_t take_incomplete<double>(const Data&, const orv_services*, Scratch&, Incomplete&);
 
 uint64_t regression_bytes(int32_t q) {
     const uint64_t size = static_cast<uint64_t>(q);
     return room_for(size, sizeof(int32_t)) + 4 * room_for(size * size) + 2 * room_for(size * regression_block);
 }
 
-Regression take_regression(int32_t q, Room& room) {
+Regression take_regression(int32_t q, Scratch& room) {
     const uint64_t size = static_cast<uint64_t>(q);
     Regression regression = {};
     regression.component = room.take<int32_t>(size);

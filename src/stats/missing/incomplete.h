@@ -25,7 +25,7 @@ uint64_t incomplete_bytes(const Data& data);
 
 // A component without two different values is SSStatusNotPositiveDefinite.
 template <class T>
-int32_t take_incomplete(const Data& data, const orv_services* services, Room& room, Incomplete& incomplete);
+int32_t take_incomplete(const Data& data, const orv_services* services, Scratch& room, Incomplete& incomplete);
 
 // For a group: x_missing = mean + slope (x_seen - mean) + an error of the covariance `residual`.
 struct Regression {
@@ -40,7 +40,7 @@ struct Regression {
 inline constexpr int32_t regression_block = 64;
 
 uint64_t regression_bytes(int32_t q);
-Regression take_regression(int32_t q, Room& room);
+Regression take_regression(int32_t q, Scratch& room);
 
 // By the centre and covariance of a fit. SSStatusNotPositiveDefinite where what is seen has no inverse.
 int32_t regress(const Incomplete& incomplete, const Group& group, const Fit& fit, Regression& regression);

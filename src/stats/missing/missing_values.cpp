@@ -1,6 +1,6 @@
 // The entries that impute missing values: the arguments, the start, and the sets, over threads.
+#include "stats/entry.h"
 #include "stats/missing/normal_model.h"
-#include "stats/order/entry.h"
 
 #include <limits.h>
 #include <string.h>
@@ -151,10 +151,10 @@ int32_t draw_sets(const Data& data, const Incomplete& incomplete, const MissingP
     const uint64_t bytes = room_for(values) + fit_bytes(data) + sums_bytes(data);
     int32_t threads = thread_count(sample.services, int64_t{sample.n} * sample.q * params.sets * 16, INT_MAX);
     if (threads > params.sets) threads = params.sets;
-    Room room(bytes * threads);
+    Scratch room(bytes * threads);
     if (!room.block) return SSStatusAllocation;
     auto part = [&](int32_t index) {
-        Room mine(room.block + bytes * index);
+        Scratch mine(room.block + bytes * index);
         double* z = mine.take(values);
         Fit fit = take_fit(sample, mine);
         const Sums sums = take_sums(sample, mine);
@@ -183,8 +183,8 @@ int32_t missing_values(SSTask* task, uint64_t estimates, uint64_t method, const 
     if (task->missStorage && !task->missCountD) return SSStatusMissCountD;
 
     const uint64_t p = static_cast<uint64_t>(data.p), n = static_cast<uint64_t>(data.n);
-    Room room(incomplete_bytes(data) + fit_bytes(data) + sums_bytes(data) + room_for(p) + room_for(p * p) +
-              room_for(p * n));
+    Scratch room(incomplete_bytes(data) + fit_bytes(data) + sums_bytes(data) + room_for(p) + room_for(p * p) +
+                 room_for(p * n));
     if (!room.block) return SSStatusAllocation;
     Incomplete incomplete;
     if (const int32_t status = take_incomplete<T>(data, services, room, incomplete)) return status;

@@ -49,7 +49,7 @@ int32_t normal_numbers(Stream* stream, int32_t count, double* to) {
 // G = L T'^-1, and the centre moves by G times normal numbers.
 int32_t draw(const Sample& sample, const Prior& prior, Stream* stream, Fit& fit) {
     const int32_t q = sample.q;
-    Room room(2 * room_for(squared(q)) + room_for(q));
+    Scratch room(2 * room_for(squared(q)) + room_for(q));
     if (!room.block) return SSStatusAllocation;
     double* t = room.take(squared(q));
     double* g = room.take(squared(q));
@@ -85,7 +85,7 @@ int32_t maximise(const Incomplete& incomplete, const Sums& sums, const Prior& pr
     Sample filled = incomplete.sample;
     filled.z = z;
     const int32_t q = filled.q, n = filled.n;
-    Room room(regression_bytes(q) + room_for(q) + 3 * room_for(squared(q)));
+    Scratch room(regression_bytes(q) + room_for(q) + 3 * room_for(squared(q)));
     if (!room.block) return SSStatusAllocation;
     Regression regression = take_regression(q, room);
     Fit before = take_fit(filled, room);
@@ -124,7 +124,7 @@ int32_t augment(const Incomplete& incomplete, const Sums& sums, const Prior& pri
     Sample filled = incomplete.sample;
     filled.z = z;
     filled.services = nullptr;
-    Room room(regression_bytes(filled.q));
+    Scratch room(regression_bytes(filled.q));
     if (!room.block) return SSStatusAllocation;
     Regression regression = take_regression(filled.q, room);
     for (int32_t at = 0; at < incomplete.group_count; ++at) {

@@ -4,8 +4,8 @@
 // Source: R. Rebonato, P. Jaeckel, The most general methodology to create a valid correlation matrix for risk management and
 // option pricing purposes, Journal of Risk 2 (1999).
 #include "stats/dense.h"
+#include "stats/entry.h"
 #include "stats/multivariate/components.h"
-#include "stats/order/entry.h"
 
 #include <cmath>
 
@@ -49,7 +49,7 @@ int32_t parametrize(SSTask* task, uint64_t estimates, uint64_t method, const orv
     constexpr uint64_t work_columns = 34;  // the best size is (block + 2) p, and LAPACK's block is 32
     const Scratch scratch(sizeof(double) * (2 * p * p + p + work_columns * p) + sizeof(int32_t) * p);
     if (!scratch.block) return SSStatusAllocation;
-    double* c = static_cast<double*>(scratch.block);
+    double* c = reinterpret_cast<double*>(scratch.block);
     double* product = c + p * p;
     double* eigenvalues = product + p * p;
     double* work = eigenvalues + p;

@@ -2,8 +2,8 @@
 // product with the inverse factor gives for a block of observations at once.
 #include "simd/lanes.h"
 #include "stats/dense.h"
+#include "stats/entry.h"
 #include "stats/multivariate/components.h"
-#include "stats/order/entry.h"
 
 namespace orv::stats {
 namespace {
@@ -86,7 +86,7 @@ int32_t distances(SSTask* task, uint64_t estimates, uint64_t method, const orv_s
     const uint64_t p = static_cast<uint64_t>(data.p);
     const Scratch scratch(sizeof(double) * p * (p + 1) + sizeof(int32_t) * p);
     if (!scratch.block) return SSStatusAllocation;
-    double* inverse = static_cast<double*>(scratch.block);
+    double* inverse = reinterpret_cast<double*>(scratch.block);
     double* mean = inverse + p * p;
     const Components chosen = taking_part(data, reinterpret_cast<int32_t*>(mean + p));
     const int32_t q = chosen.count;
@@ -106,7 +106,7 @@ int32_t distances(SSTask* task, uint64_t estimates, uint64_t method, const orv_s
     if (!room.block) return SSStatusAllocation;
     const Distances<T> all{data, chosen, mean, inverse, static_cast<T*>(task->outlierWeights)};
     auto part = [&](int32_t index) {
-        double* block = reinterpret_cast<double*>(static_cast<char*>(room.block) + block_bytes * index);
+        double* block = reinterpret_cast<double*>(room.block + block_bytes * index);
         const Share share = share_of(blocks, threads, index);
         for (int32_t b = share.first; b < share.last; ++b) {
             const int32_t first = b * block_length, left = data.n - first;

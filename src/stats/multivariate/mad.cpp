@@ -1,5 +1,5 @@
 // The median and the mean of the absolute deviations from the median, of each component.
-#include "stats/order/entry.h"
+#include "stats/entry.h"
 #include "stats/order/parted.h"
 
 namespace orv::stats {
@@ -32,6 +32,7 @@ int32_t mad(SSTask* task, uint64_t estimates, uint64_t method, const orv_service
         }
         medians[j] = static_cast<T>(quantile(parted, 0.5));
         if (means) means[j] = static_cast<T>(sum / data.n);
+        return int32_t{SSStatusOk};
     });
 }
 

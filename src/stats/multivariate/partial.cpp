@@ -8,8 +8,8 @@
 // Source: G. Marsaglia, Conditional means and covariances of normal variables with singular covariance matrix, Journal of the
 // American Statistical Association 59 (1964).
 #include "stats/dense.h"
+#include "stats/entry.h"
 #include "stats/multivariate/components.h"
-#include "stats/order/entry.h"
 
 #include <string.h>
 
@@ -176,7 +176,7 @@ int32_t partial(SSTask* task, uint64_t estimates, uint64_t method, const orv_ser
     const uint64_t p = static_cast<uint64_t>(data.p);
     const Scratch numbers(sizeof(int32_t) * 2 * p);
     if (!numbers.block) return SSStatusAllocation;
-    int32_t* number = static_cast<int32_t*>(numbers.block);
+    int32_t* number = reinterpret_cast<int32_t*>(numbers.block);
     Blocks blocks{};
     blocks.kept.number = number;
     blocks.given.number = number + p;
@@ -186,7 +186,7 @@ int32_t partial(SSTask* task, uint64_t estimates, uint64_t method, const orv_ser
     const uint64_t work = 34 * r + q;  // the best size of syev for LAPACK's block of 32; variances
     const Scratch scratch(sizeof(double) * (q * q + 2 * q * r + 2 * r * r + r + work));
     if (!scratch.block) return SSStatusAllocation;
-    blocks.a = static_cast<double*>(scratch.block);
+    blocks.a = reinterpret_cast<double*>(scratch.block);
     blocks.b = blocks.a + q * q;
     blocks.y = blocks.b + q * r;
     blocks.c = blocks.y + q * r;

@@ -1,8 +1,8 @@
 // Pooled covariance: the cross-products of each group's deviations from its own mean, over all groups, by their degrees of
 // freedom; and each group's own mean and covariance.
 #include "stats/basic/accumulation.h"
+#include "stats/entry.h"
 #include "stats/multivariate/group_sums.h"
-#include "stats/order/entry.h"
 
 namespace orv::stats {
 namespace {
@@ -120,7 +120,7 @@ int32_t run(const Grouping& by, double* memory, const orv_services* services) {
     if (!room.block) return SSStatusAllocation;
     const ptrdiff_t size = static_cast<ptrdiff_t>(GroupSums::doubles(by));
     auto part = [&](int32_t index) {
-        const Block block = Block::at(static_cast<char*>(room.block) + bytes * index, by, length);
+        const Block block = Block::at(room.block + bytes * index, by, length);
         const Share share = share_of(spans, threads, index);
         for (int32_t s = share.first; s < share.last; ++s) {
             const Share observations = share_of(n, spans, s);
@@ -130,7 +130,7 @@ int32_t run(const Grouping& by, double* memory, const orv_services* services) {
     };
     if (const int32_t status = fan_out(services, threads, part)) return status;
     const GroupSums sums = GroupSums::at(memory, by);
-    double* spare = static_cast<double*>(room.block);
+    double* spare = reinterpret_cast<double*>(room.block);
     for (int32_t s = 1; s < spans; ++s) join(by, sums, GroupSums::at(memory + s * size, by), spare);
     write_groups<T>(by, sums);
     write_pooled<T>(by, sums);
@@ -158,7 +158,8 @@ int32_t pooled(SSTask* task, uint64_t estimates, uint64_t method, const orv_serv
 
     const Scratch numbers(sizeof(int32_t) * uint64_t(data.p));
     if (!numbers.block) return SSStatusAllocation;
-    Grouping by{data, taking_part(data, static_cast<int32_t*>(numbers.block)), groups, task->pooledCov != nullptr, {}};
+    Grouping by{
+        data, taking_part(data, reinterpret_cast<int32_t*>(numbers.block)), groups, task->pooledCov != nullptr, {}};
     if (by.chosen.count >> 14) return SSStatusAllocation;  // a matrix of theirs is beyond this address space
     const uint64_t shifts = uint64_t(groups) * by.row();
     const uint64_t sums = GroupSums::doubles(by) * span_count(data.n, groups);
@@ -167,7 +168,7 @@ int32_t pooled(SSTask* task, uint64_t estimates, uint64_t method, const orv_serv
     if (doubles >> 28) return SSStatusAllocation;
     const Scratch scratch(sizeof(double) * doubles);
     if (!scratch.block) return SSStatusAllocation;
-    double* memory = static_cast<double*>(scratch.block);
+    double* memory = reinterpret_cast<double*>(scratch.block);
     memset(memory, 0, sizeof(double) * static_cast<size_t>(doubles));
     // The groups' weights say meanwhile which of them have been met.
     double* met = memory + shifts;

@@ -2,6 +2,7 @@
 // columns of them are sorted by digits.
 #pragma once
 
+#include "simd/lanes.h"
 #include "stats/order/quick_sort.h"
 
 #include <string.h>
@@ -23,6 +24,25 @@ KeyOf<T> key_of(T x) {
     Key bits = std::bit_cast<Key>(x);
     if (x != x) bits &= ~sign;  // behind all infinities
     return bits & sign ? ~bits : bits | sign;
+}
+
+// The keys of n contiguous numbers.
+template <class T>
+void put_keys(const T* x, int32_t n, KeyOf<T>* keys) {
+    constexpr int32_t width = simd::Lanes<T>::width;
+    const auto sign = simd::splat(-T{0});
+    int32_t i = 0;
+    for (; i + width <= n; i += width) {
+        const auto number = simd::load(x + i);
+        const auto ordered = simd::equal(number, number);
+        const __m128i bits = simd::bits_of(simd::bit_and_not(simd::bit_and_not(ordered, sign), number));
+        // Of the upper halves, the sign everywhere.
+        __m128i negative = _mm_srai_epi32(bits, 31);
+        if (sizeof(T) == 8) negative = _mm_shuffle_epi32(negative, _MM_SHUFFLE(3, 3, 1, 1));
+        const __m128i flipped = _mm_or_si128(negative, simd::bits_of(sign));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(keys + i), _mm_xor_si128(bits, flipped));
+    }
+    for (; i < n; ++i) keys[i] = key_of(x[i]);
 }
 
 template <class T>
@@ -130,18 +150,34 @@ struct Shift {
     Key back(Key key) const { return common | key >> bits; }
 };
 
+// The bits in which some of the numbers, or keys, differ; those of numbers and of their keys are the same, but for signs.
+template <class T>
+KeyOf<T> varying_bits(const T* x, int32_t n) {
+    using Key = KeyOf<T>;
+    constexpr int32_t width = 16 / sizeof(T);
+    Key first[width], lanes[width], varying = 0;
+    for (Key& lane : first) lane = std::bit_cast<Key>(x[0]);
+    const __m128i origin = _mm_loadu_si128(reinterpret_cast<const __m128i*>(first));
+    __m128i all = _mm_setzero_si128();
+    int32_t i = 0;
+    for (; i + width <= n; i += width)
+        all = _mm_or_si128(all, _mm_xor_si128(_mm_loadu_si128(reinterpret_cast<const __m128i*>(x + i)), origin));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(lanes), all);
+    for (const Key lane : lanes) varying |= lane;
+    for (; i < n; ++i) varying |= std::bit_cast<Key>(x[i]) ^ first[0];
+    return varying;
+}
+
 // Below this many the digits' tables cost more than comparisons.
 inline constexpr int32_t shortest_by_digits = 1500;
 
 template <class Key>
 Key* sort_keys(Key* keys, Key* spare, int32_t n) {
     if (n < shortest_by_digits) {
-        quick_sort(Spaced<Key>{keys, 1}, n);
+        quick_sort(keys, n);
         return keys;
     }
-    Key varying = 0;
-    for (int32_t i = 0; i < n; ++i) varying |= keys[i] ^ keys[0];
-    const Shift<Key> shift(keys[0], varying);
+    const Shift<Key> shift(keys[0], varying_bits(keys, n));
     HalfCounts counts = {};
     for (int32_t i = 0; i < n; ++i) {
         keys[i] <<= shift.bits;

@@ -1,7 +1,8 @@
-// The least and the greatest observation of each component.
+// The least and the greatest observation of each component, in the order of the sorted results: -0 is below +0, and a NaN shows in both.
 #include "simd/lanes.h"
-#include "stats/order/entry.h"
+#include "stats/entry.h"
 
+#include <cmath>
 #include <limits>
 
 namespace orv::stats {
@@ -12,9 +13,20 @@ template <class T>
 struct Extremes {
     T least, greatest;
 
+    void take_least(T x) {
+        if (!(x > least)) least = least != least || (x == least && std::signbit(least)) ? least : x;
+    }
+    void take_greatest(T x) {
+        if (!(x < greatest)) greatest = greatest != greatest || (x == greatest && std::signbit(x)) ? greatest : x;
+    }
     void take(T x) {
-        if (!(x >= least)) least = least != least ? least : x;
-        if (!(x <= greatest)) greatest = greatest != greatest ? greatest : x;
+        take_least(x);
+        take_greatest(x);
+    }
+    // Which NaN was met depends on the order of the work; the result is always the same one.
+    void spread_nan() {
+        const T nan = std::numeric_limits<T>::quiet_NaN();
+        if (least != least || greatest != greatest) *this = {nan, nan};
     }
 };
 
@@ -23,9 +35,20 @@ inline __m128d lesser(__m128d a, __m128d b) { return _mm_min_pd(a, b); }
 inline __m128 greater(__m128 a, __m128 b) { return _mm_max_ps(a, b); }
 inline __m128d greater(__m128d a, __m128d b) { return _mm_max_pd(a, b); }
 
+// Whether a number is there, bit for bit.
 template <class T>
-bool any_nan(typename simd::Lanes<T>::V unequal) {
-    return simd::lane_bits(unequal) != 0;
+bool is_there(const T* x, int32_t n, T number) {
+    constexpr int32_t width = simd::Lanes<T>::width;
+    const __m128i wanted = simd::bits_of(simd::splat(number));
+    int32_t i = 0;
+    for (; i + width <= n; i += width) {
+        const __m128i bits = simd::bits_of(simd::load(x + i));
+        if (_mm_movemask_epi8(sizeof(T) == 8 ? _mm_cmpeq_epi64(bits, wanted) : _mm_cmpeq_epi32(bits, wanted)))
+            return true;
+    }
+    for (; i < n; ++i)
+        if (x[i] == number && std::signbit(x[i]) == std::signbit(number)) return true;
+    return false;
 }
 
 // Of n contiguous numbers, four registers at a time.
@@ -60,6 +83,18 @@ Extremes<T> of_contiguous(const T* x, int32_t n) {
         }
     }
     for (; i < n; ++i) all.take(x[i]);
+    // Zeros are equal to the lanes.
+    if (all.least == 0) all.least = is_there(x, n, -T{0}) ? -T{0} : T{0};
+    if (all.greatest == 0) all.greatest = is_there(x, n, T{0}) ? T{0} : -T{0};
+    return all;
+}
+
+template <class T>
+Extremes<T> extremes(const Strided<T>& x, Share share) {
+    const T* first = x.first + share.first * x.step;
+    if (x.step == 1) return of_contiguous(first, share.last - share.first);
+    Extremes<T> all{*first, *first};
+    for (int32_t i = share.first; i < share.last; ++i) all.take(x[i]);
     return all;
 }
 
@@ -74,20 +109,29 @@ int32_t minmax(SSTask* task, uint64_t estimates, uint64_t method, const orv_serv
     if (estimates & ORV_SS_MINIMUM && !least) return SSStatusMinimum;
     if (estimates & ORV_SS_MAXIMUM && !greatest) return SSStatusMaximum;
 
-    return for_components(data, services, 0, [&](int32_t j, char*) {
+    const auto one = [&](int32_t j, char*, const orv_services* helpers, int32_t threads) {
         const Strided<T> x = data.component<T>(j);
-        Extremes<T> all{x[0], x[0]};
-        if (x.step == 1)
-            all = of_contiguous(x.first, data.n);
-        else
-            for (int32_t i = 0; i < data.n; ++i) all.take(x[i]);
-        if (method & ORV_SS_METHOD_JOIN) {
-            if (least) all.take(least[j]);
-            if (greatest) all.take(greatest[j]);
+        Extremes<T> parts[most_within];
+        auto part = [&](int32_t index) {
+            parts[index] = extremes(x, share_of(data.n, threads, index));
+            return int32_t{SSStatusOk};
+        };
+        fan_out(helpers, threads, part);
+        Extremes<T> all = parts[0];
+        for (int32_t t = 1; t < threads; ++t) {
+            all.take_least(parts[t].least);
+            all.take_greatest(parts[t].greatest);
         }
+        if (method & ORV_SS_METHOD_JOIN) {
+            if (least) all.take_least(least[j]);
+            if (greatest) all.take_greatest(greatest[j]);
+        }
+        all.spread_nan();
         if (least) least[j] = all.least;
         if (greatest) greatest[j] = all.greatest;
-    });
+        return int32_t{SSStatusOk};
+    };
+    return for_components_and_within(data, services, threads_within(data, services), 0, one);
 }
 
 }  // namespace

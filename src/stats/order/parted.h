@@ -9,6 +9,23 @@
 
 namespace orv::stats {
 
+// The position of the quantile of an order among n observations: a whole part and the share of the one behind it.
+struct Position {
+    int32_t first = 0;
+    double share = 0;
+
+    Position() = default;
+    Position(double order, int32_t n) {
+        const double position = order * (n - 1);
+        first = static_cast<int32_t>(position);
+        share = position - first;
+    }
+    template <class T>
+    T between(T a, T b) const {
+        return static_cast<T>(double{a} * (1 - share) + double{b} * share);
+    }
+};
+
 // A component's observations, parted as far as has been asked: all before `from` are in their places' order.
 template <class T>
 struct Parted {
@@ -21,7 +38,7 @@ struct Parted {
         if (k >= numbers) return std::numeric_limits<T>::quiet_NaN();
         T value = x[k];
         if (k >= from) {
-            value = select(Spaced<T>{x, 1}, from, numbers - 1, k);
+            value = select(x, from, numbers - 1, k);
             from = k + 1;
         }
         return value == 0 ? zero_of_order(k) : value;
@@ -50,12 +67,9 @@ void copy_numbers(const Strided<T>& from, Parted<U>& to) {
 
 template <class T>
 T quantile(Parted<T>& parted, double order) {
-    const double position = order * (parted.n - 1);
-    const int32_t i = static_cast<int32_t>(position);
-    const double share = position - i;
-    const double a = parted.of_order(i);
-    const double b = parted.of_order(i + 1 < parted.n ? i + 1 : i);
-    return static_cast<T>(a * (1 - share) + b * share);
+    const Position at(order, parted.n);
+    const T a = parted.of_order(at.first);
+    return at.between(a, parted.of_order(at.first + (at.first + 1 < parted.n)));
 }
 
 }  // namespace orv::stats

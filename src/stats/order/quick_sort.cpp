@@ -7,15 +7,11 @@
 
 using namespace orv::stats;
 
-ORV_API void __kuzdQSort(int32_t n, double* data) { quick_sort(Spaced<double>{data, 1}, n); }
-ORV_API void __kuzsQSort(int32_t n, float* data) { quick_sort(Spaced<float>{data, 1}, n); }
+ORV_API void __kuzdQSort(int32_t n, double* data) { quick_sort(data, n); }
+ORV_API void __kuzsQSort(int32_t n, float* data) { quick_sort(data, n); }
 
 ORV_API void __kuzdQSortStep(int32_t n, double* data, int32_t stride) { quick_sort(Spaced<double>{data, stride}, n); }
 ORV_API void __kuzsQSortStep(int32_t n, float* data, int32_t stride) { quick_sort(Spaced<float>{data, stride}, n); }
 
-ORV_API double __kuzdQSortSelect(int32_t n, double* data, int32_t k) {
-    return select(Spaced<double>{data, 1}, 0, n - 1, k);
-}
-ORV_API float __kuzsQSortSelect(int32_t n, float* data, int32_t k) {
-    return select(Spaced<float>{data, 1}, 0, n - 1, k);
-}
+ORV_API double __kuzdQSortSelect(int32_t n, double* data, int32_t k) { return select(data, 0, n - 1, k); }
+ORV_API float __kuzsQSortSelect(int32_t n, float* data, int32_t k) { return select(data, 0, n - 1, k); }

@@ -1,6 +1,5 @@
 // Each component's observations in ascending order, -0 before +0 and NaNs last.
-#include "stats/order/entry.h"
-#include "stats/order/keys.h"
+#include "stats/order/column_sort.h"
 
 namespace orv::stats {
 namespace {
@@ -17,13 +16,16 @@ int32_t sort(SSTask* task, uint64_t estimates, uint64_t method, const orv_servic
 
     using Key = KeyOf<T>;
     T* sorted = static_cast<T*>(task->extraData);
-    return for_components(data, services, uint64_t{2} * sizeof(Key) * data.n, [&](int32_t j, char* memory) {
+    const auto one = [&](int32_t j, char* memory, const orv_services* helpers, int32_t threads) {
         Key* keys = reinterpret_cast<Key*>(memory);
-        const Strided<T> x = data.component<T>(j);
-        for (int32_t i = 0; i < data.n; ++i) keys[i] = key_of(x[i]);
-        keys = sort_keys(keys, keys + data.n, data.n);
-        for (int32_t i = 0; i < data.n; ++i) element(sorted, data, by_rows, j, i) = number_of<T>(keys[i]);
-    });
+        sort_column_with(data.component<T>(j), data.n, helpers, threads, keys, keys + data.n,
+                         [&](int32_t first, int32_t last, const Key* in_order) {
+                             put_sorted(data, j, in_order, first, last, sorted, by_rows);
+                         });
+        return int32_t{SSStatusOk};
+    };
+    return for_components_and_within(data, services, threads_within(data, services), uint64_t{2} * sizeof(Key) * data.n,
+                                     one);
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
 // Quantiles of a stream: blocks of observations go through the same task, and each call reads the quantiles of all so far.
-#include "stats/order/entry.h"
+#include "stats/entry.h"
 #include "stats/order/summary.h"
 
 namespace orv::stats {
@@ -95,6 +95,7 @@ int32_t stream_quantiles(SSTask* task, uint64_t estimates, uint64_t method, cons
         take_up(summaries[j], epsilon, data.component<T>(j), data.n, Room<T>::at(memory, batch, buffer));
         for (int32_t k = 0; k < count; ++k)
             results[ptrdiff_t{j} * count + k] = read_quantile(summaries[j], static_cast<double>(orders[k]));
+        return int32_t{SSStatusOk};
     });
 }
 

@@ -19,6 +19,8 @@
 #include "stats/data.h"
 #include "stats/order/batch_sort.h"
 
+#include <orv/random.h>
+
 #include <algorithm>
 #include <cmath>
 
@@ -37,10 +39,12 @@ struct Phase {
 inline Phase phase_of(double epsilon, double count) {
     constexpr double log2_e = 1.4426950408889634, longest = 1 << 27;
     constexpr int32_t shortest_batch = 4096;
-    const double l = std::log(epsilon * count) * log2_e, buffer = l / epsilon;
+    constexpr double most_levels = 64;
+    // Infinite for an epsilon close to 0: a batch is then all there is.
+    const double l = __kuzdLn(epsilon * count) * log2_e, buffer = l / epsilon;
     Phase phase{count, 1, 1, 2};
     if (buffer > 1) phase.buffer = static_cast<int32_t>(buffer < longest ? buffer : longest);
-    if (l + 2 > 1) phase.levels = static_cast<int32_t>(l + 2);
+    if (l + 2 > 1) phase.levels = static_cast<int32_t>(l + 2 < most_levels ? l + 2 : most_levels);
     while (phase.batch() < shortest_batch) ++phase.step;
     return phase;
 }

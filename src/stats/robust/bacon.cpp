@@ -44,7 +44,7 @@ int32_t first_distances(const Sample& sample, const Sums& sums, bool from_median
 int32_t fit_nearest(const Sample& sample, const Sums& sums, int32_t count, const double* d, double* spare, double* w,
                     Fit& fit) {
     memcpy(spare, d, sizeof(double) * sample.n);
-    const double furthest = select(Spaced<double>{spare, 1}, 0, sample.n - 1, count - 1);
+    const double furthest = select(spare, 0, sample.n - 1, count - 1);
     int32_t taken = 0;
     for (int32_t i = 0; i < sample.n; ++i) {
         w[i] = d[i] <= furthest ? 1 : 0;
@@ -57,7 +57,7 @@ int32_t fit_nearest(const Sample& sample, const Sums& sums, int32_t count, const
 int32_t bacon(const Sample& sample, const Sums& sums, const BaconRule& rule, double* w, double* d, Fit& fit) {
     const int32_t q = sample.q, n = sample.n;
     if (n <= q) return SSStatusNotPositiveDefinite;
-    Room room(room_for(n));
+    Scratch room(room_for(n));
     if (!room.block) return SSStatusAllocation;
     double* spare = room.take(n);
     int32_t status = first_distances(sample, sums, rule.from_medians, d, fit);

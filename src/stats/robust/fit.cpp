@@ -29,7 +29,7 @@ void weighted_block(const Sample& sample, const double* centre, const double* w,
 
 uint64_t fit_bytes(const Data& data) { return room_for(data.p) + 2 * room_for(squared(data.p)); }
 
-Fit take_fit(const Sample& sample, Room& room) {
+Fit take_fit(const Sample& sample, Scratch& room) {
     return {room.take(sample.q), room.take(squared(sample.q)), room.take(squared(sample.q)), 0};
 }
 
@@ -52,7 +52,7 @@ uint64_t sums_bytes(const Data& data) {
     return most;
 }
 
-Sums take_sums(const Sample& sample, Room& room) {
+Sums take_sums(const Sample& sample, Scratch& room) {
     const uint64_t parts = part_count(sample), order = static_cast<uint64_t>(sample.q) + 1;
     double* matrices = room.take(parts * order * order);
     return {matrices, room.take(parts * order * block_observations)};

@@ -20,10 +20,10 @@ struct Sums {
 };
 
 uint64_t fit_bytes(const Data& data);
-Fit take_fit(const Sample& sample, Room& room);
+Fit take_fit(const Sample& sample, Scratch& room);
 void copy_fit(const Sample& sample, const Fit& from, Fit& to);
 uint64_t sums_bytes(const Data& data);
-Sums take_sums(const Sample& sample, Room& room);
+Sums take_sums(const Sample& sample, Scratch& room);
 
 // Fills in root and log_det. A matrix in which a component is a combination of others, to rounding, is
 // SSStatusNotPositiveDefinite.

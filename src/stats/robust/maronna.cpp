@@ -25,7 +25,7 @@ int32_t maronna(const Sample& sample, const Sums& sums, double tolerance, int32_
                 Fit& fit) {
     const int32_t q = sample.q, n = sample.n;
     const Huber huber = huber_weights(q);
-    Room room(room_for(q) + 2 * room_for(uint64_t(q) * q));
+    Scratch room(room_for(q) + 2 * room_for(uint64_t(q) * q));
     if (!room.block) return SSStatusAllocation;
     Fit before = take_fit(sample, room);
 

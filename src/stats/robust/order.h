@@ -8,7 +8,7 @@ namespace orv::stats {
 // Puts the values in another order. The mean of the middle two for an even n; 0 for none.
 inline double median(double* values, int32_t n) {
     if (n == 0) return 0;
-    const double upper = select(Spaced<double>{values, 1}, 0, n - 1, n / 2);
+    const double upper = select(values, 0, n - 1, n / 2);
     if (n % 2 != 0) return upper;
     double lower = values[0];
     for (int32_t i = 1; i < n / 2; ++i)

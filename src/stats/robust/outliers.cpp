@@ -1,5 +1,5 @@
 // The entries of outlier detection: which observations are outside the last subset that grew from a clean one.
-#include "stats/order/entry.h"
+#include "stats/entry.h"
 #include "stats/robust/starts.h"
 
 namespace orv::stats {
@@ -28,7 +28,7 @@ int32_t outliers(SSTask* task, uint64_t estimates, uint64_t method, const orv_se
     BaconRule rule;
     if (const int32_t status = read_rule<T>(task, rule)) return status;
 
-    Room room(sample_bytes(data) + sums_bytes(data) + fit_bytes(data) + 2 * room_for(data.n));
+    Scratch room(sample_bytes(data) + sums_bytes(data) + fit_bytes(data) + 2 * room_for(data.n));
     if (!room.block) return SSStatusAllocation;
     Sample sample;
     if (const int32_t status = take_sample<T>(data, services, room, sample)) return status;

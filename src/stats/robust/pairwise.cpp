@@ -19,7 +19,7 @@ template <class Work>
 int32_t each_with_values(const Sample& sample, int32_t items, Work work) {
     int32_t threads = thread_count(sample.services, int64_t{items} * sample.n * 16, sample.n);
     if (threads > items) threads = items;
-    const Room values(room_for(sample.n) * threads);
+    const Scratch values(room_for(sample.n) * threads);
     if (!values.block) return SSStatusAllocation;
     auto part = [&](int32_t index) {
         double* mine = reinterpret_cast<double*>(values.block + room_for(sample.n) * index);
@@ -53,7 +53,7 @@ int32_t pairwise(const Sample& sample, const Sums& sums, double* w, double* d, F
     const int32_t q = sample.q, n = sample.n;
     if (n <= q) return SSStatusNotPositiveDefinite;
     const int32_t work_size = 34 * q;
-    Room room(room_for(uint64_t(q) * q) + 3 * room_for(q) + room_for(work_size) + room_for(n));
+    Scratch room(room_for(uint64_t(q) * q) + 3 * room_for(q) + room_for(work_size) + room_for(n));
     if (!room.block) return SSStatusAllocation;
     double* vectors = room.take(uint64_t(q) * q);
     double* values = room.take(q);

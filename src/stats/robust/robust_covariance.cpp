@@ -1,5 +1,5 @@
 // The entries of the robust estimators: Maronna's alone, or the S-estimator of the least determinant from several starts.
-#include "stats/order/entry.h"
+#include "stats/entry.h"
 #include "stats/robust/s_estimator.h"
 #include "stats/robust/starts.h"
 
@@ -35,7 +35,7 @@ int32_t best_s_estimate(const Sample& sample, const Sums& sums, const RobustPara
     const double most = (all - q) / (2 * all);
     const TranslatedBiweight biweight =
         translated_biweight(q, params.breakdown < most ? params.breakdown : most, params.rejection);
-    Room room(room_for(q) + 2 * room_for(uint64_t(q) * q));
+    Scratch room(room_for(q) + 2 * room_for(uint64_t(q) * q));
     if (!room.block) return SSStatusAllocation;
     Fit fit = take_fit(sample, room);
     bool found = false;
@@ -68,7 +68,7 @@ int32_t robust_covariance(SSTask* task, uint64_t estimates, uint64_t method, con
     RobustParams params;
     if (const int32_t status = read_params<T>(task, params)) return status;
 
-    Room room(sample_bytes(data) + sums_bytes(data) + fit_bytes(data) + 2 * room_for(data.n));
+    Scratch room(sample_bytes(data) + sums_bytes(data) + fit_bytes(data) + 2 * room_for(data.n));
     if (!room.block) return SSStatusAllocation;
     Sample sample;
     if (const int32_t status = take_sample<T>(data, services, room, sample)) return status;

@@ -47,7 +47,7 @@ void rescale(const Sample& sample, double k, Fit& fit) {
 
 int32_t s_estimate(const Sample& sample, const Sums& sums, const TranslatedBiweight& biweight, double tolerance,
                    int32_t most_iterations, double* w, double* d, Fit& fit) {
-    Room room(room_for(sample.q) + 2 * room_for(uint64_t(sample.q) * sample.q));
+    Scratch room(room_for(sample.q) + 2 * room_for(uint64_t(sample.q) * sample.q));
     if (!room.block) return SSStatusAllocation;
     Fit before = take_fit(sample, room);
     for (int32_t iteration = 0;; ++iteration) {

@@ -24,7 +24,7 @@ uint64_t sample_bytes(const Data& data) {
 }
 
 template <class T>
-int32_t take_sample(const Data& data, const orv_services* services, Room& room, Sample& sample) {
+int32_t take_sample(const Data& data, const orv_services* services, Scratch& room, Sample& sample) {
     int32_t* component = room.take<int32_t>(data.p);
     int32_t* observation = room.take<int32_t>(data.n);
     int32_t q = 0, n = 0;
@@ -40,7 +40,7 @@ int32_t take_sample(const Data& data, const orv_services* services, Room& room, 
 
     int32_t threads = thread_count(services, int64_t{q} * n * 16, n);
     if (threads > q) threads = q;
-    const Room spare(room_for(n) * threads);
+    const Scratch spare(room_for(n) * threads);
     if (!spare.block) return SSStatusAllocation;
     auto part = [&](int32_t index) {
         double* values = reinterpret_cast<double*>(spare.block + room_for(n) * index);
@@ -72,7 +72,7 @@ int32_t take_sample(const Data& data, const orv_services* services, Room& room, 
     return SSStatusOk;
 }
 
-template int32_t take_sample<float>(const Data&, const orv_services*, Room&, Sample&);
-template int32_t take_sample<double>(const Data&, const orv_services*, Room&, Sample&);
+template int32_t take_sample<float>(const Data&, const orv_services*, Scratch&, Sample&);
+template int32_t take_sample<double>(const Data&, const orv_services*, Scratch&, Sample&);
 
 }  // namespace orv::stats

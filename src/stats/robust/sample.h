@@ -25,7 +25,7 @@ uint64_t sample_bytes(const Data& data);
 
 // Fills in `sample`. A component without spread is SSStatusNotPositiveDefinite.
 template <class T>
-int32_t take_sample(const Data& data, const orv_services* services, Room& room, Sample& sample);
+int32_t take_sample(const Data& data, const orv_services* services, Scratch& room, Sample& sample);
 
 // Sums over the observations are formed part by part, each part by one thread, and joined in the order of the parts: the parts
 // depend on n and q alone, so results do not depend on the number of threads. The matrices of all parts stay within 32 MB, if

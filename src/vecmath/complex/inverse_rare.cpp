@@ -31,8 +31,8 @@ double turns(int eighths) { return part_of_turn<turn_radians>(eighths); }
 double over(double x, Pair d, int n = 0) {
     if (x == 0) return 0;
     int x_exponent, exponent;
-    const Pair q = quotient(pair_of(std::frexp(x, &x_exponent)), d);
-    const double high = std::frexp(of_lane(q.high), &exponent);
+    const Pair q = quotient(pair_of(fraction_of(x, &x_exponent)), d);
+    const double high = fraction_of(of_lane(q.high), &exponent);
     n += x_exponent + exponent;
     if (n < -1080) return underflow<double>();
     return scaled_sum(high, std::ldexp(of_lane(q.low), -exponent), n);
@@ -42,7 +42,7 @@ double over(double x, Pair d, int n = 0) {
 double ln_of_scaled(Pair a, double factor, double k) {
     constexpr const InverseHyperbolicBlock& K = inverse_hyperbolic;
     int exponent;
-    std::frexp(of_lane(a.high), &exponent);
+    fraction_of(of_lane(a.high), &exponent);
     const Log2Pair log = log2_pair<inverse_log>(a.high, a.low * simd::splat(power_of_two_d(1 - exponent)));
     const Pair total = two_sum(simd::splat(k), log.high * simd::splat(factor));
     const __m128d leading = upper_26(total.high);
@@ -58,7 +58,7 @@ struct Modulus {
 };
 Modulus modulus(double x, double y) {
     Modulus m;
-    std::frexp(std::fmax(x, y), &m.exponent);
+    fraction_of(std::fmax(x, y), &m.exponent);
     const auto down = [&](double part) {
         return part < std::fmax(x, y) * 0x1p-70 ? 0.0 : std::ldexp(part, -m.exponent);
     };

@@ -34,7 +34,7 @@ double scaled_part(const Exp2Parts& power, __m128d x, int n) {
     if (direction == 0) return direction;
     const Pair part = part_of(power, x);
     int exponent;
-    std::frexp(of_lane(part.high + part.low), &exponent);
+    fraction_of(of_lane(part.high + part.low), &exponent);
     const int top = n + exponent;
     if (top > 1024) return std::copysign(overflow<double>(), direction);
     if (top < -1080) return std::copysign(underflow<double>(), direction);
@@ -48,9 +48,9 @@ struct Logarithm {
 Logarithm ln(orv_complex_d a) {
     const double x = std::fabs(a.re), y = std::fabs(a.im);
     int x_exponent = -5000, y_exponent = -5000, k;
-    if (x != 0) std::frexp(x, &x_exponent);
-    if (y != 0) std::frexp(y, &y_exponent);
-    std::frexp(std::fmax(x, y), &k);
+    if (x != 0) fraction_of(x, &x_exponent);
+    if (y != 0) fraction_of(y, &y_exponent);
+    fraction_of(std::fmax(x, y), &k);
     if (k > -140 && k < 140) k = 0;  // next to 1 the logarithm is as it is
 
     const auto down = [&](double part, int exponent) { return exponent < k - 400 ? 0.0 : std::ldexp(part, -k); };

@@ -1,5 +1,6 @@
-// dAsin, dAcos, dAsinpi and dAcospi from the parts of asin_d.h: in radians, or in multiples of pi by 1/pi in two parts.
-#include "vecmath/inverse/asin_d.h"
+// dAsin, dAcos, dAsinpi and dAcospi from the parts of asin_d.h, "LA" by asin_light_d.h: in radians, or in multiples of pi by
+// 1/pi in two parts.
+#include "vecmath/inverse/asin_light_d.h"
 
 #include "frame/kernel_loops.h"
 
@@ -48,7 +49,7 @@ struct Asin : frame::OneInput<double, 4, frame::Tail::masked> {
             if (std::fabs(x) == 1)
                 return std::copysign(double{U.quarter_high} + vecmath::at_run_time(double{U.quarter_low}), x);
             int exponent;
-            __m128d high = simd::splat(4 * std::frexp(x, &exponent)), low = _mm_setzero_pd();
+            __m128d high = simd::splat(4 * vecmath::fraction_of(x, &exponent)), low = _mm_setzero_pd();
             vecmath::scale_angle<U, AsinForm::exact>(high, low);
             return std::copysign(vecmath::scaled_sum(std::fabs(_mm_cvtsd_f64(high)),
                                                      std::copysign(1.0, x) * _mm_cvtsd_f64(low), exponent - 2),
@@ -68,16 +69,25 @@ struct Acos : frame::OneInput<double, 4, frame::Tail::masked> {
     }
 };
 
-using AsinLa = Asin<radians, AsinForm::plain>;
+template <const AngleUnit& U, const vecmath::AsinLightBlock& Light>
+struct LightAsin : Asin<U, AsinForm::exact> {
+    static __m128d lanes(__m128d x) { return vecmath::asin_light_lanes<Light>(x); }
+};
+template <const AngleUnit& U, const vecmath::AsinLightBlock& Light>
+struct LightAcos : Acos<U, AsinForm::exact> {
+    static __m128d lanes(__m128d x) { return vecmath::acos_light_lanes<Light>(x); }
+};
+
+using AsinLa = LightAsin<radians, vecmath::asin_light>;
 using AsinHa = Asin<radians, AsinForm::exact>;
 using AsinEp = Asin<radians, AsinForm::rough>;
-using AcosLa = Acos<radians, AsinForm::plain>;
+using AcosLa = LightAcos<radians, vecmath::asin_light>;
 using AcosHa = Acos<radians, AsinForm::exact>;
 using AcosEp = Acos<radians, AsinForm::rough>;
-using AsinpiLa = Asin<half_turns, AsinForm::plain>;
+using AsinpiLa = LightAsin<half_turns, vecmath::asinpi_light>;
 using AsinpiHa = Asin<half_turns, AsinForm::exact>;
 using AsinpiEp = Asin<half_turns, AsinForm::rough>;
-using AcospiLa = Acos<half_turns, AsinForm::plain>;
+using AcospiLa = LightAcos<half_turns, vecmath::asinpi_light>;
 using AcospiHa = Acos<half_turns, AsinForm::exact>;
 using AcospiEp = Acos<half_turns, AsinForm::rough>;
 

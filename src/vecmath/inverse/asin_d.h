@@ -16,11 +16,11 @@
 namespace orv::vecmath {
 
 struct AsinBlock {
-    // fpminimax((asin(sqrt(x))/sqrt(x)-1)/x, 13, [|110,D...|], [2^-30;1/4]) absolute: 2^-62 of the arc sine
-    simd::Splat<double> c0{0x1.5555555555555p-3}, c1{0x1.3333333333393p-4}, c2{0x1.6db6db6daaec6p-5},
-        c3{0x1.f1c71c7b24b24p-6}, c4{0x1.6e8ba0fe61e49p-6}, c5{0x1.1c4f00df61a05p-6}, c6{0x1.c99021d5dec28p-7},
-        c7{0x1.7b08debc9643ap-7}, c8{0x1.3b16d064ceae8p-7}, c9{0x1.327ac353762e9p-7}, c10{0x1.7ed58e452e65ap-9},
-        c11{0x1.453e913b2e5a3p-6}, c12{-0x1.42074f4c14ab5p-6}, c13{0x1.e955ca996855bp-6};
+    // fpminimax((asin(sqrt(x))/sqrt(x)-1)/x, 13, [|110,D...|], [2^-30;1/4]) absolute: 2^-62 of the arc sine; c0 in two parts
+    simd::Splat<double> c1{0x1.3333333333393p-4}, c2{0x1.6db6db6daaec6p-5}, c3{0x1.f1c71c7b24b24p-6},
+        c4{0x1.6e8ba0fe61e49p-6}, c5{0x1.1c4f00df61a05p-6}, c6{0x1.c99021d5dec28p-7}, c7{0x1.7b08debc9643ap-7},
+        c8{0x1.3b16d064ceae8p-7}, c9{0x1.327ac353762e9p-7}, c10{0x1.7ed58e452e65ap-9}, c11{0x1.453e913b2e5a3p-6},
+        c12{-0x1.42074f4c14ab5p-6}, c13{0x1.e955ca996855bp-6};
     simd::Splat<double> c0_high{0x1.55p-3}, c0_low{0x1.5555555555535p-13};
     // The same of degree 5: 2^-30
     simd::Splat<double> short_c0{0x1.555554d58f2d3p-3}, short_c1{0x1.3334481d0d2b1p-4}, short_c2{0x1.6d55e6da3b11cp-5},
@@ -37,7 +37,7 @@ struct AsinParts {
     __m128d high, low, folded;
 };
 
-enum class AsinForm { exact, plain, rough };  // "HA", "LA", "EP"
+enum class AsinForm { exact, rough };  // "HA", "EP"
 
 template <AsinForm Form>
 inline __m128d asin_polynomial(const AsinBlock& K, __m128d z) {
@@ -67,8 +67,6 @@ inline AsinParts asin_parts(const AsinBlock& K, __m128d x) {
     __m128d low;
     if constexpr (Form == AsinForm::rough) {
         low = (w * z) * p;
-    } else if constexpr (Form == AsinForm::plain) {
-        low = (w * z) * (K.c0 + z * p);
     } else {
         const __m128d w_high = simd::bit_and(w, simd::doubles(K.upper)), w_low = w - w_high;
         const __m128d left = ((z_folded - w_high * w_high) - (w_high + w_high) * w_low) - w_low * w_low;

@@ -117,7 +117,7 @@ inline double angle(double a, double b, bool minus) {
     if (a == 0 || b == infinity) return minus ? part_of_turn<Turn>(8) : 0.0;
     if (b == 0) return part_of_turn<Turn>(4);
     int a_exponent, b_exponent;
-    const double a_part = std::frexp(a, &a_exponent), b_part = std::frexp(b, &b_exponent);
+    const double a_part = fraction_of(a, &a_exponent), b_part = fraction_of(b, &b_exponent);
     const int apart = a_exponent - b_exponent;
     if (apart > 70) return part_of_turn<Turn>(4);
     if (apart < -70) return minus ? part_of_turn<Turn>(8) : scaled_quotient<K>(a_part, b_part, apart);

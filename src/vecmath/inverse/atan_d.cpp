@@ -16,7 +16,7 @@ using vecmath::AtanBlock;
 double tiny_over_pi(double x) {
     constexpr const AtanBlock& K = atan_half_turns;
     int exponent;
-    const double m = 4 * std::frexp(x, &exponent);
+    const double m = 4 * vecmath::fraction_of(x, &exponent);
     const double high = std::bit_cast<double>(std::bit_cast<uint64_t>(m) & K.upper.lanes[0]);
     const double minor = (m - high) * double{K.inv_pi_high} + m * double{K.inv_pi_low};
     return vecmath::scaled_sum(high * double{K.inv_pi_high}, minor, exponent - 2);

@@ -50,11 +50,11 @@ struct Pow3o2 : frame::OneInput<double, 4, frame::Tail::masked> {
     static int32_t scalar(const double* a, double* y) {
         return vecmath::pow3o2_cases(*a, y, [](double x, double* result) {
             int exponent;
-            const double m = std::frexp(x, &exponent);  // in [1/2, 1)
-            const int quarter = (exponent - 1) >> 1;    // x = 4^quarter m', m' in [1, 4)
+            const double m = vecmath::fraction_of(x, &exponent);  // in [1/2, 1)
+            const int quarter = (exponent - 1) >> 1;              // x = 4^quarter m', m' in [1, 4)
             const Sum sum = parts(simd::splat(std::ldexp(m, exponent - 2 * quarter)));
             int octave;
-            const double high = 2 * std::frexp(_mm_cvtsd_f64(sum.high), &octave);  // in [1, 2)
+            const double high = 2 * vecmath::fraction_of(_mm_cvtsd_f64(sum.high), &octave);  // in [1, 2)
             const double rest = std::ldexp(_mm_cvtsd_f64(sum.rest), 1 - octave);
             const int n = 3 * quarter + octave - 1;
             if (n > 1024)
