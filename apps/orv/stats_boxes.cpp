@@ -39,7 +39,8 @@ std::string panel(const std::string& name, const double* quantiles, double least
     }
     // A scale has a length in which its tics differ, whatever the numbers.
     const double largest = std::max(std::fabs(low), std::fabs(high));
-    const double margin = std::max({0.05 * (high - low), (high > low ? 1e-12 : 0.05) * largest, 1e-300});
+    const double least_margin = largest == 0 ? 1 : (high > low ? 1e-12 : 0.05) * largest;
+    const double margin = std::max({0.05 * (high - low), least_margin, 1e-300});
     if (!finite || !std::isfinite(margin) || !std::isfinite(high + margin) || !std::isfinite(low - margin))
         return script +
                "unset ytics\nset yrange [0:1]\nset label 'nan' at graph 0.5,0.5 center\nplot 2 notitle\nset ytics "

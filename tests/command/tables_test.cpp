@@ -289,6 +289,7 @@ TEST_F(Command, Draws) {
         {"stats", "a,b\n1,3\n1,4\n", {">1.00<"}},  // without a spread, nan
         {"stats --quantiles 0.05,0.9", "a%s,b\n1,3\n2,4\n7,3\n", {">a%s<", "order 0.05 to order 0.9,"}},
         {"stats --stream-quantiles 0.1", "a,b,c\n1,inf,1e308\n1,-inf,-1e308\n", {"nan", "from order 0.05 to"}},
+        {"stats --quantiles 0.5", "a,z\n1000000000000000,0\n1000000000000000.25,0\n", {"1e+15", "-0.5"}},
         {"stats --outliers", far, {"outliers", "passed by one normal row in forty"}},
         {"stats --robust", far, {"robust", "mean and covariance"}},
         {"accuracy Exp --type s --points 3000", "", {"Exp in float", "argument", "error, ulp", "HA: 0.5"}},
