@@ -29,7 +29,7 @@ struct Path {
 double normal(double x) { return std::erfc(-x / std::sqrt(2.0)) / 2; }
 double exponential_cdf(double x) { return -std::expm1(-x); }
 double laplace_cdf(double x) { return x < 0 ? std::exp(x) / 2 : 1 - std::exp(-x) / 2; }
-double cauchy_cdf(double x) { return 0.5 + std::atan(x) / M_PI; }
+double cauchy_cdf(double x) { return 0.5 + std::atan(x) / std::numbers::pi; }
 double weibull_cdf(double x) { return -std::expm1(-std::pow(x, 1.5)); }
 double gumbel_cdf(double x) { return -std::expm1(-std::exp(x)); }
 template <int thousandths>
