@@ -5,6 +5,7 @@
 #include "distrib/incomplete.h"
 
 #include <cstdlib>
+#include <numbers>
 
 using namespace orv::test;
 
