@@ -44,12 +44,77 @@ void tanh_rows(const Output& output) {
     }
 }
 
+// 2^e.
+Real power_of_two(int e) { return exp2(Real(e)); }
+
+// A row for each 32nd part of an octave, each with its middle: `place` 1 + 32 e + j serves 2^(e-5) (1 + [j, j + 1] / 32).
+Real middle(int place) {
+    const int octave = place > 0 ? (place - 1) / 32 : (place - 32) / 32;
+    return Real(1.0 + (place - 1 - 32 * octave + 0.5) / 32) * power_of_two(octave - 5);
+}
+
+// Row 0 serves x below 2^-5, and has c = 0; rows 1 to 129 the places 1 to 129 of x up to 1/2. Behind them stand the places
+// from -1535 to 128 of 1 - x from 2^-53 to 1/2, where c is 1 less the middle.
+void atanh_rows(const Output& output) {
+    Table table(output, "atanh_rows", "atanh c high and low");
+    const auto row = [&](const Real& above, const Real& below) {
+        const auto [high, low] = Table::split(log(above / below) / Real(2));
+        table.row({high, low});
+    };
+    row(Real(1), Real(1));
+    for (int place = 1; place <= 129; ++place) row(Real(1) + middle(place), Real(1) - middle(place));
+    for (int place = -1535; place <= 128; ++place) row(Real(2) - middle(place), middle(place));
+}
+
+// Row k: half the difference and half the sum of 2^(j/64) and 2^(-2n - j/64), k being 64 n + j.
+void sinh_cosh_rows(const Output& output) {
+    Table table(output, "sinh_cosh_rows", "(2^(j/64) - 2^(-2n - j/64)) / 2, (2^(j/64) + 2^(-2n - j/64)) / 2");
+    for (int k = 0; k < 64 * 28; ++k) {
+        const Real up = exp2(Real(k % 64) / Real(64)) / Real(2);
+        const Real down = exp2(Real(-2 * (k / 64)) - Real(k % 64) / Real(64)) / Real(2);
+        table.row({to_double(up - down), to_double(up + down)});
+    }
+}
+
+// Places of the sine, with row 0 for what is below 2^-5, then places of the cosine from `first` on or, where that is 0, a row 0 for
+// 1: c, the cosine of c's angle, and what `angle` makes of c.
+template <class Angle>
+void sine_rows(Table& table, int first, Angle angle) {
+    constexpr int last = 142;  // up to the root of 1/2
+    const auto row = [&](const Real& c) {
+        const Real cosine = sqrt((Real(1) - c) * (Real(1) + c));
+        const auto [high, low] = Table::split(angle(c));
+        table.row({to_double(c), to_double(cosine), high, low});
+    };
+    for (int place = 0; place <= last; ++place) row(place == 0 ? Real(0) : middle(place));
+    for (int place = first; place <= last; ++place) {
+        const Real cosine = place == 0 && first == 0 ? Real(0) : middle(place);
+        row(Real(to_double(sqrt(Real(1) - cosine * cosine))));
+    }
+}
+void asin_rows(const Output& output, const std::string& name, const Real& unit) {
+    Table table(output, name, "c, cosine, asin c high and low");
+    sine_rows(table, 0, [&](const Real& c) { return asin(c) / unit; });
+}
+// Of arguments below 0, with c for -c; then of the others.
+void acos_rows(const Output& output, const std::string& name, const Real& unit) {
+    Table table(output, name, "c, sine, acos of -c or c high and low");
+    sine_rows(table, 0, [&](const Real& c) { return acos(-c) / unit; });
+    sine_rows(table, -671, [&](const Real& c) { return acos(c) / unit; });
+}
+
 }  // namespace
 
 void inverse_tables(const Output& output) {
     atan_rows(output, "atan_rows", Real(1));
     atan_rows(output, "atanpi_rows", pi());
     tanh_rows(output);
+    atanh_rows(output);
+    sinh_cosh_rows(output);
+    asin_rows(output, "asin_rows", Real(1));
+    asin_rows(output, "asinpi_rows", pi());
+    acos_rows(output, "acos_rows", Real(1));
+    acos_rows(output, "acospi_rows", pi());
 }
 
 }  // namespace tablegen
