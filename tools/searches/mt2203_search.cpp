@@ -7,8 +7,9 @@
 // from where FILE ends when it is started again. Constants with a factor of degree up to 24 fall to a sieve: the residue by such
 // a factor is affine in the constant, so that the constants to strike form an affine space.
 //
-// Masks that reach the least dimensions of the first members at every number of bits exist for about one constant in 28. Bits
-// 1, 10 and 17 set and bit 3 clear make that two to three times as many; the top bit is set, being the polynomial's last term.
+// Masks that reach the least dimensions of the first members at every number of bits exist for one constant in 28. With bits
+// 1, 10 and 17 set and bit 3 clear they do for one in 21; the top bit is set, being the polynomial's last term, and bit 28 to
+// leave no more constants than are needed.
 #include <bit>
 #include <cstdio>
 #include <cstdlib>
