@@ -156,9 +156,7 @@ TEST(ExhaustiveMt2203Table, AllMembersAreIrreducible) {
 }
 
 // The least dimensions that the four first members reach, and with them every other.
-constexpr struct {
-    int v, k;
-} required[] = {{2, 1101}, {3, 705}, {4, 548}, {8, 274}, {16, 137}, {32, 68}};
+constexpr struct { int v, k; } required[] = {{2, 1101}, {3, 705}, {4, 548}, {8, 274}, {16, 137}, {32, 68}};
 
 TEST(Mt2203Table, SpreadMembersAreEquidistributed) {
     for (const auto& [v, k] : required)
