@@ -18,31 +18,27 @@ int main(int argc, char** argv) {
     auto irreducible = std::make_unique<mt2203::Irreducibility>();
     auto masks = std::make_unique<mt2203::MaskSearch>();
     std::set<uint32_t> twists;
-    std::map<int, int> rows_with_gap, deepest, rows_with_defect;  // by v for `deepest`
-    int rows = 0, reducible = 0;
+    std::map<int, int> rows_with_defect;
+    int rows = 0, reducible = 0, reaching = 0;
     mt2203::Member member;
     while (std::fscanf(file, " {%x, %x, %x},", &member.twist, &member.mask_b, &member.mask_c) == 3) {
         ++rows;
         twists.insert(member.twist);
         if (!(*irreducible)(polynomial(member.twist))) ++reducible;
         const mt2203::Profile profile = masks->profile(member);
-        int gap = 0, defect = 0;
+        bool reaches = true;
+        int defect = 0;
         for (int v = 1; v <= 32; ++v) {
-            const int below = std::max(0, masks->least()[v] - profile[v]);
-            gap += below;
-            deepest[v] = std::max(deepest[v], below);
+            reaches = reaches && profile[v] >= masks->least()[v];
             defect += 2203 / v - profile[v];
         }
-        ++rows_with_gap[gap];
+        reaching += reaches;
         ++rows_with_defect[defect / 5 * 5];
     }
     std::printf("%d rows, %zu different constants, %d reducible\n", rows, twists.size(), reducible);
-    std::printf("%d rows reach the least dimensions of the first members at every v\n", rows_with_gap[0]);
-    std::printf("the most that a row stays below them:");
-    for (const auto& [v, below] : deepest)
-        if (below > 0) std::printf(" %d at v = %d,", below, v);
-    std::printf("\nrows by the sum of floor(2203 / v) - k(v):");
+    std::printf("%d rows reach the least dimensions of the first members at every v\n", reaching);
+    std::printf("rows by the sum of floor(2203 / v) - k(v):");
     for (const auto& [defect, count] : rows_with_defect) std::printf(" %d: %d,", defect, count);
     std::printf("\n");
-    return reducible != 0 || twists.size() != static_cast<size_t>(rows);
+    return reducible != 0 || reaching != rows || twists.size() != static_cast<size_t>(rows);
 }

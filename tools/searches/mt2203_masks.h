@@ -8,7 +8,7 @@
 
 #include "mt2203_lattice.h"
 
-// Tempering masks for a twist constant by a search with backtracking. Output bit i, counted from the top, depends on bits i and i + 15
+// Tempering masks for a twist constant by an exhaustive search with backtracking. Output bit i, counted from the top, depends on bits i and i + 15
 // of the first mask and on bit i of the second (the shifts are 7 and 15, the masks' low 7 and 15 bits are without effect),
 // and from bit 18 on only on what stands fixed by then. So the masks grow from the top, and k(v) is looked at as soon
 // as the bits of level v stand.
@@ -49,31 +49,15 @@ public:
     const Profile& least() const { return least_; }
     Profile profile(const Member& member) { return lattice_.profile(member); }
 
-    // Masks whose dimensions lie at most `slack` below the least ones, if there are any.
-    std::optional<Member> operator()(uint32_t twist, const Profile& slack, bool anywhere) {
-        for (int v = 1; v <= 32; ++v) required_[v] = least_[v] - slack[v];
-        for (const Member& start : beginnings) {
-            looks_left_ = 1500;
-            const Member member = {twist, start.mask_b, start.mask_c};
-            if (!reaches(member, 3, 2)) continue;
-            if (const auto found = extend(member, 4)) return found;
-        }
-        looks_left_ = 1500;
-        return anywhere ? extend({twist, 0, 0}, 1) : std::nullopt;
-    }
+    // Masks whose dimensions reach the least ones, if there are any.
+    std::optional<Member> operator()(uint32_t twist) { return extend({twist, 0, 0}, 1); }
 
 private:
-    // The bits of the first three levels under which most masks are found; then all.
-    static constexpr std::array<Member, 3> beginnings = {
-        {{0, 0x60014000, 0xE0000000}, {0, 0xC000C000, 0xE0000000}, {0, 0xA000C000, 0xE0000000}}};
-
     Lattice<69> lattice_;
     Profile least_;
-    Profile required_;
-    int looks_left_;
 
     bool reaches(const Member& member, int first, int last) {
-        return lattice_.each_dimension(member, first, last, [this](int v, int k) { return k >= required_[v]; });
+        return lattice_.each_dimension(member, first, last, [this](int v, int k) { return k >= least_[v]; });
     }
 
     std::optional<Member> extend(const Member& member, int v) {
@@ -81,7 +65,6 @@ private:
         for (int choice = 0; choice < 8; ++choice) {
             Member longer;
             if (!lengthen(member, v, choice, longer)) continue;
-            if (--looks_left_ < 0) return std::nullopt;
             if (!reaches(longer, v, v)) continue;
             if (const auto found = extend(longer, v + 1)) return found;
         }

@@ -1,15 +1,15 @@
 // Finds the members of the MT2203 family: twist constants whose recurrence has an irreducible characteristic
 // polynomial (2203 is a Mersenne exponent, so that it is primitive), each with tempering masks.
 //
-//     mt2203_search FILE COUNT [THREADS [GRADE]]
+//     mt2203_search FILE COUNT [THREADS]
 //
-// writes lines "twist mask_b mask_c grade" and "block N: ..." to FILE until COUNT members stand in finished blocks, and goes on
-// from where FILE ends when it is started again. Of the constants the top bit is set (it is the polynomial's last
-// term) and eight more are fixed. Those with a factor of degree up to 24 fall to a sieve: the residue by such a
-// factor is affine in the constant, so that the constants to strike form an affine space.
+// writes lines "twist mask_b mask_c" and "block N: ..." to FILE until COUNT members stand in finished blocks, and goes on
+// from where FILE ends when it is started again. Constants with a factor of degree up to 24 fall to a sieve: the residue by such
+// a factor is affine in the constant, so that the constants to strike form an affine space.
 //
-// Masks that reach the least dimensions of the first members at every number of bits exist for about one constant in
-// fifteen. With a GRADE above 0 they may fall short by a few, the less the better.
+// Masks that reach the least dimensions of the first members at every number of bits exist for one constant in 28. With bits
+// 1, 10 and 17 set and bit 3 clear they do for one in 21; the top bit is set, being the polynomial's last term, and bit 28 to
+// leave no more constants than are needed.
 #include <bit>
 #include <cstdio>
 #include <cstdlib>
@@ -25,33 +25,21 @@
 
 namespace {
 
-constexpr int free_bits = 23;
 constexpr int sieve_degree = 24;
 constexpr size_t block_size = 128;
 
-// The bits of an ordinal go to all places of the constant but 31 and each fourth from 28 down.
-constexpr uint32_t fixed_bits = 0x90101010;
+// The bits of an ordinal go to the places of the constant that are not fixed.
+constexpr uint32_t fixed_places = 0x9002040A;
+constexpr uint32_t fixed_bits = 0x90020402;
+constexpr int free_bits = std::popcount(~fixed_places);
 
 constexpr std::array<int, free_bits> place_of_bit = [] {
     std::array<int, free_bits> place{};
     int k = 0;
-    for (int bit = 0; bit < 31; ++bit)
-        if (bit % 4 != 0) place[k++] = bit;
+    for (int bit = 0; bit < 32; ++bit)
+        if ((fixed_places >> bit & 1) == 0) place[k++] = bit;
     return place;
 }();
-
-// How far a member may stay below the least dimensions of the first ones, by grades: nothing; then 5 of 705 at three bits, 2
-// of 548 at four bits and at eleven, 1 at the others from five to sixteen; then twice and three times that, and 1 elsewhere.
-constexpr int grades = 4;
-constexpr mt2203::Profile slack(int grade) {
-    mt2203::Profile of{};
-    for (int v = 5; v <= 16; ++v) of[v] = grade;
-    for (int v = 17; v <= 32; ++v) of[v] = grade / 2;
-    of[2] = grade > 1 ? grade - 1 : 0;
-    of[3] = 5 * grade;
-    of[4] = of[11] = 2 * grade;
-    return of;
-}
 
 uint32_t constant_of(uint32_t ordinal) {
     uint32_t constant = fixed_bits;
@@ -191,10 +179,9 @@ Progress read_progress(const char* path, size_t blocks) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc < 3) return std::fprintf(stderr, "usage: mt2203_search FILE COUNT [THREADS [GRADE]]\n"), 2;
+    if (argc < 3) return std::fprintf(stderr, "usage: mt2203_search FILE COUNT [THREADS]\n"), 2;
     const size_t wanted = std::strtoul(argv[2], nullptr, 10);
     const unsigned threads = argc > 3 ? static_cast<unsigned>(std::atoi(argv[3])) : 1;
-    const int worst = argc > 4 ? std::atoi(argv[4]) : 0;
     const std::vector<uint32_t> ordinals = sieve();
     const size_t blocks = ordinals.size() / block_size;
     std::fprintf(stderr, "%zu constants left by the sieve\n", ordinals.size());
@@ -224,13 +211,10 @@ int main(int argc, char** argv) {
                 const uint32_t twist = constant_of(ordinals[k]);
                 if (!(*irreducible)(polynomial(twist), sieve_degree)) continue;
                 ++irreducible_ones;
-                std::optional<mt2203::Member> member;
-                int grade = 0;
-                for (; grade <= worst; ++grade)
-                    if ((member = (*masks)(twist, slack(grade), grade > 0 && grade == worst))) break;
+                const std::optional<mt2203::Member> member = (*masks)(twist);
                 if (!member) continue;
                 char line[100];
-                std::snprintf(line, sizeof line, "%08X %08X %08X %d\n", twist, member->mask_b, member->mask_c, grade);
+                std::snprintf(line, sizeof line, "%08X %08X %08X\n", twist, member->mask_b, member->mask_c);
                 lines += line;
                 ++found;
             }

@@ -1,4 +1,4 @@
-// Tables of the inverse trigonometric functions and of the hyperbolic tangent.
+// Tables of the inverse trigonometric functions, of the hyperbolic functions and of the inverse hyperbolic tangent.
 #include "tablegen.h"
 
 namespace tablegen {
@@ -44,6 +44,28 @@ void tanh_rows(const Output& output) {
     }
 }
 
+// By quarters, up to where floats overflow.
+void sinh_cosh_quarters(const Output& output) {
+    Table table(output, "sinh_cosh_quarters", "sinh k/4, cosh k/4");
+    for (int k = 0; k <= 358; ++k) {
+        const Real power = exp(Real(k * 0.25)), inverse = Real(1) / power;
+        table.row({to_double((power - inverse) / Real(2)), to_double((power + inverse) / Real(2))});
+    }
+}
+
+// Rows by u = 2x / (1 - x). Row 0 serves what is below 2^-4, and has c = 0. Row 1 + 8 e + j serves 2^(e-4) (1 + [j, j + 1] / 8), and
+// c is the x in its middle. 1 - 2^-24 has a u next to 2^25.
+void atanh_rows(const Output& output) {
+    Table table(output, "atanh_rows", "c, artanh c");
+    table.row({0.0, 0.0});
+    for (int place = 0; place <= 8 * 29; ++place) {
+        Real u((1.0 + (place % 8 + 0.5) / 8) / 16);
+        for (int e = 0; e < place / 8; ++e) u = u * Real(2);
+        const double c = to_double(u / (Real(2) + u));
+        table.row({c, to_double(log((Real(1) + Real(c)) / (Real(1) - Real(c))) / Real(2))});
+    }
+}
+
 // 2^e.
 Real power_of_two(int e) { return exp2(Real(e)); }
 
@@ -55,8 +77,8 @@ Real middle(int place) {
 
 // Row 0 serves x below 2^-5, and has c = 0; rows 1 to 129 the places 1 to 129 of x up to 1/2. Behind them stand the places
 // from -1535 to 128 of 1 - x from 2^-53 to 1/2, where c is 1 less the middle.
-void atanh_rows(const Output& output) {
-    Table table(output, "atanh_rows", "atanh c high and low");
+void atanh_pair_rows(const Output& output) {
+    Table table(output, "atanh_pair_rows", "atanh c high and low");
     const auto row = [&](const Real& above, const Real& below) {
         const auto [high, low] = Table::split(log(above / below) / Real(2));
         table.row({high, low});
@@ -109,7 +131,9 @@ void inverse_tables(const Output& output) {
     atan_rows(output, "atan_rows", Real(1));
     atan_rows(output, "atanpi_rows", pi());
     tanh_rows(output);
+    sinh_cosh_quarters(output);
     atanh_rows(output);
+    atanh_pair_rows(output);
     sinh_cosh_rows(output);
     asin_rows(output, "asin_rows", Real(1));
     asin_rows(output, "asinpi_rows", pi());

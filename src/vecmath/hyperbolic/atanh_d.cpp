@@ -35,7 +35,7 @@ struct AtanhBlock {
     simd::SplatBits<uint32_t> behind{small_rows + least_place}, below_one{0x3FEFFFFF};
     alignas(16) double rows[atanh_rows][2] = {
     // atanh c high and low
-#include "vecmath/tables/atanh_rows.inc"
+#include "vecmath/tables/atanh_pair_rows.inc"
     };
 };
 constexpr AtanhBlock K;

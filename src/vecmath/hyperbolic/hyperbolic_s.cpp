@@ -1,7 +1,14 @@
 // sAsinh, sAcosh, sAtanh in double, all accuracies alike, and sSinh, sCosh, sTanh, "HA".
 //
-// The inverse functions by the logarithm of one double (pow_ep_d.h), which is good to 2^-52 of itself: x^2, and next to 1 the
-// difference x^2 - 1, are exact for a float x. Below 1/8 asinh and atanh are odd polynomials.
+// asinh and acosh are by the logarithm of one double (pow_ep_d.h), which is good to 2^-52 of itself: x^2, and next to 1 the
+// difference x^2 - 1, are exact for a float x. Below 1/8 asinh is an odd polynomial.
+//
+// atanh is by rows: c next to |x|, and
+//
+//   atanh |x| = atanh c + atanh t,  t = (|x| - c) / (1 - c |x|),  atanh t = t + t^3 P(t^2),  t up to 1/32.
+//
+// The exponent and the three leading fraction bits of 2x / (1 - x), which is e^(2 atanh x) - 1, select the row; a rough reciprocal
+// is good enough for that. Below 1/33 c is 0 and t is x.
 #include "vecmath/hyperbolic/hyperbolic_s.h"
 #include "vecmath/power/pow_ep_d.h"
 
@@ -9,6 +16,7 @@ namespace {
 
 using namespace orv;
 using simd::Splat;
+using simd::SplatBits;
 
 constexpr vecmath::PowEpDBlock logarithm;
 
@@ -16,9 +24,15 @@ struct InverseBlock {
     // fpminimax((asinh(sqrt(x))/sqrt(x)-1)/x, 3, [|D...|], [2^-40;2^-6], absolute): 2^-42 of the result
     Splat<double> s0{-0x1.55555554fc6a8p-3}, s1{0x1.33332da03a1aap-4}, s2{-0x1.6da8df0effc2fp-5},
         s3{0x1.e6850944abfe6p-6};
-    // The same of atanh: 2^-40
-    Splat<double> t0{0x1.5555555494dbp-2}, t1{0x1.9999a59708c0fp-3}, t2{0x1.24835b9aced7dp-3}, t3{0x1.d2f8f3944357cp-4};
-    Splat<double> one{1.0}, half{0.5}, eighth{0.125}, quarter{0.25};
+    // fpminimax((atanh(sqrt(x))/sqrt(x)-1)/x, 1, [|D...|], [2^-60;1/900], absolute): 2^-35
+    Splat<double> t0{0x1.555553da18cf9p-2}, t1{0x1.99ece46de25bbp-3};
+    Splat<double> one{1.0}, eighth{0.125};
+    Splat<float> one_s{1.0f};
+    SplatBits<uint32_t> before_first{((127 - 4) << 3) - 1}, no_row{0};
+    alignas(16) double rows[234][2] = {
+    // c, atanh c
+#include "vecmath/tables/atanh_rows.inc"
+    };
 };
 constexpr InverseBlock K;
 
@@ -33,11 +47,12 @@ inline __m128d asinh_lanes(__m128d v) {
     return simd::bit_or(simd::select(small, odd(simd::bit_and(small, x), K.s0, K.s1, K.s2, K.s3), y), simd::sign_of(v));
 }
 inline __m128d acosh_lanes(__m128d x) { return vecmath::ln_ep<logarithm>(x + _mm_sqrt_pd(x * x - K.one)); }
-inline __m128d atanh_lanes(__m128d v) {
-    const __m128d x = simd::magnitude(v), small = simd::less(x, K.eighth);
-    const __m128d w = simd::select(small, K.quarter, x);
-    const __m128d y = vecmath::ln_ep<logarithm>((K.one + w) / (K.one - w)) * K.half;
-    return simd::bit_or(simd::select(small, odd(x, K.t0, K.t1, K.t2, K.t3), y), simd::sign_of(v));
+// By two rows.
+inline __m128d atanh_lanes(const double* row0, const double* row1, __m128d x) {
+    const __m128d first = _mm_load_pd(row0), second = _mm_load_pd(row1);
+    const __m128d c = _mm_unpacklo_pd(first, second), atanh_c = _mm_unpackhi_pd(first, second);
+    const __m128d t = (x - c) / (K.one - c * x), z = t * t;
+    return atanh_c + (t + (t * z) * (K.t0 + z * K.t1));
 }
 
 struct Asinh : frame::OneInput<float, 4, frame::Tail::masked> {
@@ -71,9 +86,18 @@ struct Acosh : frame::OneInput<float, 4, frame::Tail::masked> {
     }
 };
 
-struct Atanh : frame::OneInput<float, 4, frame::Tail::masked> {
+struct Atanh : frame::OneInput<float, 8, frame::Tail::masked> {
     static __m128 doubt(__m128 x) { return vecmath::magnitude_beyond(x, 0x3F7FFFFF); }
-    static __m128 lanes(__m128 x) { return vecmath::by_double(x, atanh_lanes); }
+    static __m128 lanes(__m128 x) {
+        const __m128 size = simd::magnitude(x);
+        const __m128i key = simd::bits_of((size + size) * simd::rough_reciprocal(K.one_s - size));
+        const __m128i place = simd::subtract_32(simd::shift_right_32<20>(key), K.before_first);
+        const simd::Indices<4> at(_mm_max_epi32(place, K.no_row));
+        const auto row = [&](int lane) { return K.rows[at.lane[lane]]; };
+        const __m128 y = simd::narrow(atanh_lanes(row(0), row(1), simd::widen_low(size)),
+                                      atanh_lanes(row(2), row(3), simd::widen_high(size)));
+        return simd::bit_or(y, simd::sign_of(x));
+    }
     static int32_t scalar(const float* at, float* y) {
         const float x = *at;
         if (vecmath::is_nan(x)) {
