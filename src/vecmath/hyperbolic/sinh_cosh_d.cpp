@@ -18,7 +18,7 @@ inline int32_t large(double magnitude, double* y) {
     }
     const vecmath::HyperbolicRow row = vecmath::hyperbolic_row(simd::splat(magnitude));
     const int n = static_cast<int>(_mm_cvtsd_f64(row.k)) >> vecmath::row_bits;
-    *y = vecmath::scaled_sum(_mm_cvtsd_f64(row.c), _mm_cvtsd_f64(vecmath::cosh_less_c(row)), n);
+    *y = vecmath::scaled_sum(2 * _mm_cvtsd_f64(row.c), 2 * _mm_cvtsd_f64(vecmath::cosh_less_c(row)), n - 1);
     return *y > std::numeric_limits<double>::max() ? frame::status_overflow : frame::status_ok;
 }
 
