@@ -36,7 +36,7 @@ long double atan2pi(long double a, long double b) { return atan2l(a, b) / pi; }
 
 std::vector<Function> inverse_functions() {
     const std::vector<Range> sines = {{-1, 1}, {0.4, 0.6}, {-0.6, -0.4}, {0.99, 1}};
-    const std::vector<double> sine_points = {0.5, 0x1p-27, 0x1p-200, 0x1p-900, 0x1p-1022};
+    const std::vector<double> sine_points = {0.5, 0x1p-5, 0x1.6a09e667f3bcdp-1, 0x1p-27, 0x1p-200, 0x1p-900, 0x1p-1022};
     const std::vector<Range> tangents = {{-10, 10}, {-1, 1}, {0.02, 0.08}, {40, 90}};
     const std::vector<double> tangent_points = {0x1p-5, 0x1p+6, 0x1p+100, 0x1p-200, 0x1p-900, 0x1p-1022, 0x1p+60};
     return {
@@ -92,7 +92,7 @@ std::vector<Function> hyperbolic_functions() {
          EXACT(mpfr_atanh),
          good(FAST(atanhl)),
          {{-1, 1}, {-0.2, 0.2}, {0.99, 1}},
-         {0.125, 0.5, 0x1p-200}},
+         {0x1p-5, 0.5, 0x1p-200}},
     };
 }
 

@@ -83,7 +83,7 @@
     CARD(Tanh, "the hyperbolic tangent of a", "Infinities give 1 with their sign, zeros come back.", "In s LA gives up the last bit for speed.", "P. T. P. Tang, Table-lookup algorithms for elementary functions, ARITH 10 (1991)") \
     CARD(Acosh, "the inverse hyperbolic cosine of a", "Below 1 a NaN, reported as domain; 1 gives +0, plus infinity comes back.", "", "ln(a + sqrt(a^2 - 1)) in two parts") \
     CARD(Asinh, "the inverse hyperbolic sine of a", "Infinities and zeros come back.", "", "ln(a + sqrt(a^2 + 1)) in two parts") \
-    CARD(Atanh, "the inverse hyperbolic tangent of a", "Beyond 1 in magnitude a NaN, reported as domain; 1 and -1 give infinities, reported as singularity; zeros come back.", "", "ln((1 + a) / (1 - a)) / 2 in two parts") \
+    CARD(Atanh, "the inverse hyperbolic tangent of a", "Beyond 1 in magnitude a NaN, reported as domain; 1 and -1 give infinities, reported as singularity; zeros come back.", "", "P. T. P. Tang, Table-lookup algorithms for elementary functions, ARITH 10 (1991)") \
     CARD(Erf, "the error function", "Infinities give 1 of their sign; zeros come back.", "Keeps its relative accuracy next to zero; from 5.93 on 1.", "A table of erf and its derivative, with Taylor's series between") \
     CARD(Erfc, "the complementary error function: 1 - erf(a)", "Infinity gives +0, minus infinity 2. Above 26.54 (s: 9.19) a subnormal or zero, reported as underflow.", "Keeps its relative accuracy far out.", "e^(-a^2) times an expansion of e^(a^2) erfc(a)") \
     CARD(CdfNorm, "the cumulative normal distribution function", "Infinity gives 1, minus infinity +0. Below -37.52 (s: -12.98) a subnormal or zero, reported as underflow.", "Keeps its relative accuracy in the lower tail.", "As Erfc") \

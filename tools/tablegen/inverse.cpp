@@ -66,6 +66,63 @@ void atanh_rows(const Output& output) {
     }
 }
 
+// 2^e.
+Real power_of_two(int e) { return exp2(Real(e)); }
+
+// A row for each `parts` parts of an octave, each with its middle: `place` 1 + parts e + j serves 2^(e + first) (1 + [j, j + 1] / parts).
+Real middle(int place, int parts, int first) {
+    const int j = ((place - 1) % parts + parts) % parts, octave = (place - 1 - j) / parts;
+    return Real(1.0 + (j + 0.5) / parts) * power_of_two(octave + first);
+}
+
+// Row 0 serves x below 2^-5, and has c = 0; rows 1 to 129 the places 1 to 129 of x up to 1/2. Behind them stand the places
+// from -1535 to 128 of 1 - x from 2^-53 to 1/2, where c is 1 less the middle.
+void atanh_pair_rows(const Output& output) {
+    Table table(output, "atanh_pair_rows", "atanh c high and low");
+    const auto row = [&](const Real& above, const Real& below) {
+        const auto [high, low] = Table::split(log(above / below) / Real(2));
+        table.row({high, low});
+    };
+    row(Real(1), Real(1));
+    for (int place = 1; place <= 129; ++place) row(Real(1) + middle(place, 32, -5), Real(1) - middle(place, 32, -5));
+    for (int place = -1535; place <= 128; ++place) row(Real(2) - middle(place, 32, -5), middle(place, 32, -5));
+}
+
+// Row k: half the difference and half the sum of 2^(j/64) and 2^(-2n - j/64), k being 64 n + j.
+void sinh_cosh_rows(const Output& output) {
+    Table table(output, "sinh_cosh_rows", "(2^(j/64) - 2^(-2n - j/64)) / 2, (2^(j/64) + 2^(-2n - j/64)) / 2");
+    for (int k = 0; k < 64 * 28; ++k) {
+        const Real up = exp2(Real(k % 64) / Real(64)) / Real(2);
+        const Real down = exp2(Real(-2 * (k / 64)) - Real(k % 64) / Real(64)) / Real(2);
+        table.row({to_double(up - down), to_double(up + down)});
+    }
+}
+
+// By squares of sines, with row 0 for what is below 2^-10, then by squares of cosines from place `first` on or, where that is 0, a
+// row 0 for 1: c, the cosine of c's angle, and what `angle` makes of c.
+template <class Angle>
+void sine_rows(Table& table, int first, Angle angle) {
+    constexpr int last = 145;  // for 1/2
+    const auto row = [&](const Real& c_square) {
+        const Real c(to_double(sqrt(c_square)));
+        const auto [high, low] = Table::split(angle(c));
+        table.row({to_double(c), to_double(sqrt((Real(1) - c) * (Real(1) + c))), high, low});
+    };
+    const auto square = [](int place) { return middle(place, 16, -10); };
+    for (int place = 0; place <= last; ++place) row(place == 0 ? Real(0) : square(place));
+    for (int place = first; place <= last; ++place) row(Real(1) - (place == 0 && first == 0 ? Real(0) : square(place)));
+}
+void asin_rows(const Output& output, const std::string& name, const Real& unit) {
+    Table table(output, name, "c, cosine, asin c high and low");
+    sine_rows(table, 0, [&](const Real& c) { return asin(c) / unit; });
+}
+// Of arguments from 0 on; then of the others, with c for -c.
+void acos_rows(const Output& output, const std::string& name, const Real& unit) {
+    Table table(output, name, "c, sine, acos of c or -c high and low");
+    sine_rows(table, -671, [&](const Real& c) { return acos(c) / unit; });
+    sine_rows(table, 0, [&](const Real& c) { return acos(-c) / unit; });
+}
+
 }  // namespace
 
 void inverse_tables(const Output& output) {
@@ -74,6 +131,12 @@ void inverse_tables(const Output& output) {
     tanh_rows(output);
     sinh_cosh_quarters(output);
     atanh_rows(output);
+    atanh_pair_rows(output);
+    sinh_cosh_rows(output);
+    asin_rows(output, "asin_rows", Real(1));
+    asin_rows(output, "asinpi_rows", pi());
+    acos_rows(output, "acos_rows", Real(1));
+    acos_rows(output, "acospi_rows", pi());
 }
 
 }  // namespace tablegen

@@ -1,10 +1,10 @@
-// dAsinh, dAcosh, dAtanh, by the logarithm of a sum of two parts:
+// dAsinh and dAcosh, by the logarithm of a sum of two parts:
 //
-//   asinh x = ln(x + sqrt(x^2 + 1)),  acosh x = ln(x + sqrt(x^2 - 1)),  atanh x = 1/2 ln((1 + x) / (1 - x)).
+//   asinh x = ln(x + sqrt(x^2 + 1)),  acosh x = ln(x + sqrt(x^2 - 1)).
 //
-// The square, the root, the quotient and the sums carry their rounding errors, so that the argument of the logarithm is good
+// The square, the root and the sums carry their rounding errors, so that the argument of the logarithm is good
 // to twice the working precision also next to 1, where the result is small. The logarithm is that of dPow
-// (log2_exp2_d.h), in two parts; its product with ln 2 is rounded once. Below 1/8 asinh and atanh are odd polynomials,
+// (log2_exp2_d.h), in two parts; its product with ln 2 is rounded once. Below 1/8 asinh is an odd polynomial,
 // x + x^3 P(x^2).
 #include "vecmath/hyperbolic/inverse_d.h"
 
@@ -17,7 +17,6 @@ namespace {
 using namespace orv;
 constexpr const vecmath::InverseHyperbolicBlock& K = vecmath::inverse_hyperbolic;
 using vecmath::Pair;
-using vecmath::upper_26;
 
 struct Asinh : frame::OneInput<double, 4, frame::Tail::masked> {
     static __m128d doubt(__m128d x) {
@@ -69,46 +68,9 @@ struct Acosh : frame::OneInput<double, 4, frame::Tail::masked> {
     }
 };
 
-struct Atanh : frame::OneInput<double, 4, frame::Tail::masked> {
-    static __m128d doubt(__m128d x) {
-        return simd::doubles(_mm_cmpgt_epi32(_mm_and_si128(simd::bits_of(x), K.magnitude), K.below_one));
-    }
-    static __m128d lanes(__m128d x) {
-        const __m128d sign = simd::sign_of(x);
-        x = simd::magnitude(x);
-        const __m128d small = simd::less(x, K.eighth);
-        const __m128d w = simd::select(small, K.quarter, x);
-        const Pair above = vecmath::sum(K.one, w);
-        const __m128d below = K.one - w, below_low = (K.one - below) - w;
-        const __m128d q = above.high / below;
-        // What q below lacks of 1 + x, by halves.
-        const __m128d q_high = upper_26(q), q_low = q - q_high, b_high = upper_26(below), b_low = below - b_high;
-        const __m128d left = (((above.high - q_high * b_high) - q_high * b_low) - q_low * b_high) - q_low * b_low;
-        const __m128d more = (left + (above.low - q * below_low)) / below;
-        const __m128d y = vecmath::ln({q, more}) * K.half;
-        return simd::bit_or(simd::select(small, x + vecmath::atanh_rest(x), y), sign);
-    }
-    static int32_t scalar(const double* at, double* y) {
-        const double x = *at;
-        if (vecmath::is_nan(x)) {
-            *y = vecmath::quiet(x);
-            return frame::status_ok;
-        }
-        if (std::fabs(x) > 1) {
-            *y = vecmath::invalid<double>();
-            return frame::status_domain;
-        }
-        *y = x / vecmath::at_run_time(0.0);
-        return frame::status_singularity;
-    }
-};
-
 }  // namespace
 
 ORV_ONE_INPUT(dAsinh, la, Asinh)
 ORV_ONE_INPUT(dAsinh, ha, Asinh)
 ORV_ONE_INPUT(dAcosh, la, Acosh)
 ORV_ONE_INPUT(dAcosh, ha, Acosh)
-ORV_ONE_INPUT(dAtanh, la, Atanh)
-ORV_ONE_INPUT(dAtanh, ha, Atanh)
-ORV_ONE_INPUT(dAtanh, ep, Atanh)

@@ -21,13 +21,12 @@ struct InverseHyperbolicBlock {
     simd::Splat<double> t0{0x1.5555555555555p-2}, t1{0x1.999999999a199p-3}, t2{0x1.24924922d27cap-3},
         t3{0x1.c71c774654b29p-4}, t4{0x1.745882af14492p-4}, t5{0x1.3d3df83df69f4p-4}, t6{0x1.ef63dbd92c3cap-6},
         t7{0x1.641b5f86ad021p+0}, t8{-0x1.401a61393dcc2p+4};
-    simd::Splat<double> one{1.0}, half{0.5}, eighth{0.125}, quarter{0.25};
+    simd::Splat<double> one{1.0}, half{0.5}, eighth{0.125};
     simd::Splat<double> ln2{0x1.62e42fefa39efp-1}, ln2_high{0x1.62e42f8p-1}, ln2_low{0x1.be8e7bcd5e4f2p-27};
     simd::SplatBits<uint64_t> exponent_field{0x7FF0000000000000};
     simd::SplatBits<uint64_t> twice_bias{0x7FE0000000000000};
     simd::SplatBits<uint64_t> magnitude{0x7FFFFFFFFFFFFFFF};
-    simd::SplatBits<uint32_t> squares_from{(1023 - 200) << 20}, squares_to{((1023 + 500) << 20) - 1},
-        below_one{0x3FEFFFFF};
+    simd::SplatBits<uint32_t> squares_from{(1023 - 200) << 20}, squares_to{((1023 + 500) << 20) - 1};
 };
 inline constexpr InverseHyperbolicBlock inverse_hyperbolic;
 

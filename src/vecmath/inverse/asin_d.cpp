@@ -1,8 +1,8 @@
-// dAsin, dAcos, dAsinpi and dAcospi from the parts of asin_d.h, "LA" by asin_light_d.h: in radians, or in multiples of pi by
-// 1/pi in two parts.
+// dAsin, dAcos, dAsinpi and dAcospi: "LA" by asin_light_d.h, "HA" by asin_rows_d.h, "EP" by asin_d.h.
 #include "vecmath/inverse/asin_light_d.h"
 
 #include "frame/kernel_loops.h"
+#include "vecmath/inverse/atan_d.h"
 
 #include <math.h>
 
@@ -39,21 +39,17 @@ template <const AngleUnit& U, AsinForm Form>
 struct Asin : frame::OneInput<double, 4, frame::Tail::masked> {
     static __m128d doubt(__m128d x) {
         if constexpr (!U.pi) return outside(x);
-        const __m128i high = _mm_and_si128(simd::bits_of(x), K.magnitude);
-        const __m128d tiny = simd::doubles(_mm_cmpgt_epi32(K.products_from, high));
-        return simd::bit_or(outside(x), simd::bit_and_not(simd::equal(x, _mm_setzero_pd()), tiny));
+        // From products_from up to below 1, or 0.
+        const __m128i above = _mm_add_epi32(_mm_and_si128(simd::bits_of(x), K.magnitude), K.to_bottom);
+        return simd::bit_and_not(simd::equal(x, _mm_setzero_pd()),
+                                 simd::doubles(_mm_cmpgt_epi32(above, K.last_from_bottom)));
     }
     static __m128d lanes(__m128d x) { return vecmath::asin_lanes<U, Form>(x); }
     static int32_t scalar(const double* at, double* y) {
         return at_ends(*at, y, [](double x) {
             if (std::fabs(x) == 1)
                 return std::copysign(double{U.quarter_high} + vecmath::at_run_time(double{U.quarter_low}), x);
-            int exponent;
-            __m128d high = simd::splat(4 * vecmath::fraction_of(x, &exponent)), low = _mm_setzero_pd();
-            vecmath::scale_angle<U, AsinForm::exact>(high, low);
-            return std::copysign(vecmath::scaled_sum(std::fabs(_mm_cvtsd_f64(high)),
-                                                     std::copysign(1.0, x) * _mm_cvtsd_f64(low), exponent - 2),
-                                 x);
+            return std::copysign(vecmath::tiny_over_pi(std::fabs(x)), x);
         });
     }
 };

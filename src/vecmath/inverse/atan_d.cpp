@@ -12,16 +12,6 @@ using vecmath::atan_half_turns;
 using vecmath::atan_radians;
 using vecmath::AtanBlock;
 
-// x / pi for x next to the subnormals, rounded once.
-double tiny_over_pi(double x) {
-    constexpr const AtanBlock& K = atan_half_turns;
-    int exponent;
-    const double m = 4 * vecmath::fraction_of(x, &exponent);
-    const double high = std::bit_cast<double>(std::bit_cast<uint64_t>(m) & K.upper.lanes[0]);
-    const double minor = (m - high) * double{K.inv_pi_high} + m * double{K.inv_pi_low};
-    return vecmath::scaled_sum(high * double{K.inv_pi_high}, minor, exponent - 2);
-}
-
 template <const AtanBlock& K, bool Short>
 struct Atan : frame::OneInput<double, 4, frame::Tail::masked> {
     static __m128d doubt(__m128d x) {
@@ -42,7 +32,7 @@ struct Atan : frame::OneInput<double, 4, frame::Tail::masked> {
         if (vecmath::is_nan(x))
             *y = vecmath::quiet(x);
         else if (vecmath::is_finite(x))
-            *y = std::copysign(tiny_over_pi(std::fabs(x)), x);
+            *y = std::copysign(vecmath::tiny_over_pi(std::fabs(x)), x);
         else
             *y = std::copysign(last[1] + vecmath::at_run_time(last[2]), x);
         return frame::status_ok;

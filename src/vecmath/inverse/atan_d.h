@@ -83,6 +83,16 @@ inline constexpr AtanBlock atan_half_turns{.in_pi = true,
 #include "vecmath/tables/atanpi_rows.inc"
                                            }};
 
+// x / pi for x > 0 next to the subnormals, rounded once.
+inline double tiny_over_pi(double x) {
+    constexpr const AtanBlock& K = atan_half_turns;
+    int exponent;
+    const double m = 4 * fraction_of(x, &exponent);
+    const double high = std::bit_cast<double>(std::bit_cast<uint64_t>(m) & K.upper.lanes[0]);
+    const double minor = (m - high) * double{K.inv_pi_high} + m * double{K.inv_pi_low};
+    return scaled_sum(high * double{K.inv_pi_high}, minor, exponent - 2);
+}
+
 template <const AtanBlock& K, bool Short>
 inline __m128d atan_lanes(__m128d x) {
     const __m128d sign = simd::sign_of(x);
