@@ -154,9 +154,9 @@ int32_t __kuziBRngSFMT19937(Stream* stream, int32_t n, void* r);
 
 /* R250: the generalised feedback shift register x(n) = x(n - 250) xor x(n - 147), of period 2^250 - 1.
  * Seed: 250 words or more are the register. Otherwise seed[0], where 0 becomes 1 as no seed does, starts the congruence
- * t = 69069 t mod 2^32 that fills it, and 32 of its words are made linearly independent. Take a seed that leaves 3 when
- * divided by 4: others leave some of the lowest bits of nearly all 250 words 0, and millions of numbers pass before such
- * a bit is 1 half the time (docs/randomness.md). Words of 32 bits. No jumps.
+ * t = 69069 t mod 2^32 that fills it, and 32 of its words are made linearly independent. The two lowest bits of such a
+ * register hardly change, and it takes millions of numbers until they and their sum are 1 half the time
+ * (docs/randomness.md): where low bits matter, seed with 250 words of another generator. Words of 32 bits. No jumps.
  * S. Kirkpatrick, E. Stoll, "A very fast shift-register sequence random number generator", Journal of Computational
  * Physics 40, 1981. */
 int32_t __kuzBRngR250InitStream(int32_t method, Stream* stream, int32_t n, const void* params);
