@@ -15,12 +15,12 @@ struct AsinLightBlock {
     bool pi;
     // fpminimax(asin(x), [|3,5,...,25|], [|D...|], [2^-20;1/2], floating, relative, x): 2^-55.9; and over pi
     simd::Splat<double> c[12];
-    // Of multiples of pi 0x1.dcp-3 and pi times what that lacks of 1/2, which is within 2^-58 of a double.
-    double quarter_few = pi ? 0x1.dcp-3 : 0x1.14p+0, quarter_more = pi ? 0x1.ae65f0030f844p-1 : 0x1.f87ed5110b461p-2;
+    // Of multiples of pi 0x1.bcp-3 and what that lacks of 1/2 over the leading part of 1/pi, which is within 2^-60 of a double.
+    double quarter_few = pi ? 0x1.bcp-3 : 0x1.14p+0, quarter_more = pi ? 0x1.c787eb5753b15p-1 : 0x1.f87ed5110b461p-2;
     simd::Splat<double> quarter_first{quarter_few}, quarter_second{quarter_more};
     simd::Splat<double> half_first{2 * quarter_few}, half_second{2 * quarter_more};
     simd::Splat<double> half{0.5}, one{1.0}, minus{-0.0};
-    simd::Splat<double> inv_pi{0x1.45f306dc9c883p-2};
+    simd::Splat<double> inv_pi{0x1.45f306dc9c883p-2}, inv_pi_rest{-0x1.6b01ec5417056p-56};
 };
 inline constexpr AsinLightBlock asin_light{
     false,
@@ -58,8 +58,8 @@ inline LightSine light_sine(__m128d x, __m128d sign_unfolded, __m128d sign_folde
 template <const AsinLightBlock& K>
 inline __m128d light_angle(__m128d first, __m128d second, __m128d w, __m128d z) {
     const __m128d p = asin_light_polynomial<K>(z);
-    const __m128d angle = K.pi ? (second + w) * K.inv_pi : second + w;
-    return first + (angle + (w * z) * p);
+    if constexpr (!K.pi) return first + ((second + w) + (w * z) * p);
+    return first + ((second + w) * K.inv_pi + w * (K.inv_pi_rest + z * p));
 }
 
 template <const AsinLightBlock& K>
