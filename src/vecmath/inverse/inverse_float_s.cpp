@@ -5,7 +5,7 @@
 // exact and 2 sqrt(z) one root. atan t = t + t z P(z), z = t^2, for t = |x| or 1 / |x|, whichever is below 1.
 //
 // Next to where a quarter or half of a turn comes in, three roundings count: up to 1.8 ulp, in units of pi 2. By way of double,
-// within 0.52, "LA" takes two to three times as long.
+// within 0.51, "LA" takes two to three times as long.
 #include "vecmath/inverse/inverse_s.h"
 
 namespace {
@@ -15,7 +15,7 @@ using simd::bit_and;
 using simd::bit_or;
 using simd::bit_xor;
 using simd::Splat;
-using vecmath::AngleUnit;
+using vecmath::float_by_double::ArcBlock;
 
 // A polynomial by ascending powers.
 template <int Terms>
@@ -104,7 +104,7 @@ inline Sine sine_of(__m128 x, __m128 sign_unfolded, __m128 sign_folded) {
     return {folded, w, simd::least(size * size, left * half)};
 }
 
-template <const auto& K, const AngleUnit& U>
+template <const auto& K, const ArcBlock& U>
 struct Asin : vecmath::float_by_double::Asin<U> {
     using Double = vecmath::float_by_double::Asin<U>;
     static constexpr int block = 8;
@@ -118,7 +118,7 @@ struct Asin : vecmath::float_by_double::Asin<U> {
     static int32_t scalar(const float* at, float* y) { return beyond_lanes<K, Double>(at, y); }
 };
 
-template <const auto& K, const AngleUnit& U>
+template <const auto& K, const ArcBlock& U>
 struct Acos : vecmath::float_by_double::Acos<U> {
     static constexpr int block = 8;
     static __m128 lanes(__m128 x) {
@@ -177,20 +177,20 @@ struct Atan2 : vecmath::float_by_double::Atan2<D, Turn> {
     }
 };
 
-using SAsinLa = Asin<la, vecmath::radians>;
-using SAcosLa = Acos<la, vecmath::radians>;
+using SAsinLa = Asin<la, vecmath::float_by_double::arc_radians>;
+using SAcosLa = Acos<la, vecmath::float_by_double::arc_radians>;
 using SAtanLa = Atan<la, vecmath::atan_radians>;
 using SAtan2La = Atan2<la, vecmath::atan_radians, vecmath::turn_radians>;
-using SAsinEp = Asin<ep, vecmath::radians>;
-using SAcosEp = Acos<ep, vecmath::radians>;
+using SAsinEp = Asin<ep, vecmath::float_by_double::arc_radians>;
+using SAcosEp = Acos<ep, vecmath::float_by_double::arc_radians>;
 using SAtanEp = Atan<ep, vecmath::atan_radians>;
 using SAtan2Ep = Atan2<ep, vecmath::atan_radians, vecmath::turn_radians>;
-using SAsinpiLa = Asin<la_in_pi, vecmath::half_turns>;
-using SAcospiLa = Acos<la_in_pi, vecmath::half_turns>;
+using SAsinpiLa = Asin<la_in_pi, vecmath::float_by_double::arc_half_turns>;
+using SAcospiLa = Acos<la_in_pi, vecmath::float_by_double::arc_half_turns>;
 using SAtanpiLa = Atan<la_in_pi, vecmath::atan_half_turns>;
 using SAtan2piLa = Atan2<la_in_pi, vecmath::atan_half_turns, vecmath::turn_half_turns>;
-using SAsinpiEp = Asin<ep_in_pi, vecmath::half_turns>;
-using SAcospiEp = Acos<ep_in_pi, vecmath::half_turns>;
+using SAsinpiEp = Asin<ep_in_pi, vecmath::float_by_double::arc_half_turns>;
+using SAcospiEp = Acos<ep_in_pi, vecmath::float_by_double::arc_half_turns>;
 using SAtanpiEp = Atan<ep_in_pi, vecmath::atan_half_turns>;
 using SAtan2piEp = Atan2<ep_in_pi, vecmath::atan_half_turns, vecmath::turn_half_turns>;
 

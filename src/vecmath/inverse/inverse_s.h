@@ -1,15 +1,23 @@
-// sAsin, sAcos, sAtan and their forms in multiples of pi, sAtan2 and sAtan2pi: by the double kernels' lanes in one part
-// (asin_d.h, atan_d.h, atan2_d.h). "LA" and "EP" have lanes in float (inverse_float_s.cpp) and all else from here.
+// sAsin, sAcos, sAtan and their forms in multiples of pi, sAtan2 and sAtan2pi in double lanes; the arc tangents by the double
+// kernels' lanes in one part (atan_d.h, atan2_d.h). "LA" and "EP" have lanes in float (inverse_float_s.cpp) and all else from here.
+//
+// asin w = w (1 + z (c0 + c1 z)) + w z^3 P(z), z = w^2, up to 1/2, P in float. Above, asin |x| = pi/2 - 2 asin w with w the root of
+// z = (1 - |x|) / 2, which is exact. The root is one of floats, whose error to first order adds (z - w^2) / sqrt(1 - x^2) to asin w,
+// 1 / sqrt(1 - x^2) being the slope of the arc, 1 / 2w sqrt(1 - w^2); a rough one is good enough. What is doubled is so after its
+// rounding, which that does not change:
+//
+//   asin |x| = -2 (asin w - pi/4),  acos |x| = 2 asin w,  acos -|x| = -2 (asin w - pi/2).
 #pragma once
 
 #include "vecmath/exp_log/special.h"
-#include "vecmath/inverse/asin_d.h"
 #include "vecmath/inverse/atan2_d.h"
 #include "vecmath/inverse/by_double.h"
 
 #include <math.h>
 
 namespace orv::vecmath::float_by_double {
+
+using simd::Splat;
 
 inline constexpr uint32_t below_one = 0x3F7FFFFF;
 
@@ -28,25 +36,81 @@ int32_t at_ends(float x, float* y, End end) {
     return frame::status_ok;
 }
 
-template <const AngleUnit& U>
-struct Asin : frame::OneInput<float, 4, frame::Tail::masked> {
+struct ArcBlock {
+    bool in_pi;
+    double unit = in_pi ? 0x1.45f306dc9c883p-2 : 1.0;  // of radians
+    // fpminimax((asin(sqrt(x))/sqrt(x)-1)/x, 6, [|D,D,SG...|], [2^-60;1/4], absolute), and over pi: 2^-34.1
+    Splat<double> in_unit{unit}, c0{in_pi ? 0x1.b2995e851c6ddp-5 : 0x1.5555555ce29f1p-3},
+        c1{in_pi ? 0x1.8723854db4a65p-6 : 0x1.33331ccfa642fp-4};
+    Splat<float> c2{in_pi ? 0x1.d1b21ap-7f : 0x1.6dc1acp-5f}, c3{in_pi ? 0x1.3ba7cap-7f : 0x1.efd4c6p-6f},
+        c4{in_pi ? 0x1.ed89cap-8f : 0x1.839e5p-6f}, c5{in_pi ? 0x1.b234a8p-9f : 0x1.551022p-7f},
+        c6{in_pi ? 0x1.456832p-7f : 0x1.ff1f7cp-6f};
+    Splat<float> per_squared_unit{static_cast<float>(1 / (unit * unit))};
+    Splat<double> eighth_turn{in_pi ? 0.25 : 0x1.921fb54442d18p-1}, quarter_turn{in_pi ? 0.5 : 0x1.921fb54442d18p+0};
+    Splat<float> half{0.5f}, one{1.0f}, minus_one{-1.0f}, two{2.0f}, minus_two{-2.0f};
+    simd::SplatBits<uint32_t> upper{0xFFFFF000};
+};
+inline constexpr ArcBlock arc_radians{false}, arc_half_turns{true};
+
+// The sine of the arc, x itself or the root, and the small terms of the arc.
+struct Sine {
+    __m128 folded, w, rest;
+};
+template <const ArcBlock& K>
+inline Sine sine_of(__m128 x, __m128 size) {
+    const __m128 folded = simd::less(K.half, size), left = K.one - size, half_left = left * K.half;
+    const __m128 root = simd::square_root(half_left);
+    const __m128 root_high = simd::bit_and(root, simd::floats(K.upper));
+    const __m128 lost = (half_left - root_high * root_high) - (root + root_high) * (root - root_high);
+    __m128 square = left * (K.one + size);
+    if constexpr (K.in_pi) square = square * K.per_squared_unit;
+    const __m128 z = simd::least(size * size, half_left), z2 = z * z;
+    const __m128 p = (K.c2 + z * K.c3) + z2 * ((K.c4 + z * K.c5) + z2 * K.c6);
+    const __m128 w = simd::select_by_sign(folded, root, x);
+    return {folded, w, (w * z) * (z2 * p) + lost * simd::bit_and(_mm_rsqrt_ps(square), folded)};
+}
+
+template <const ArcBlock& K>
+inline __m128d arc_sine(__m128d w, __m128d rest) {
+    const __m128d z = w * w;
+    return w * (K.in_unit + z * (K.c0 + z * K.c1)) + rest;
+}
+// Of a sine, less `turn` in the lanes of the mask.
+template <const ArcBlock& K>
+inline __m128 arc_less_turn(const Sine& s, __m128 mask, __m128d turn) {
+    const __m128d low = arc_sine<K>(simd::widen_low(s.w), simd::widen_low(s.rest));
+    const __m128d high = arc_sine<K>(simd::widen_high(s.w), simd::widen_high(s.rest));
+    return simd::narrow(low - simd::bit_and(_mm_castps_pd(simd::interleave_low(mask, mask)), turn),
+                        high - simd::bit_and(_mm_castps_pd(simd::interleave_high(mask, mask)), turn));
+}
+
+template <const ArcBlock& K>
+struct Asin : frame::OneInput<float, 8, frame::Tail::masked> {
     static __m128 doubt(__m128 x) { return magnitude_beyond(x, below_one); }
     static __m128 lanes(__m128 x) {
-        return by_double(x, [](__m128d v) { return asin_lanes<U, AsinForm::rough>(v); });
+        const __m128 size = simd::magnitude(x);
+        const Sine s = sine_of<K>(size, size);
+        const __m128 factor = simd::bit_xor(simd::select_by_sign(s.folded, K.minus_two, K.one), simd::sign_of(x));
+        return arc_less_turn<K>(s, s.folded, K.eighth_turn) * factor;
     }
     static int32_t scalar(const float* at, float* y) {
-        return at_ends(*at, y, [](float x) { return std::copysign(double{U.quarter_high}, x); });
+        return at_ends(*at, y, [](float x) { return std::copysign(double{K.quarter_turn}, x); });
     }
 };
 
-template <const AngleUnit& U>
-struct Acos : frame::OneInput<float, 4, frame::Tail::masked> {
+template <const ArcBlock& K>
+struct Acos : frame::OneInput<float, 8, frame::Tail::masked> {
     static __m128 doubt(__m128 x) { return magnitude_beyond(x, below_one); }
     static __m128 lanes(__m128 x) {
-        return by_double(x, [](__m128d v) { return acos_lanes<U, AsinForm::rough>(v); });
+        const __m128 sign = simd::sign_of(x);
+        const Sine s = sine_of<K>(x, simd::magnitude(x));
+        const __m128 factor = simd::select_by_sign(s.folded, simd::bit_xor(sign, K.two), K.minus_one);
+        // All but those next to 1.
+        const __m128 turned = simd::floats(_mm_srai_epi32(simd::bits_of(factor), 31));
+        return arc_less_turn<K>(s, turned, K.quarter_turn) * factor;
     }
     static int32_t scalar(const float* at, float* y) {
-        return at_ends(*at, y, [](float x) { return x > 0 ? 0.0 : 2 * double{U.quarter_high}; });
+        return at_ends(*at, y, [](float x) { return x > 0 ? 0.0 : 2 * double{K.quarter_turn}; });
     }
 };
 
