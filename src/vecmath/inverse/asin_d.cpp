@@ -15,7 +15,7 @@ using vecmath::half_turns;
 using vecmath::radians;
 
 struct SineLimits {
-    simd::Splat<double> one{1.0};
+    simd::Splat<double> one{1.0}, minus{-0.0};
     simd::SplatBits<uint64_t> magnitude{0x7FFFFFFFFFFFFFFF};
     simd::SplatBits<uint32_t> last{0x3FEFFFFF};  // of high words of all below 1
     // The least whose products by parts of 1/pi are exact, 2^-900, to the bottom of the signed range, and what becomes of `last`.
@@ -27,8 +27,8 @@ constexpr SineLimits K;
 inline __m128d outside(__m128d x) {
     return simd::doubles(_mm_cmpgt_epi32(_mm_and_si128(simd::bits_of(x), K.magnitude), K.last));
 }
-// The same but for 1 and NaNs, by the sign; the difference is one that the vector path forms.
-inline __m128d beyond_1(__m128d x) { return K.one - simd::magnitude(x); }
+// The same but for 1, by the sign; the difference is one that the vector path forms.
+inline __m128d beyond_1(__m128d x) { return K.one + simd::bit_or(x, K.minus); }
 
 // What the two functions do beyond their vector paths.
 template <class At>

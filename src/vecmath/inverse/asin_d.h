@@ -20,7 +20,7 @@ inline constexpr AngleUnit radians{false, 0x1.921fb54442d18p+0, 0x1.1a62633145c0
 
 struct AsinShortBlock {
     simd::Splat<double> c[7];
-    simd::Splat<double> half{0.5}, one{1.0}, minus{-0.0};
+    simd::Splat<double> half{0.5}, minus_half{-0.5}, one{1.0}, minus{-0.0};
 };
 // fpminimax(asin(x), [|3,5,...,13|], [|D...|], [2^-20;1/2], floating, relative, x): 2^-31.7; of asin(x)/pi from the first term on 2^-31.8
 inline constexpr AsinShortBlock asin_float{{1.0, 0x1.55554c5fb0497p-3, 0x1.33387c9d34c26p-4, 0x1.6caed2156b6d9p-5,
@@ -36,26 +36,30 @@ inline constexpr AsinShortBlock asinpi_short{{0x1.45f306c476f1ep-2, 0x1.b29a316f
 
 // A turn and the angle of w.
 template <const AsinShortBlock& K>
-inline __m128d short_angle(__m128d turn, LightSine s) {
-    const __m128d z2 = s.z * s.z;
-    __m128d top = K.c[4] + s.z * K.c[5];
+inline __m128d short_angle(__m128d turn, __m128d w, __m128d z) {
+    const __m128d z2 = z * z;
+    __m128d top = K.c[4] + z * K.c[5];
     if constexpr (K.c[6] != 0.0) top = top + z2 * K.c[6];
-    return turn + s.w * ((K.c[0] + s.z * K.c[1]) + z2 * ((K.c[2] + s.z * K.c[3]) + z2 * top));
+    return turn + w * ((K.c[0] + z * K.c[1]) + z2 * ((K.c[2] + z * K.c[3]) + z2 * top));
 }
 
+// The negative of it, as in asin_light_d.h.
 template <const AngleUnit& U, const AsinShortBlock& K>
 inline __m128d asin_short_lanes(__m128d x) {
-    const LightSine s = light_sine<K>(x, _mm_setzero_pd(), K.minus);
-    return simd::bit_xor(short_angle<K>(simd::bit_and(s.folded, U.quarter_high), s), simd::sign_of(x));
+    const LightSine s = light_sine<K>(x);
+    const __m128d turn = simd::bit_and(s.folded, simd::splat(-double{U.quarter_high}));
+    const __m128d y = short_angle<K>(turn, simd::select_by_sign(s.folded, s.root, s.below), s.z);
+    return simd::bit_xor(y, simd::bit_and_not(x, K.minus));
 }
 
 // pi/2 - asin x up to 1/2; above the complement itself, or pi less that for a negative x.
 template <const AngleUnit& U, const AsinShortBlock& K>
 inline __m128d acos_short_lanes(__m128d x) {
-    const __m128d sign = simd::sign_of(x), behind = simd::less(x, _mm_setzero_pd());
-    const LightSine s = light_sine<K>(x, simd::bit_xor(sign, K.minus), sign);
+    const __m128d behind = simd::less(x, _mm_setzero_pd());
+    const LightSine s = light_sine<K>(x);
     const __m128d half_turn = simd::bit_and(behind, simd::splat(2 * double{U.quarter_high}));
-    return short_angle<K>(simd::select_by_sign(s.folded, half_turn, U.quarter_high), s);
+    const __m128d w = simd::select_by_sign(s.folded, simd::bit_or(s.root, simd::sign_of(x)), simd::bit_xor(x, K.minus));
+    return short_angle<K>(simd::select_by_sign(s.folded, half_turn, U.quarter_high), w, s.z);
 }
 
 enum class AsinForm { exact, rough };  // "HA", for floats

@@ -18,8 +18,9 @@ struct AsinLightBlock {
     // Of multiples of pi 0x1.bcp-3 and what that lacks of 1/2 over the leading part of 1/pi, which is within 2^-60 of a double.
     double quarter_few = pi ? 0x1.bcp-3 : 0x1.14p+0, quarter_more = pi ? 0x1.c787eb5753b15p-1 : 0x1.f87ed5110b461p-2;
     simd::Splat<double> quarter_first{quarter_few}, quarter_second{quarter_more};
+    simd::Splat<double> minus_first{-quarter_few}, minus_second{-quarter_more};
     simd::Splat<double> half_first{2 * quarter_few}, half_second{2 * quarter_more};
-    simd::Splat<double> half{0.5}, one{1.0}, minus{-0.0};
+    simd::Splat<double> half{0.5}, minus_half{-0.5}, one{1.0}, minus{-0.0};
     simd::Splat<double> inv_pi{0x1.45f306dc9c883p-2}, inv_pi_rest{-0x1.6b01ec5417056p-56};
 };
 inline constexpr AsinLightBlock asin_light{
@@ -42,16 +43,15 @@ inline __m128d asin_light_polynomial(__m128d z) {
     return low + z4 * (middle + z4 * high);
 }
 
-// w of |x| with the sign bits `unfolded` or `folded`, by which it is.
+// -|x|, whether it is beyond -1/2, the root that is used there, and z.
 struct LightSine {
-    __m128d folded, w, z;
+    __m128d below, folded, root, z;
 };
 template <const auto& K>
-inline LightSine light_sine(__m128d x, __m128d sign_unfolded, __m128d sign_folded) {
-    const __m128d size = simd::magnitude(x), left = K.one - size, folded = simd::less(K.half, size);
-    const __m128d root = simd::bit_or(_mm_sqrt_pd(left + left), sign_folded);
-    return {folded, simd::select_by_sign(folded, root, simd::bit_or(size, sign_unfolded)),
-            simd::least(size * size, left * K.half)};
+inline LightSine light_sine(__m128d x) {
+    const __m128d below = simd::bit_or(x, K.minus), left = K.one + below;
+    return {below, simd::less(below, K.minus_half), _mm_sqrt_pd(left + left),
+            simd::least(below * below, left * K.half)};
 }
 
 // A turn and the angle of w.
@@ -62,22 +62,25 @@ inline __m128d light_angle(__m128d first, __m128d second, __m128d w, __m128d z) 
     return first + ((second + w) * K.inv_pi + w * (K.inv_pi_rest + z * p));
 }
 
+// The negative of it, from -|x| or the root less a quarter turn; with the sign that is the other of x.
 template <const AsinLightBlock& K>
 inline __m128d asin_light_lanes(__m128d x) {
-    const LightSine s = light_sine<K>(x, _mm_setzero_pd(), K.minus);
+    const LightSine s = light_sine<K>(x);
+    const __m128d w = simd::select_by_sign(s.folded, s.root, s.below);
     const __m128d y =
-        light_angle<K>(simd::bit_and(s.folded, K.quarter_first), simd::bit_and(s.folded, K.quarter_second), s.w, s.z);
-    return simd::bit_xor(y, simd::sign_of(x));
+        light_angle<K>(simd::bit_and(s.folded, K.minus_first), simd::bit_and(s.folded, K.minus_second), w, s.z);
+    return simd::bit_xor(y, simd::bit_and_not(x, K.minus));
 }
 
 // pi/2 - asin x up to 1/2; above the complement itself, or pi less that for a negative x.
 template <const AsinLightBlock& K>
 inline __m128d acos_light_lanes(__m128d x) {
-    const __m128d sign = simd::sign_of(x), behind = simd::less(x, _mm_setzero_pd());
-    const LightSine s = light_sine<K>(x, simd::bit_xor(sign, K.minus), sign);
+    const __m128d behind = simd::less(x, _mm_setzero_pd());
+    const LightSine s = light_sine<K>(x);
     const __m128d first = simd::select_by_sign(s.folded, simd::bit_and(behind, K.half_first), K.quarter_first);
     const __m128d second = simd::select_by_sign(s.folded, simd::bit_and(behind, K.half_second), K.quarter_second);
-    return light_angle<K>(first, second, s.w, s.z);
+    const __m128d w = simd::select_by_sign(s.folded, simd::bit_or(s.root, simd::sign_of(x)), simd::bit_xor(x, K.minus));
+    return light_angle<K>(first, second, w, s.z);
 }
 
 }  // namespace orv::vecmath
