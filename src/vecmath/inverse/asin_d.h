@@ -43,13 +43,13 @@ inline __m128d short_angle(__m128d turn, __m128d w, __m128d z) {
     return turn + w * ((K.c[0] + z * K.c[1]) + z2 * ((K.c[2] + z * K.c[3]) + z2 * top));
 }
 
-// The negative of it, as in asin_light_d.h.
+// The negative of the magnitude, as in asin_light_d.h.
 template <const AngleUnit& U, const AsinShortBlock& K>
 inline __m128d asin_short_lanes(__m128d x) {
     const LightSine s = light_sine<K>(x);
     const __m128d turn = simd::bit_and(s.folded, simd::splat(-double{U.quarter_high}));
     const __m128d y = short_angle<K>(turn, simd::select_by_sign(s.folded, s.root, s.below), s.z);
-    return simd::bit_xor(y, simd::bit_and_not(x, K.minus));
+    return simd::bit_or(simd::magnitude(y), simd::sign_of(x));
 }
 
 // pi/2 - asin x up to 1/2; above the complement itself, or pi less that for a negative x.

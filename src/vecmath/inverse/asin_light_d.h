@@ -62,14 +62,14 @@ inline __m128d light_angle(__m128d first, __m128d second, __m128d w, __m128d z) 
     return first + ((second + w) * K.inv_pi + w * (K.inv_pi_rest + z * p));
 }
 
-// The negative of it, from -|x| or the root less a quarter turn; with the sign that is the other of x.
+// The negative of the magnitude, from -|x| or the root less a quarter turn.
 template <const AsinLightBlock& K>
 inline __m128d asin_light_lanes(__m128d x) {
     const LightSine s = light_sine<K>(x);
     const __m128d w = simd::select_by_sign(s.folded, s.root, s.below);
     const __m128d y =
         light_angle<K>(simd::bit_and(s.folded, K.minus_first), simd::bit_and(s.folded, K.minus_second), w, s.z);
-    return simd::bit_xor(y, simd::bit_and_not(x, K.minus));
+    return simd::bit_or(simd::magnitude(y), simd::sign_of(x));
 }
 
 // pi/2 - asin x up to 1/2; above the complement itself, or pi less that for a negative x.
