@@ -69,8 +69,8 @@ std::vector<Function> inverse_functions() {
 std::vector<Function> hyperbolic_functions() {
     constexpr double ln_2 = 0.6931471805599453;
     const std::vector<Range> growing = {{-5, 5}, {-0.05, 0.05}, {-711, 711}, {-90, 90}};
-    const std::vector<double> growing_points = {ln_2 / 128, 3 * ln_2 / 128, 127 * ln_2 / 128,  ln_2,
-                                                708,        89.4159851,     710.4758600739439, 0x1p-200};
+    const std::vector<double> growing_points = {ln_2 / 64, 3 * ln_2 / 64, 63 * ln_2 / 64,    ln_2,
+                                                708,       89.4159851,    710.4758600739439, 0x1p-200};
     return {
         {"Cosh", "sd", EXACT(mpfr_cosh), good(FAST(coshl)), growing, growing_points},
         {"Sinh", "sd", EXACT(mpfr_sinh), good(FAST(sinhl)), growing, growing_points},

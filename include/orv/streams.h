@@ -268,8 +268,8 @@ int32_t __kuzCopyStream(Stream** stream, const Stream* source);
 
 /* Copies the first seedCount * wordBytes bytes of the generator state (at most the whole state) and all chunks between
  * two streams of one generator. The multiplier of MCG31M1 and MCG59 stays the destination's, as do the words of a block
- * that PHILOX4X32X10 and ARS5 have in their buffer (and ARS5 their number), so those two are to be copied between blocks
- * of four words; the abstract generators copy no state. */
+ * that SFMT19937, PHILOX4X32X10 and ARS5 keep from a call (and with SFMT19937 and ARS5 their number), so those three are
+ * to be copied between blocks of four words; the abstract generators copy no state. */
 int32_t __kuzCopyStreamState(Stream* destination, const Stream* source);
 
 /* ---- Images ----------------------------------------------------------------------------------------------------- */

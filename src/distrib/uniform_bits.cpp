@@ -58,5 +58,6 @@ ORV_API int32_t _kuziRngUniformBits32(int32_t method, Stream* stream, int32_t n,
 }
 
 ORV_API int32_t _kuziRngUniformBits64(int32_t method, Stream* stream, int32_t n, uint64_t* r) {
-    return fill(method, stream, 2 * n, reinterpret_cast<uint32_t*>(r));
+    // Twice a count far below 0 would come out above it.
+    return fill(method, stream, n > 0 ? 2 * n : n, reinterpret_cast<uint32_t*>(r));
 }

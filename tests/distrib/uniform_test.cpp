@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <limits>
 
 using namespace orv::test;
 
@@ -110,6 +111,20 @@ TEST(Bits, FullWidthFromMcg59) {
         EXPECT_EQ(bits32.back(), 77u);
         EXPECT_EQ(bits64.back(), 77u);
     }
+}
+
+TEST(Bits, NoneOfACountBelowZero) {
+    constexpr int32_t least = std::numeric_limits<int32_t>::min();
+    for (const int32_t id : {BrngMCG59 + 0, BrngMT19937 + 0, BrngSFMT19937 + 0})
+        for (const int32_t n : {-1, least / 2, least / 2 - 1, least + 1, least}) {
+            OwnedStream stream(id, {5}), twin(id, {5});
+            uint32_t narrow = 77;
+            uint64_t wide = 77;
+            EXPECT_EQ(_kuziRngUniformBits32(0, stream, n, &narrow), StatusOk);
+            EXPECT_EQ(_kuziRngUniformBits64(0, stream, n, &wide), StatusOk);
+            EXPECT_TRUE(narrow == 77 && wide == 77) << id << " " << n;
+            EXPECT_EQ(draw(stream, 5), draw(twin, 5)) << id << " " << n;
+        }
 }
 
 TEST(Bits, RefusedWithoutFullWidth) {

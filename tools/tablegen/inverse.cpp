@@ -88,13 +88,15 @@ void atanh_pair_rows(const Output& output) {
     for (int place = -1535; place <= 128; ++place) row(Real(2) - middle(place, 32, -5), middle(place, 32, -5));
 }
 
-// Row k: half the difference and half the sum of 2^(j/64) and 2^(-2n - j/64), k being 64 n + j.
+// Row k: half the difference and half the sum of 2^(j/32) and 2^(-2n - j/32), k being 32 n + j; and what rounding took from them.
 void sinh_cosh_rows(const Output& output) {
-    Table table(output, "sinh_cosh_rows", "(2^(j/64) - 2^(-2n - j/64)) / 2, (2^(j/64) + 2^(-2n - j/64)) / 2");
-    for (int k = 0; k < 64 * 28; ++k) {
-        const Real up = exp2(Real(k % 64) / Real(64)) / Real(2);
-        const Real down = exp2(Real(-2 * (k / 64)) - Real(k % 64) / Real(64)) / Real(2);
-        table.row({to_double(up - down), to_double(up + down)});
+    Table table(output, "sinh_cosh_rows", "(2^(j/32) -+ 2^(-2n - j/32)) / 2, and the low parts");
+    for (int k = 0; k < 32 * 31; ++k) {
+        const Real up = exp2(Real(k % 32) / Real(32)) / Real(2);
+        const Real down = exp2(Real(-2 * (k / 32)) - Real(k % 32) / Real(32)) / Real(2);
+        const auto [sine, sine_low] = Table::split(up - down);
+        const auto [cosine, cosine_low] = Table::split(up + down);
+        table.row({sine, cosine, sine_low, cosine_low});
     }
 }
 

@@ -20,7 +20,6 @@ struct HyperbolicBlock {
     simd::Splat<double> c4{0x1.5555555555555p-5}, c6{0x1.6c16c16c16c17p-10};
     simd::SplatBits<uint64_t> magnitude{0x7FFFFFFFFFFFFFFF}, index_mask{0x3F}, exponent_0{0x3FF0000000000000};
     simd::SplatBits<uint64_t> most_halvings{100};
-    simd::SplatBits<uint32_t> last{0x40862000};  // 708: no sum of the terms overflows
     simd::SplatBits<uint32_t> squares_from{(1023 - 200) << 20};
     alignas(16) double rows[64][2] = {
     // 2^(j/64) and what rounding took from it
@@ -28,10 +27,6 @@ struct HyperbolicBlock {
     };
 };
 inline constexpr HyperbolicBlock hyperbolic;
-
-inline __m128d beyond_hyperbolic(__m128d x) {
-    return simd::doubles(_mm_cmpgt_epi32(_mm_and_si128(simd::bits_of(x), hyperbolic.magnitude), hyperbolic.last));
-}
 
 inline __m128d pair_of(uint32_t j0, uint32_t j1, __m128d& low) {
     const __m128d row0 = _mm_load_pd(hyperbolic.rows[j0]), row1 = _mm_load_pd(hyperbolic.rows[j1]);
@@ -72,10 +67,6 @@ inline HyperbolicParts hyperbolic_parts(__m128d x) {
     return v;
 }
 
-inline __m128d times_power(__m128d y, __m128i n) {
-    return simd::doubles(_mm_add_epi64(simd::bits_of(y), _mm_slli_epi64(n, 52)));
-}
-
 struct HyperbolicSeries {
     __m128d cosh_less_1, sinh_less_r;
 };
@@ -83,41 +74,6 @@ inline HyperbolicSeries hyperbolic_series(__m128d r) {
     const __m128d z = r * r;
     return {z * (hyperbolic.half + z * (hyperbolic.c4 + z * hyperbolic.c6)),
             (r * z) * (hyperbolic.s3 + z * (hyperbolic.s5 + z * hyperbolic.s7))};
-}
-
-// In one part S is good to 2^-47 and C to 2^-53 of themselves, r to 2^-54.
-template <bool InParts>
-inline __m128d sinh_lanes(__m128d x) {
-    const HyperbolicParts v = hyperbolic_parts(simd::magnitude(x));
-    const HyperbolicSeries q = hyperbolic_series(v.r_small);
-    const __m128d difference = v.a - v.b, total = v.a + v.b;
-    const __m128d s = difference * hyperbolic.half, c = total * hyperbolic.half;
-    const __m128i n_twice = _mm_shuffle_epi32(v.n, _MM_SHUFFLE(2, 2, 0, 0));
-    const __m128d first = simd::doubles(_mm_cmpeq_epi32(n_twice, _mm_setzero_si128()));
-    const __m128d leading = simd::bit_and(first, v.r);
-    const __m128d beside = c - simd::bit_and(first, hyperbolic.one);
-    const __m128d sum = s + leading;
-    __m128d small = (s * q.cosh_less_1 + (beside * v.r_small + c * q.sinh_less_r)) + ((s - sum) + leading);
-    if constexpr (InParts) {
-        const __m128d s_low = (((v.a - difference) - v.b) + (v.a_low - v.b_low)) * hyperbolic.half;
-        const __m128d c_low = (((v.a - total) + v.b) + (v.a_low + v.b_low)) * hyperbolic.half;
-        small = small + (s_low + (c * v.r_low + c_low * v.r_small));
-    }
-    return simd::bit_or(times_power(sum + small, v.n), simd::sign_of(x));
-}
-
-template <bool InParts>
-inline __m128d cosh_lanes(__m128d x) {
-    const HyperbolicParts v = hyperbolic_parts(simd::magnitude(x));
-    const HyperbolicSeries q = hyperbolic_series(v.r_small);
-    const __m128d total = v.a + v.b;
-    const __m128d c = total * hyperbolic.half, s = (v.a - v.b) * hyperbolic.half;
-    __m128d small = c * q.cosh_less_1 + s * (v.r_small + q.sinh_less_r);
-    if constexpr (InParts) {
-        const __m128d c_low = (((v.a - total) + v.b) + (v.a_low + v.b_low)) * hyperbolic.half;
-        small = small + (c_low + s * v.r_low);
-    }
-    return times_power(c + small, v.n);
 }
 
 }  // namespace orv::vecmath
