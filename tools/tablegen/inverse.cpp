@@ -53,6 +53,15 @@ void sinh_cosh_quarters(const Output& output) {
     }
 }
 
+// By eighths, up to where the tangent is 1 to all digits of a float.
+void tanh_eighths(const Output& output) {
+    Table table(output, "tanh_eighths", "tanh k/8, 1 - tanh^2 k/8");
+    for (int k = 0; k <= 73; ++k) {
+        const Real power = exp(Real(k * 0.25)), t = (power - Real(1)) / (power + Real(1));
+        table.row_of_floats({to_float(t), to_float(Real(1) - t * t)});
+    }
+}
+
 // Rows by u = 2x / (1 - x). Row 0 serves what is below 2^-4, and has c = 0. Row 1 + 8 e + j serves 2^(e-4) (1 + [j, j + 1] / 8), and
 // c is the x in its middle. 1 - 2^-24 has a u next to 2^25.
 void atanh_rows(const Output& output) {
@@ -132,6 +141,7 @@ void inverse_tables(const Output& output) {
     atan_rows(output, "atanpi_rows", pi());
     tanh_rows(output);
     sinh_cosh_quarters(output);
+    tanh_eighths(output);
     atanh_rows(output);
     atanh_pair_rows(output);
     sinh_cosh_rows(output);
