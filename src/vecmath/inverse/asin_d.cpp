@@ -10,7 +10,6 @@ namespace {
 
 using namespace orv;
 using vecmath::AngleUnit;
-using vecmath::AsinForm;
 using vecmath::half_turns;
 using vecmath::radians;
 
@@ -82,7 +81,7 @@ struct Acos : frame::OneInput<double, 4, frame::Tail::masked> {
 };
 
 using enum Doubt;
-using enum AsinForm;
+using enum vecmath::AsinForm;
 using AsinLa = Asin<radians, above_1, vecmath::asin_light_lanes<vecmath::asin_light>>;
 using AsinHa = Asin<radians, from_1, vecmath::asin_lanes<radians, exact>>;
 using AsinEp = Asin<radians, above_1, vecmath::asin_short_lanes<radians, vecmath::asin_short>>;
