@@ -1,6 +1,8 @@
 // Tables of the inverse trigonometric functions, of the hyperbolic functions and of the inverse hyperbolic tangent.
 #include "tablegen.h"
 
+#include <vector>
+
 namespace tablegen {
 
 namespace {
@@ -19,6 +21,34 @@ void atan_rows(const Output& output, const std::string& name, const Real& unit) 
         if (row == 32 * binades + 1) c = Real(0x1p+100);
         const auto [high, low] = Table::split(atan(c) / unit);
         table.row({to_double(c), high, low, 0.0});
+    }
+}
+
+// Row j: a polynomial next to the arc tangent of c + h for c = j / spaces and |h| up to H = 1 / (2 spaces), from the constant term on, and
+// the rests of the first two coefficients, if asked for. The Taylor coefficients are (-1)^(n-1) sin(n phi) sin^n(phi) / n with phi = pi/2 -
+// atan c; `powers` is what h^n / H^n for the first n that is left out has in place of it, by the Chebyshev polynomial of that degree.
+void atan_series(const Output& output, const std::string& name, int spaces, const std::vector<double>& powers,
+                 bool rests, const Real& unit) {
+    Table table(output, name + "_" + std::to_string(spaces), "the coefficients next to c");
+    const int left_out = static_cast<int>(powers.size());
+    for (int j = 0; j <= spaces; ++j) {
+        const Real arc = atan(Real(j) / Real(spaces)), phi = pi() / Real(2) - arc;
+        std::vector<Real> a = {arc / unit};
+        Real power = Real(1), reach = Real(1);
+        for (int n = 1; n <= left_out; ++n) {
+            power = power * sin(phi);
+            const Real size = sin(Real(n) * phi) * power / (Real(n) * unit);
+            // sin(n pi/2) is 0 for an even n.
+            a.push_back(j == 0 && n % 2 == 0 ? Real(0) : n % 2 == 0 ? -size : size);
+        }
+        for (int n = left_out - 1; n >= 0; --n) {
+            reach = reach / Real(2 * spaces);
+            a[n] = a[n] + a[left_out] * Real(powers[n]) * reach;
+        }
+        std::vector<double> row;
+        for (int n = 0; n < left_out; ++n) row.push_back(to_double(a[n]));
+        if (rests) row.insert(row.end(), {Table::split(a[0]).second, Table::split(a[1]).second});
+        table.row(row);
     }
 }
 
@@ -50,6 +80,15 @@ void sinh_cosh_quarters(const Output& output) {
     for (int k = 0; k <= 358; ++k) {
         const Real power = exp(Real(k * 0.25)), inverse = Real(1) / power;
         table.row({to_double((power - inverse) / Real(2)), to_double((power + inverse) / Real(2))});
+    }
+}
+
+// By eighths, up to where the tangent is 1 to all digits of a float.
+void tanh_eighths(const Output& output) {
+    Table table(output, "tanh_eighths", "tanh k/8, 1 - tanh^2 k/8");
+    for (int k = 0; k <= 73; ++k) {
+        const Real power = exp(Real(k * 0.25)), t = (power - Real(1)) / (power + Real(1));
+        table.row_of_floats({to_float(t), to_float(Real(1) - t * t)});
     }
 }
 
@@ -130,8 +169,13 @@ void acos_rows(const Output& output, const std::string& name, const Real& unit) 
 void inverse_tables(const Output& output) {
     atan_rows(output, "atan_rows", Real(1));
     atan_rows(output, "atanpi_rows", pi());
+    for (const auto& [name, unit] : {std::pair("atan", Real(1)), std::pair("atanpi", pi())}) {
+        atan_series(output, name, 256, {1.0 / 32, 0, -9.0 / 16, 0, 3.0 / 2, 0}, true, unit);
+        atan_series(output, name, 64, {-1.0 / 8, 0, 1, 0}, false, unit);
+    }
     tanh_rows(output);
     sinh_cosh_quarters(output);
+    tanh_eighths(output);
     atanh_rows(output);
     atanh_pair_rows(output);
     sinh_cosh_rows(output);

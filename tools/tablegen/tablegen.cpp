@@ -11,11 +11,11 @@ namespace tablegen {
 namespace {
 
 // A row of one value stands bare, a longer one in braces.
-template <class T>
-void append(std::string& text, const char* format, std::initializer_list<T> values) {
+template <class Values>
+void append(std::string& text, const char* format, const Values& values) {
     if (values.size() > 1) text += "{";
     const char* separator = "";
-    for (const T value : values) {
+    for (const auto value : values) {
         char digits[64];
         std::snprintf(digits, sizeof digits, format, value);
         text += separator;
@@ -39,8 +39,8 @@ Table::~Table() {
     std::exit(1);
 }
 
-void Table::row(std::initializer_list<double> values) { append(text, "%a", values); }
-void Table::row_of_words(std::initializer_list<uint64_t> values) { append<uint64_t>(text, "0x%016llx", values); }
+void Table::row(const std::vector<double>& values) { append(text, "%a", values); }
+void Table::row_of_words(std::initializer_list<uint64_t> values) { append(text, "0x%016llx", values); }
 void Table::row_of_floats(std::initializer_list<float> values) { append(text, "%af", values); }
 
 std::pair<double, double> Table::split(const Real& x) {

@@ -17,6 +17,7 @@
 #include <initializer_list>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace tablegen {
 
@@ -113,7 +114,7 @@ struct Table {
     Table(const Table&) = delete;
     Table& operator=(const Table&) = delete;
 
-    void row(std::initializer_list<double> values);             // hex floats
+    void row(const std::vector<double>& values);                // hex floats
     void row_of_floats(std::initializer_list<float> values);    // hex floats with f
     void row_of_words(std::initializer_list<uint64_t> values);  // hex integers
     // The value to nearest double, and what it leaves, to nearest double.

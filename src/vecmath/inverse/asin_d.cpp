@@ -1,5 +1,5 @@
 // dAsin, dAcos, dAsinpi and dAcospi: "LA" by asin_light_d.h, "HA" by asin_rows_d.h, "EP" by asin_d.h.
-#include "vecmath/inverse/asin_light_d.h"
+#include "vecmath/inverse/asin_d.h"
 
 #include "frame/kernel_loops.h"
 #include "vecmath/inverse/atan_d.h"
@@ -10,15 +10,24 @@ namespace {
 
 using namespace orv;
 using vecmath::AngleUnit;
-using vecmath::AsinForm;
 using vecmath::half_turns;
 using vecmath::radians;
 
-constexpr const vecmath::AsinBlock& K = vecmath::asin_block;
+struct SineLimits {
+    simd::Splat<double> one{1.0}, minus{-0.0};
+    simd::SplatBits<uint64_t> magnitude{0x7FFFFFFFFFFFFFFF};
+    simd::SplatBits<uint32_t> last{0x3FEFFFFF};  // of high words of all below 1
+    // The least whose products by parts of 1/pi are exact, 2^-900, to the bottom of the signed range, and what becomes of `last`.
+    simd::SplatBits<uint32_t> to_bottom{0x80000000 - ((1023 - 900) << 20)},
+        last_from_bottom{0x3FEFFFFF + 0x80000000 - ((1023 - 900) << 20)};
+};
+constexpr SineLimits K;
 
 inline __m128d outside(__m128d x) {
     return simd::doubles(_mm_cmpgt_epi32(_mm_and_si128(simd::bits_of(x), K.magnitude), K.last));
 }
+// The same but for 1, by the sign; the difference is one that the vector path forms.
+inline __m128d beyond_1(__m128d x) { return K.one + simd::bit_or(x, K.minus); }
 
 // What the two functions do beyond their vector paths.
 template <class At>
@@ -35,16 +44,22 @@ int32_t at_ends(double x, double* y, At at) {
     return frame::status_ok;
 }
 
-template <const AngleUnit& U, AsinForm Form>
+// What a vector path leaves to the scalar one.
+enum class Doubt { above_1, from_1, from_1_or_tiny };
+template <Doubt Which>
+inline __m128d doubted(__m128d x) {
+    if constexpr (Which == Doubt::above_1) return beyond_1(x);
+    if constexpr (Which == Doubt::from_1) return outside(x);
+    // From 2^-900 up to below 1, or 0.
+    const __m128i above = _mm_add_epi32(_mm_and_si128(simd::bits_of(x), K.magnitude), K.to_bottom);
+    return simd::bit_and_not(simd::equal(x, _mm_setzero_pd()),
+                             simd::doubles(_mm_cmpgt_epi32(above, K.last_from_bottom)));
+}
+
+template <const AngleUnit& U, Doubt Which, __m128d lanes_of(__m128d)>
 struct Asin : frame::OneInput<double, 4, frame::Tail::masked> {
-    static __m128d doubt(__m128d x) {
-        if constexpr (!U.pi) return outside(x);
-        // From products_from up to below 1, or 0.
-        const __m128i above = _mm_add_epi32(_mm_and_si128(simd::bits_of(x), K.magnitude), K.to_bottom);
-        return simd::bit_and_not(simd::equal(x, _mm_setzero_pd()),
-                                 simd::doubles(_mm_cmpgt_epi32(above, K.last_from_bottom)));
-    }
-    static __m128d lanes(__m128d x) { return vecmath::asin_lanes<U, Form>(x); }
+    static __m128d doubt(__m128d x) { return doubted<Which>(x); }
+    static __m128d lanes(__m128d x) { return lanes_of(x); }
     static int32_t scalar(const double* at, double* y) {
         return at_ends(*at, y, [](double x) {
             if (std::fabs(x) == 1)
@@ -54,10 +69,10 @@ struct Asin : frame::OneInput<double, 4, frame::Tail::masked> {
     }
 };
 
-template <const AngleUnit& U, AsinForm Form>
+template <const AngleUnit& U, Doubt Which, __m128d lanes_of(__m128d)>
 struct Acos : frame::OneInput<double, 4, frame::Tail::masked> {
-    static __m128d doubt(__m128d x) { return outside(x); }
-    static __m128d lanes(__m128d x) { return vecmath::acos_lanes<U, Form>(x); }
+    static __m128d doubt(__m128d x) { return doubted<Which>(x); }
+    static __m128d lanes(__m128d x) { return lanes_of(x); }
     static int32_t scalar(const double* at, double* y) {
         return at_ends(*at, y, [](double x) {
             return x > 0 ? 0.0 : 2 * double{U.quarter_high} + vecmath::at_run_time(2 * double{U.quarter_low});
@@ -65,27 +80,20 @@ struct Acos : frame::OneInput<double, 4, frame::Tail::masked> {
     }
 };
 
-template <const AngleUnit& U, const vecmath::AsinLightBlock& Light>
-struct LightAsin : Asin<U, AsinForm::exact> {
-    static __m128d lanes(__m128d x) { return vecmath::asin_light_lanes<Light>(x); }
-};
-template <const AngleUnit& U, const vecmath::AsinLightBlock& Light>
-struct LightAcos : Acos<U, AsinForm::exact> {
-    static __m128d lanes(__m128d x) { return vecmath::acos_light_lanes<Light>(x); }
-};
-
-using AsinLa = LightAsin<radians, vecmath::asin_light>;
-using AsinHa = Asin<radians, AsinForm::exact>;
-using AsinEp = Asin<radians, AsinForm::rough>;
-using AcosLa = LightAcos<radians, vecmath::asin_light>;
-using AcosHa = Acos<radians, AsinForm::exact>;
-using AcosEp = Acos<radians, AsinForm::rough>;
-using AsinpiLa = LightAsin<half_turns, vecmath::asinpi_light>;
-using AsinpiHa = Asin<half_turns, AsinForm::exact>;
-using AsinpiEp = Asin<half_turns, AsinForm::rough>;
-using AcospiLa = LightAcos<half_turns, vecmath::asinpi_light>;
-using AcospiHa = Acos<half_turns, AsinForm::exact>;
-using AcospiEp = Acos<half_turns, AsinForm::rough>;
+using enum Doubt;
+using enum vecmath::AsinForm;
+using AsinLa = Asin<radians, above_1, vecmath::asin_light_lanes<vecmath::asin_light>>;
+using AsinHa = Asin<radians, from_1, vecmath::asin_lanes<radians, exact>>;
+using AsinEp = Asin<radians, above_1, vecmath::asin_short_lanes<radians, vecmath::asin_short>>;
+using AcosLa = Acos<radians, above_1, vecmath::acos_light_lanes<vecmath::asin_light>>;
+using AcosHa = Acos<radians, from_1, vecmath::acos_lanes<radians, exact>>;
+using AcosEp = Acos<radians, above_1, vecmath::acos_short_lanes<radians, vecmath::asin_short>>;
+using AsinpiLa = Asin<half_turns, from_1_or_tiny, vecmath::asin_light_lanes<vecmath::asinpi_light>>;
+using AsinpiHa = Asin<half_turns, from_1_or_tiny, vecmath::asin_lanes<half_turns, exact>>;
+using AsinpiEp = Asin<half_turns, from_1_or_tiny, vecmath::asin_short_lanes<half_turns, vecmath::asinpi_short>>;
+using AcospiLa = Acos<half_turns, above_1, vecmath::acos_light_lanes<vecmath::asinpi_light>>;
+using AcospiHa = Acos<half_turns, from_1, vecmath::acos_lanes<half_turns, exact>>;
+using AcospiEp = Acos<half_turns, above_1, vecmath::acos_short_lanes<half_turns, vecmath::asinpi_short>>;
 
 }  // namespace
 

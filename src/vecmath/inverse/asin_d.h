@@ -1,56 +1,16 @@
-// The arc sine of doubles on [0, 1/2], and what asin and acos of [0, 1] make of it, in one part: "EP" and floats.
+// asin and acos of doubles in one part, for floats and "EP"; "HA" is that of asin_rows_d.h.
 //
-//   asin w = w + w z P(z), z = w^2.
+// The reduction is that of asin_light_d.h, with nothing but a polynomial and a sum behind it:
 //
-// Up to 1/2 w is |x| itself; above, z = (1 - |x|) / 2 exactly and w its root, and asin |x| = pi/2 - 2 asin w. The angle r of |x| that
-// is used, asin w or 2 asin w, then joins a quarter turn, a half turn or nothing.
-//
-// "HA" is that of asin_rows_d.h.
+//   asin w = w Q(z), z = w^2, up to 1/2; above, pi/2 - asin |x| from w = sqrt(2 (1 - |x|)), z = w^2 / 4.
 #pragma once
 
 #include "simd/constants.h"
 #include "vecmath/exp_log/special.h"
+#include "vecmath/inverse/asin_light_d.h"
 #include "vecmath/inverse/asin_rows_d.h"
 
 namespace orv::vecmath {
-
-struct AsinBlock {
-    // fpminimax((asin(sqrt(x))/sqrt(x)-1)/x, 5, [|110,D...|], [2^-30;1/4]) absolute: 2^-30 of the arc sine
-    simd::Splat<double> c0{0x1.555554d58f2d3p-3}, c1{0x1.3334481d0d2b1p-4}, c2{0x1.6d55e6da3b11cp-5},
-        c3{0x1.fe10baea6da2ep-6}, c4{0x1.169f76660cdc4p-6}, c5{0x1.15e1a44edc62cp-5};
-    simd::Splat<double> half{0.5}, one{1.0};
-    simd::Splat<double> inv_pi{0x1.45f306dc9c883p-2};
-    simd::SplatBits<uint64_t> magnitude{0x7FFFFFFFFFFFFFFF};
-    // High words: all below 1, the least whose square is formed.
-    simd::SplatBits<uint32_t> last{0x3FEFFFFF}, squares_from{(1023 - 200) << 20};
-    // The least whose products by parts of 1/pi are exact, 2^-900, to the bottom of the signed range, and what becomes of `last`.
-    simd::SplatBits<uint32_t> to_bottom{0x80000000 - ((1023 - 900) << 20)},
-        last_from_bottom{0x3FEFFFFF + 0x80000000 - ((1023 - 900) << 20)};
-};
-
-// The angle in parts: `high`, and `low` far below it. `folded` has the lanes above 1/2, where it is twice the arc sine of w.
-struct AsinParts {
-    __m128d high, low, folded;
-};
-
-enum class AsinForm { exact, rough };  // "HA", "EP"
-
-// x in [0, 1).
-inline AsinParts asin_parts(const AsinBlock& K, __m128d x) {
-    const __m128d folded = simd::less(K.half, x);
-    const __m128d z_folded = (K.one - x) * K.half;
-    const __m128i large = _mm_cmpgt_epi32(simd::bits_of(x), K.squares_from);
-    const __m128d x_squared = simd::bit_and(x, simd::doubles(_mm_shuffle_epi32(large, _MM_SHUFFLE(3, 3, 1, 1)))) * x;
-    const __m128d w = simd::select(folded, _mm_sqrt_pd(z_folded), x);
-    const __m128d z = simd::select(folded, z_folded, x_squared), z2 = z * z;
-    const __m128d p = (K.c0 + z * K.c1) + z2 * ((K.c2 + z * K.c3) + z2 * (K.c4 + z * K.c5));
-    const __m128d low = (w * z) * p;
-    return {w + simd::bit_and(folded, w), low + simd::bit_and(folded, low), folded};
-}
-
-inline constexpr AsinBlock asin_block;
-
-// ---- In radians or multiples of pi -----------------------------------------------------------------------------------
 
 struct AngleUnit {
     bool pi;
@@ -58,36 +18,61 @@ struct AngleUnit {
 };
 inline constexpr AngleUnit radians{false, 0x1.921fb54442d18p+0, 0x1.1a62633145c07p-54}, half_turns{true, 0.5, 0.0};
 
-// From radians to the unit.
-template <const AngleUnit& U>
-inline __m128d in_unit(__m128d x) {
-    if constexpr (!U.pi) return x;
-    return x * asin_block.inv_pi;
+struct AsinShortBlock {
+    simd::Splat<double> c[7];
+    simd::Splat<double> half{0.5}, minus_half{-0.5}, one{1.0}, minus{-0.0};
+};
+// fpminimax(asin(x), [|3,5,...,13|], [|D...|], [2^-20;1/2], floating, relative, x): 2^-31.7; of asin(x)/pi from the first term on 2^-31.8
+inline constexpr AsinShortBlock asin_float{{1.0, 0x1.55554c5fb0497p-3, 0x1.33387c9d34c26p-4, 0x1.6caed2156b6d9p-5,
+                                            0x1.0491a13d03eb4p-5, 0x1.d91fa3376b476p-7, 0x1.3355c1d82492dp-5}};
+inline constexpr AsinShortBlock asinpi_float{{0x1.45f306de00f77p-2, 0x1.b2994dde4bc3ap-5, 0x1.872bb290c9ccfp-6,
+                                              0x1.d02f1bc20220cp-7, 0x1.4cbcd0cdc5ba9p-7, 0x1.26f5b32e45f2ap-8,
+                                              0x1.8b29542eb155dp-7}};
+// The same to the power 11: 2^-27.6 and 2^-27.7
+inline constexpr AsinShortBlock asin_short{{1.0, 0x1.5555c88341afep-3, 0x1.3301e4685d3b1p-4, 0x1.747e4a34796c9p-5,
+                                            0x1.8c283c204103p-6, 0x1.596d289af2d02p-5, 0.0}};
+inline constexpr AsinShortBlock asinpi_short{{0x1.45f306c476f1ep-2, 0x1.b29a316f8dddfp-5, 0x1.86d954ce1af55p-6,
+                                              0x1.db1b0d0bd9c26p-7, 0x1.f1b30fe41bb49p-8, 0x1.bcb4b4bb131bp-7, 0.0}};
+
+// A turn and the angle of w.
+template <const AsinShortBlock& K>
+inline __m128d short_angle(__m128d turn, __m128d w, __m128d z) {
+    const __m128d z2 = z * z;
+    __m128d top = K.c[4] + z * K.c[5];
+    if constexpr (K.c[6] != 0.0) top = top + z2 * K.c[6];
+    return turn + w * ((K.c[0] + z * K.c[1]) + z2 * ((K.c[2] + z * K.c[3]) + z2 * top));
 }
+
+// The negative of the magnitude, as in asin_light_d.h.
+template <const AngleUnit& U, const AsinShortBlock& K>
+inline __m128d asin_short_lanes(__m128d x) {
+    const LightSine s = light_sine<K>(x);
+    const __m128d turn = simd::bit_and(s.folded, simd::splat(-double{U.quarter_high}));
+    const __m128d y = short_angle<K>(turn, simd::select_by_sign(s.folded, s.root, s.below), s.z);
+    return simd::bit_or(simd::magnitude(y), simd::sign_of(x));
+}
+
+// pi/2 - asin x up to 1/2; above the complement itself, or pi less that for a negative x.
+template <const AngleUnit& U, const AsinShortBlock& K>
+inline __m128d acos_short_lanes(__m128d x) {
+    const __m128d behind = simd::less(x, _mm_setzero_pd());
+    const LightSine s = light_sine<K>(x);
+    const __m128d half_turn = simd::bit_and(behind, simd::splat(2 * double{U.quarter_high}));
+    const __m128d w = simd::select_by_sign(s.folded, simd::bit_or(s.root, simd::sign_of(x)), simd::bit_xor(x, K.minus));
+    return short_angle<K>(simd::select_by_sign(s.folded, half_turn, U.quarter_high), w, s.z);
+}
+
+enum class AsinForm { exact, rough };  // "HA", for floats
 
 template <const AngleUnit& U, AsinForm Form>
 inline __m128d asin_lanes(__m128d x) {
     if constexpr (Form == AsinForm::exact) return asin_by_rows < U.pi ? sine_rows_half_turns : sine_rows_radians > (x);
-    const AsinParts parts = asin_parts(asin_block, simd::magnitude(x));
-    const __m128d minus = simd::sign_of(parts.folded);
-    const __m128d y = (simd::bit_and(parts.folded, U.quarter_high) + simd::bit_xor(in_unit<U>(parts.high), minus)) +
-                      simd::bit_xor(in_unit<U>(parts.low), minus);
-    return simd::bit_xor(y, simd::sign_of(x));
+    return asin_short_lanes < U, U.pi ? asinpi_float : asin_float > (x);
 }
-
 template <const AngleUnit& U, AsinForm Form>
 inline __m128d acos_lanes(__m128d x) {
     if constexpr (Form == AsinForm::exact) return acos_by_rows < U.pi ? sine_rows_half_turns : sine_rows_radians > (x);
-    const __m128d sign = simd::sign_of(x);
-    const AsinParts parts = asin_parts(asin_block, simd::magnitude(x));
-    // pi/2 - asin x up to 1/2; above r itself, or pi less r for a negative x.
-    const __m128d minus = simd::bit_xor(sign, simd::bit_and_not(parts.folded, simd::splat(-0.0)));
-    const __m128d negative =
-        simd::doubles(_mm_shuffle_epi32(_mm_srai_epi32(simd::bits_of(sign), 31), _MM_SHUFFLE(3, 3, 1, 1)));
-    const __m128d once = simd::bit_or(simd::bit_and_not(parts.folded, simd::doubles(_mm_set1_epi32(-1))), negative);
-    const __m128d twice = simd::bit_and(parts.folded, negative);
-    const __m128d base = simd::bit_and(once, U.quarter_high) + simd::bit_and(twice, U.quarter_high);
-    return (base + simd::bit_xor(in_unit<U>(parts.high), minus)) + simd::bit_xor(in_unit<U>(parts.low), minus);
+    return acos_short_lanes < U, U.pi ? asinpi_float : asin_float > (x);
 }
 
 }  // namespace orv::vecmath

@@ -12,19 +12,18 @@ using vecmath::atan_half_turns;
 using vecmath::atan_radians;
 using vecmath::AtanBlock;
 
-template <const AtanBlock& K, bool Short>
+template <const AtanBlock& K, bool Short, bool OnePart = false>
 struct Atan : frame::OneInput<double, 4, frame::Tail::masked> {
     static __m128d doubt(__m128d x) {
         const __m128i high = _mm_and_si128(simd::bits_of(x), K.magnitude);
-        __m128d doubt = simd::doubles(_mm_cmpgt_epi32(high, K.greatest));
-        if constexpr (K.in_pi) {
-            const __m128d tiny = simd::doubles(_mm_cmpgt_epi32(K.products_from, high));
-            doubt = simd::bit_or(doubt, simd::bit_and_not(simd::equal(x, _mm_setzero_pd()), tiny));
-        }
-        return doubt;
+        if constexpr (!K.in_pi) return simd::doubles(_mm_cmpgt_epi32(high, K.greatest));
+        // From 2^-900 up to the greatest number, or 0.
+        const __m128d outside =
+            simd::doubles(_mm_cmpgt_epi32(_mm_add_epi32(high, K.to_bottom), K.greatest_from_bottom));
+        return simd::bit_and_not(simd::equal(x, _mm_setzero_pd()), outside);
     }
 
-    static __m128d lanes(__m128d x) { return vecmath::atan_lanes<K, Short>(x); }
+    static __m128d lanes(__m128d x) { return vecmath::atan_lanes<K, Short, OnePart>(x); }
 
     static int32_t scalar(const double* at, double* y) {
         const double x = *at;
@@ -41,6 +40,7 @@ struct Atan : frame::OneInput<double, 4, frame::Tail::masked> {
 
 using AtanHa = Atan<atan_radians, false>;
 using AtanEp = Atan<atan_radians, true>;
+using AtanpiLa = Atan<atan_half_turns, false, true>;
 using AtanpiHa = Atan<atan_half_turns, false>;
 using AtanpiEp = Atan<atan_half_turns, true>;
 
@@ -48,6 +48,6 @@ using AtanpiEp = Atan<atan_half_turns, true>;
 
 ORV_ONE_INPUT(dAtan, la, AtanHa)
 ORV_ONE_INPUT(dAtan, ep, AtanEp)
-ORV_ONE_INPUT(dAtanpi, la, AtanpiHa)
+ORV_ONE_INPUT(dAtanpi, la, AtanpiLa)
 ORV_ONE_INPUT(dAtanpi, ha, AtanpiHa)
 ORV_ONE_INPUT(dAtanpi, ep, AtanpiEp)

@@ -6,7 +6,7 @@
 //
 // x - c is exact. t is 1/64 of x at the most, so that its three roundings are a twentieth of an ulp of the sum. Below 2^-5 c is
 // 0 and t is x; from 2^6 on c is 2^100 and t is -1/x. atan t = t + t^3 P(t^2) with |t| < 2^-5. In units of pi t is multiplied by
-// 1/pi in two parts, of which the leading product is exact.
+// 1/pi in two parts, of which the leading product is exact, or for "LA" in one.
 #pragma once
 
 #include "simd/constants.h"
@@ -32,10 +32,10 @@ struct AtanBlock {
     // a lane these leave anything.
     simd::SplatBits<uint32_t> before_first{((1023 - 5) << 5) - 1}, no_row{0}, last_row{atan_last_row};
     simd::SplatBits<uint32_t> greatest{0x7FEFFFFF};
-    // What is below 2^-200 has no part in P: its square would underflow.
-    simd::SplatBits<uint32_t> squares_from{(1023 - 200) << 20};
-    // Below 2^-900 the products by parts of 1/pi are not exact.
-    simd::SplatBits<uint32_t> products_from{(1023 - 900) << 20};
+    simd::Splat<double> least_square{0x1p-200};  // what is below has no part in P: its square would underflow
+    // The least whose products by parts of 1/pi are exact, 2^-900, to the bottom of the signed range, and what becomes of `greatest`.
+    simd::SplatBits<uint32_t> to_bottom{0x80000000 - ((1023 - 900) << 20)},
+        greatest_from_bottom{0x7FEFFFFF + 0x80000000 - ((1023 - 900) << 20)};
 };
 
 struct AtanRow {
@@ -52,26 +52,20 @@ inline AtanRow atan_row(__m128d x) {
     return {_mm_unpacklo_pd(first0, first1), _mm_unpackhi_pd(first0, first1), simd::gather(row0 + 2, row1 + 2)};
 }
 
-// (atan t - t) in the block's unit for |t| < 2^-5; of t whose square would underflow nothing.
+// (atan t - t) / t in the block's unit for |t| < 2^-5.
+template <const AtanBlock& K, bool Short>
+inline __m128d atan_series(__m128d t) {
+    const __m128d z = t * t;
+    if constexpr (Short)
+        return z * (K.short_c0 + z * K.short_c1);
+    else
+        return z * ((K.c0 + z * K.c1) + (z * z) * (K.c2 + z * K.c3));
+}
+// atan t - t in the block's unit; of t whose square would underflow nothing.
 template <const AtanBlock& K, bool Short>
 inline __m128d atan_rest(__m128d t) {
-    const __m128i large = _mm_cmpgt_epi32(_mm_and_si128(simd::bits_of(t), K.magnitude), K.squares_from);
-    const __m128d w = simd::bit_and(t, simd::doubles(_mm_shuffle_epi32(large, _MM_SHUFFLE(3, 3, 1, 1))));
-    const __m128d z = w * w;
-    if constexpr (Short)
-        return (w * z) * (K.short_c0 + z * K.short_c1);
-    else
-        return (w * z) * ((K.c0 + z * K.c1) + (z * z) * (K.c2 + z * K.c3));
-}
-
-// t times 1/pi: an exact leading part and the rest.
-struct OverPi {
-    __m128d high, low;
-};
-template <const AtanBlock& K>
-inline OverPi over_pi(__m128d t) {
-    const __m128d t_high = simd::bit_and(t, simd::doubles(K.upper));
-    return {t_high * K.inv_pi_high, (t - t_high) * K.inv_pi_high + t * K.inv_pi_low};
+    const __m128d v = simd::bit_and(t, simd::less(K.least_square, simd::magnitude(t)));
+    return v * atan_series<K, Short>(v);
 }
 
 inline constexpr AtanBlock atan_radians{.in_pi = false,
@@ -93,22 +87,27 @@ inline double tiny_over_pi(double x) {
     return scaled_sum(high * double{K.inv_pi_high}, minor, exponent - 2);
 }
 
-template <const AtanBlock& K, bool Short>
+// `OnePart`: in units of pi with one product, whose roundings are up to 0.8 ulp where c is 0.
+template <const AtanBlock& K, bool Short, bool OnePart = false>
 inline __m128d atan_lanes(__m128d x) {
     const __m128d sign = simd::sign_of(x);
     // From 2^200 on nothing changes, and its product with c stays finite.
     x = _mm_min_pd(simd::magnitude(x), K.most);
     const AtanRow row = atan_row<K>(x);
     const __m128d t = (x - row.c) / (K.one + row.c * x);
-    const __m128d rest = atan_rest<K, Short>(t);
+    // t is as small as that with x alone.
+    const __m128d v = simd::bit_and(t, simd::less(K.least_square, x)), p = atan_series<K, Short>(v);
     __m128d tail;
     if constexpr (Short) {
-        tail = K.in_pi ? t * K.inv_pi + rest : t + rest;
+        tail = K.in_pi ? t * (K.inv_pi + p) : t + v * p;
+    } else if constexpr (OnePart) {
+        tail = row.low + t * (K.inv_pi + p);
     } else if constexpr (K.in_pi) {
-        const OverPi p = over_pi<K>(t);
-        tail = p.high + ((p.low + row.low) + rest);
+        // The product of the leading parts is exact.
+        const __m128d leading = simd::bit_and(t, simd::doubles(K.upper));
+        tail = leading * K.inv_pi_high + ((t - leading) * K.inv_pi_high + (row.low + t * (K.inv_pi_low + p)));
     } else {
-        tail = t + (row.low + rest);
+        tail = t + (row.low + v * p);
     }
     return simd::bit_or(row.high + tail, sign);
 }

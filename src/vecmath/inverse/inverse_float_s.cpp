@@ -1,8 +1,8 @@
 // sAsin, sAcos, sAtan, their forms in multiples of pi, sAtan2 and sAtan2pi in float: "LA", and "EP" by polynomials of fewer
 // terms. What is not on their vector paths is that of inverse_s.h.
 //
-//   asin w = w + w z P(z), z = w^2, up to 1/2; above, asin |x| = pi/2 - 2 asin sqrt(z) with z = (1 - |x|) / 2, where 1 - |x| is
-// exact and 2 sqrt(z) one root. atan t = t + t z P(z), z = t^2, for t = |x| or 1 / |x|, whichever is below 1.
+//   asin w = w + w z P(z), z = w^2, up to 1/2; above, by the root w of z = (1 - |x|) / 2, asin |x| = -2 (asin w - pi/4),
+// acos |x| = 2 asin w and acos -|x| = -2 (asin w - pi/2). atan t = t + t z P(z), z = t^2, for t = |x| or 1 / |x|, whichever is below 1.
 //
 // Next to where a quarter or half of a turn comes in, three roundings count: up to 1.8 ulp, in units of pi 2. By way of double,
 // within 0.51, "LA" takes two to three times as long.
@@ -14,6 +14,7 @@ using namespace orv;
 using simd::bit_and;
 using simd::bit_or;
 using simd::bit_xor;
+using simd::bits_of;
 using simd::Splat;
 using vecmath::float_by_double::ArcBlock;
 
@@ -54,24 +55,33 @@ constexpr Series<4> atanpi_ep{{-0x1.b268aep-4, 0x1.fb0ffep-5, -0x1.1b8126p-5, 0x
 template <int AsinTerms, int AtanTerms>
 struct Block {
     bool in_pi;
+    bool in_parts = AsinTerms > 2;  // what "EP" has as one number
     Series<AsinTerms> asin;
     Series<AtanTerms> atan;
-    Splat<float> half_turn{in_pi ? 1.0f : 2.0f}, half_turn_rest{0x1.243f6ap+0f};
-    Splat<float> quarter_turn{in_pi ? 0.5f : 1.0f}, quarter_turn_rest{0x1.243f6ap-1f};
-    Splat<float> one{1.0f}, minus{-0.0f};
-    Splat<float> over_pi_high{0x1.45ep-2f}, over_pi_low{0x1.306dcap-14f};
-    simd::SplatBits<uint32_t> leading{0xFFFFF000}, least{(127 - 100) << 23};
+    Splat<float> half_turn{in_pi ? 1.0f : in_parts ? 2.0f : 0x1.921fb6p+1f}, half_turn_rest{0x1.243f6ap+0f};
+    Splat<float> quarter_turn{in_pi ? 0.5f : in_parts ? 1.0f : 0x1.921fb6p+0f}, quarter_turn_rest{0x1.243f6ap-1f};
+    Splat<float> eighth_turn{in_pi      ? 0.25f
+                             : in_parts ? 0.5f
+                                        : 0x1.921fb6p-1f},
+        eighth_turn_rest{0x1.243f6ap-2f}, quarter_turn_of_acos{in_pi ? 0.5f : 0x1.921fb6p+0f};
+    Splat<float> half{0.5f}, one{1.0f}, minus{-0.0f};
+    Splat<float> over_pi{0x1.45f306p-2f}, over_pi_high{0x1.45ep-2f}, over_pi_low{0x1.306dcap-14f};
+    simd::SplatBits<uint32_t> leading{0xFFFFF000}, twice{0x00800000}, twice_and_minus{0x80800000},
+        less_one_and_turned{0x7FFFFFFF}, least{((127 - 100) << 23) + 0x7FFFFFFFu};
 };
-constexpr Block<5, 9> la{false, asin_la, atan_la};
-constexpr Block<5, 10> la_in_pi{true, asinpi_la, atanpi_la};
-constexpr Block<2, 4> ep{false, asin_ep, atan_ep}, ep_in_pi{true, asinpi_ep, atanpi_ep};
+constexpr Block<5, 9> la{.in_pi = false, .asin = asin_la, .atan = atan_la};
+constexpr Block<5, 10> la_in_pi{.in_pi = true, .asin = asinpi_la, .atan = atanpi_la};
+constexpr Block<2, 4> ep{.in_pi = false, .asin = asin_ep, .atan = atan_ep},
+    ep_in_pi{.in_pi = true, .asin = asinpi_ep, .atan = atanpi_ep};
 
 // The angle of a sine or tangent w of either sign, w + w z P(z), joined to a turn. The turn has two parts: the second is so near
 // the middle of all w that their difference loses nothing above 1/14, and the first is 1 or 2. Times 1/pi by leading parts so
 // short that their product is exact.
 template <const auto& K>
 inline __m128 joined(__m128 turn, __m128 turn_rest, __m128 w, __m128 z, __m128 p) {
-    if constexpr (!K.in_pi) return turn + ((turn_rest + w) + (w * z) * p);
+    if constexpr (!K.in_pi && K.in_parts) return turn + ((turn_rest + w) + (w * z) * p);
+    if constexpr (!K.in_pi) return (turn + w) + (w * z) * p;
+    if constexpr (!K.in_parts) return (turn + w * K.over_pi) + (w * z) * p;
     const __m128 leading = bit_and(w, simd::floats(K.leading));
     const __m128 low = ((w - leading) * K.over_pi_high + w * K.over_pi_low) + w * (z * p);
     return (turn + leading * K.over_pi_high) + low;
@@ -81,8 +91,9 @@ inline __m128 joined(__m128 turn, __m128 turn_rest, __m128 w, __m128 z, __m128 p
 template <const auto& K>
 inline __m128 tiny(__m128 x) {
     if constexpr (!K.in_pi) return _mm_setzero_ps();
-    const __m128i size = simd::bits_of(simd::magnitude(x));
-    return simd::floats(_mm_and_si128(_mm_cmpgt_epi32(K.least, size), _mm_cmpgt_epi32(size, _mm_setzero_si128())));
+    // What is one less than 0 is above all.
+    const __m128i size = simd::add_32(simd::bits_of(simd::magnitude(x)), K.less_one_and_turned);
+    return simd::floats(_mm_cmpgt_epi32(K.least, size));
 }
 template <const auto& K, class Double>
 inline int32_t beyond_lanes(const float* at, float* y) {
@@ -93,43 +104,53 @@ inline int32_t beyond_lanes(const float* at, float* y) {
     return frame::status_ok;
 }
 
-// What the arc of |x| comes from: w, of the sign of `minus` or, folded about 1/2, of the other, and z.
+// The sine w of the arc of |x|, folded about 1/2, and the terms of the arc behind w, over w.
 struct Sine {
-    __m128 folded, w, z;
+    __m128 folded, w, terms;
 };
-inline Sine sine_of(__m128 x, __m128 sign_unfolded, __m128 sign_folded) {
-    const __m128 size = simd::magnitude(x), half = simd::splat(0.5f), left = simd::splat(1.0f) - size;
-    const __m128 folded = simd::less(half, size);
-    const __m128 w = simd::select(folded, bit_or(_mm_sqrt_ps(left + left), sign_folded), bit_or(size, sign_unfolded));
-    return {folded, w, simd::least(size * size, left * half)};
+template <const auto& K>
+inline Sine sine_of(__m128 size) {
+    const __m128 left = K.one - size, half_left = left * K.half;
+    const __m128 z = simd::least(size * size, half_left);
+    return {simd::less(K.half, size), simd::least(size, _mm_sqrt_ps(half_left)), z * value(K.asin, z)};
+}
+
+// The arc less a turn. Times 1/pi by leading parts so short that their product is exact.
+template <const auto& K>
+inline __m128 arc_less_turn(__m128 w, __m128 terms, __m128 turn, __m128 turn_rest = _mm_setzero_ps()) {
+    if constexpr (K.in_parts && !K.in_pi) return ((w - turn_rest) + w * terms) - turn;
+    if constexpr (!K.in_pi) return (w - turn) + w * terms;
+    if constexpr (!K.in_parts) return (w * K.over_pi - turn) + w * terms;
+    const __m128 leading = bit_and(w, simd::floats(K.leading));
+    return (leading * K.over_pi_high - turn) + ((w - leading) * K.over_pi_high + w * (terms + K.over_pi_low));
 }
 
 template <const auto& K, const ArcBlock& U>
 struct Asin : vecmath::float_by_double::Asin<U> {
     using Double = vecmath::float_by_double::Asin<U>;
-    static constexpr int block = 8;
     static __m128 doubt(__m128 x) { return bit_or(Double::doubt(x), tiny<K>(x)); }
     static __m128 lanes(__m128 x) {
-        const Sine s = sine_of(x, _mm_setzero_ps(), K.minus);
-        const __m128 y = joined<K>(bit_and(s.folded, K.quarter_turn), bit_and(s.folded, K.quarter_turn_rest), s.w, s.z,
-                                   value(K.asin, s.z));
-        return bit_xor(y, simd::sign_of(x));
+        const Sine s = sine_of<K>(simd::magnitude(x));
+        __m128 turn_rest = _mm_setzero_ps();
+        if constexpr (K.in_parts && !K.in_pi) turn_rest = bit_and(s.folded, K.eighth_turn_rest);
+        const __m128 y = arc_less_turn<K>(s.w, s.terms, bit_and(s.folded, K.eighth_turn), turn_rest);
+        const __m128 bits = bit_and(s.folded, simd::floats(K.twice_and_minus));
+        return vecmath::float_by_double::with_bits(y, bit_xor(bits, simd::sign_of(x)));
     }
     static int32_t scalar(const float* at, float* y) { return beyond_lanes<K, Double>(at, y); }
 };
 
 template <const auto& K, const ArcBlock& U>
 struct Acos : vecmath::float_by_double::Acos<U> {
-    static constexpr int block = 8;
     static __m128 lanes(__m128 x) {
-        // pi/2 - asin x up to 1/2; above the complement itself, or pi less that for a negative x.
         const __m128 sign = simd::sign_of(x);
-        const Sine s = sine_of(x, bit_xor(sign, K.minus), sign);
-        const __m128 behind = simd::floats(_mm_srai_epi32(simd::bits_of(x), 31));
-        const __m128 turn = simd::select(s.folded, bit_and(behind, K.half_turn), K.quarter_turn);
-        __m128 rest = turn;
-        if constexpr (!K.in_pi) rest = simd::select(s.folded, bit_and(behind, K.half_turn_rest), K.quarter_turn_rest);
-        return joined<K>(turn, rest, s.w, s.z, value(K.asin, s.z));
+        const Sine s = sine_of<K>(simd::magnitude(x));
+        const __m128 w = bit_xor(s.w, simd::bit_and_not(s.folded, sign));
+        // All but those next to 1.
+        const __m128 turned = bit_or(sign, simd::bit_and_not(s.folded, K.minus));
+        const __m128 mask = simd::floats(_mm_srai_epi32(simd::bits_of(turned), 31));
+        const __m128 y = arc_less_turn<K>(w, s.terms, bit_and(mask, K.quarter_turn_of_acos));
+        return vecmath::float_by_double::with_bits(y, bit_or(bit_and(s.folded, simd::floats(K.twice)), turned));
     }
 };
 
@@ -166,7 +187,8 @@ struct Atan2 : vecmath::float_by_double::Atan2<D, Turn> {
         const __m128 behind = simd::floats(_mm_srai_epi32(simd::bits_of(b), 31));
         const __m128 turn = simd::select(steep, K.quarter_turn, bit_and(behind, K.half_turn));
         __m128 rest = turn;
-        if constexpr (!K.in_pi) rest = simd::select(steep, K.quarter_turn_rest, bit_and(behind, K.half_turn_rest));
+        if constexpr (K.in_parts && !K.in_pi)
+            rest = simd::select(steep, K.quarter_turn_rest, bit_and(behind, K.half_turn_rest));
         return bit_xor(joined<K>(turn, rest, t, z, value(K.atan, z)), simd::sign_of(a));
     }
     static int32_t scalar(const float* a, const float* b, float* y) {

@@ -36,6 +36,11 @@ int32_t at_ends(float x, float* y, End end) {
     return frame::status_ok;
 }
 
+// A sign turned over and an exponent raised, by addition.
+inline __m128 with_bits(__m128 y, __m128 bits) {
+    return simd::floats(simd::add_32(simd::bits_of(y), simd::bits_of(bits)));
+}
+
 struct ArcBlock {
     bool in_pi;
     double unit = in_pi ? 0x1.45f306dc9c883p-2 : 1.0;  // of radians
@@ -47,8 +52,8 @@ struct ArcBlock {
         c6{in_pi ? 0x1.456832p-7f : 0x1.ff1f7cp-6f};
     Splat<float> per_squared_unit{static_cast<float>(1 / (unit * unit))};
     Splat<double> eighth_turn{in_pi ? 0.25 : 0x1.921fb54442d18p-1}, quarter_turn{in_pi ? 0.5 : 0x1.921fb54442d18p+0};
-    Splat<float> half{0.5f}, one{1.0f}, minus_one{-1.0f}, two{2.0f}, minus_two{-2.0f};
-    simd::SplatBits<uint32_t> upper{0xFFFFF000};
+    Splat<float> half{0.5f}, one{1.0f}, minus{-0.0f};
+    simd::SplatBits<uint32_t> upper{0xFFFFF000}, twice{0x00800000}, twice_and_minus{0x80800000};
 };
 inline constexpr ArcBlock arc_radians{false}, arc_half_turns{true};
 
@@ -70,18 +75,22 @@ inline Sine sine_of(__m128 x, __m128 size) {
     return {folded, w, (w * z) * (z2 * p) + lost * simd::bit_and(_mm_rsqrt_ps(square), folded)};
 }
 
+// The leading terms of the arc of w.
 template <const ArcBlock& K>
-inline __m128d arc_sine(__m128d w, __m128d rest) {
+inline __m128d leading_terms(__m128d w) {
     const __m128d z = w * w;
-    return w * (K.in_unit + z * (K.c0 + z * K.c1)) + rest;
+    return w * (K.in_unit + z * (K.c0 + z * K.c1));
 }
 // Of a sine, less `turn` in the lanes of the mask.
 template <const ArcBlock& K>
 inline __m128 arc_less_turn(const Sine& s, __m128 mask, __m128d turn) {
-    const __m128d low = arc_sine<K>(simd::widen_low(s.w), simd::widen_low(s.rest));
-    const __m128d high = arc_sine<K>(simd::widen_high(s.w), simd::widen_high(s.rest));
-    return simd::narrow(low - simd::bit_and(_mm_castps_pd(simd::interleave_low(mask, mask)), turn),
-                        high - simd::bit_and(_mm_castps_pd(simd::interleave_high(mask, mask)), turn));
+    const __m128d low_mask = _mm_castps_pd(simd::interleave_low(mask, mask));
+    const __m128d low =
+        (leading_terms<K>(simd::widen_low(s.w)) - simd::bit_and(low_mask, turn)) + simd::widen_low(s.rest);
+    const __m128d high_mask = _mm_castps_pd(simd::interleave_high(mask, mask));
+    const __m128d high =
+        (leading_terms<K>(simd::widen_high(s.w)) - simd::bit_and(high_mask, turn)) + simd::widen_high(s.rest);
+    return simd::narrow(low, high);
 }
 
 template <const ArcBlock& K>
@@ -90,8 +99,8 @@ struct Asin : frame::OneInput<float, 8, frame::Tail::masked> {
     static __m128 lanes(__m128 x) {
         const __m128 size = simd::magnitude(x);
         const Sine s = sine_of<K>(size, size);
-        const __m128 factor = simd::bit_xor(simd::select_by_sign(s.folded, K.minus_two, K.one), simd::sign_of(x));
-        return arc_less_turn<K>(s, s.folded, K.eighth_turn) * factor;
+        const __m128 bits = simd::bit_and(s.folded, simd::floats(K.twice_and_minus));
+        return with_bits(arc_less_turn<K>(s, s.folded, K.eighth_turn), simd::bit_xor(bits, simd::sign_of(x)));
     }
     static int32_t scalar(const float* at, float* y) {
         return at_ends(*at, y, [](float x) { return std::copysign(double{K.quarter_turn}, x); });
@@ -104,10 +113,11 @@ struct Acos : frame::OneInput<float, 8, frame::Tail::masked> {
     static __m128 lanes(__m128 x) {
         const __m128 sign = simd::sign_of(x);
         const Sine s = sine_of<K>(x, simd::magnitude(x));
-        const __m128 factor = simd::select_by_sign(s.folded, simd::bit_xor(sign, K.two), K.minus_one);
         // All but those next to 1.
-        const __m128 turned = simd::floats(_mm_srai_epi32(simd::bits_of(factor), 31));
-        return arc_less_turn<K>(s, turned, K.quarter_turn) * factor;
+        const __m128 turned = simd::bit_or(sign, simd::bit_and_not(s.folded, K.minus));
+        const __m128 mask = simd::floats(_mm_srai_epi32(simd::bits_of(turned), 31));
+        const __m128 bits = simd::bit_or(simd::bit_and(s.folded, simd::floats(K.twice)), turned);
+        return with_bits(arc_less_turn<K>(s, mask, K.quarter_turn), bits);
     }
     static int32_t scalar(const float* at, float* y) {
         return at_ends(*at, y, [](float x) { return x > 0 ? 0.0 : 2 * double{K.quarter_turn}; });
