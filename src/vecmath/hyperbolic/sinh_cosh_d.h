@@ -1,4 +1,4 @@
-// The hyperbolic sine and cosine of doubles, from a table of powers.
+// The hyperbolic sine and cosine of doubles, from a table of powers, as the complex functions have them.
 //
 // |x| = k ln 2 / 64 + r with |r| below ln 2 / 128; with k = 64 n + j, A = 2^(j/64) and B = 2^(-2n - j/64), both in two parts,
 // S = (A - B) / 2 and C = (A + B) / 2 are the hyperbolic functions of k ln 2 / 64 but for a factor 2^n:

@@ -3,7 +3,7 @@
 //   asin w = w + w z P(z), z = w^2, up to 1/2; above, pi/2 - asin |x| from w = sqrt(2 (1 - |x|)), z = w^2 / 4,
 //
 // where 1 - |x| is exact. A turn has two parts: the first of few digits, the second near the middle of all w, so that its
-// difference from w is exact but next to w = 1. Three roundings make up to 1.7 ulp next to 1/2. In
+// difference from w is exact but next to w = 1. Three roundings make up to 1.8 ulp next to 1/2. In
 // multiples of pi that difference is in radians.
 #pragma once
 
