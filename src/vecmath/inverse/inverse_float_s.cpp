@@ -14,7 +14,6 @@ using namespace orv;
 using simd::bit_and;
 using simd::bit_or;
 using simd::bit_xor;
-using simd::bits_of;
 using simd::Splat;
 using vecmath::float_by_double::ArcBlock;
 
