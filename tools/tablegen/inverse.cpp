@@ -24,11 +24,12 @@ void atan_rows(const Output& output, const std::string& name, const Real& unit) 
     }
 }
 
-// Row j: a polynomial next to the arc tangent of c + h for c = j / spaces and |h| up to H = 1 / (2 spaces), from the constant term on, and
-// the rests of the first two coefficients, if asked for. The Taylor coefficients are (-1)^(n-1) sin(n phi) sin^n(phi) / n with phi = pi/2 -
-// atan c; `powers` is what h^n / H^n for the first n that is left out has in place of it, by the Chebyshev polynomial of that degree.
+// Row j: a polynomial next to the arc tangent of c + h for c = j / spaces and |h| up to H = 1 / (2 spaces), from the constant term on,
+// less `leading` in the second coefficient, and the rest of the first, if asked for. The Taylor coefficients are
+// (-1)^(n-1) sin(n phi) sin^n(phi) / n with phi = pi/2 - atan c; `powers` is what h^n / H^n for the first n that is left out has in place
+// of it, by the Chebyshev polynomial of that degree.
 void atan_series(const Output& output, const std::string& name, int spaces, const std::vector<double>& powers,
-                 bool rests, const Real& unit) {
+                 bool rest, double leading, const Real& unit) {
     Table table(output, name + "_" + std::to_string(spaces), "the coefficients next to c");
     const int left_out = static_cast<int>(powers.size());
     for (int j = 0; j <= spaces; ++j) {
@@ -45,9 +46,10 @@ void atan_series(const Output& output, const std::string& name, int spaces, cons
             reach = reach / Real(2 * spaces);
             a[n] = a[n] + a[left_out] * Real(powers[n]) * reach;
         }
+        a[1] = a[1] - Real(leading);
         std::vector<double> row;
         for (int n = 0; n < left_out; ++n) row.push_back(to_double(a[n]));
-        if (rests) row.insert(row.end(), {Table::split(a[0]).second, Table::split(a[1]).second});
+        if (rest) row.push_back(Table::split(a[0]).second);
         table.row(row);
     }
 }
@@ -170,8 +172,10 @@ void inverse_tables(const Output& output) {
     atan_rows(output, "atan_rows", Real(1));
     atan_rows(output, "atanpi_rows", pi());
     for (const auto& [name, unit] : {std::pair("atan", Real(1)), std::pair("atanpi", pi())}) {
-        atan_series(output, name, 256, {1.0 / 32, 0, -9.0 / 16, 0, 3.0 / 2, 0}, true, unit);
-        atan_series(output, name, 64, {-1.0 / 8, 0, 1, 0}, false, unit);
+        // a1 is from 1/2 to 1 over the unit.
+        const double leading = to_double(unit) == 1 ? 1 : 0.25;
+        atan_series(output, name, 256, {1.0 / 32, 0, -9.0 / 16, 0, 3.0 / 2, 0}, true, leading, unit);
+        atan_series(output, name, 64, {-1.0 / 8, 0, 1, 0}, false, 0, unit);
     }
     tanh_rows(output);
     sinh_cosh_quarters(output);
