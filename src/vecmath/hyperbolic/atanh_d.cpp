@@ -10,9 +10,7 @@
 // atanh t = t + t^3 P(t^2) with |t| < 2^-5.
 #include "frame/kernel_loops.h"
 #include "simd/constants.h"
-#include "vecmath/exp_log/special.h"
-
-#include <math.h>
+#include "vecmath/hyperbolic/atanh_ends.h"
 
 namespace {
 
@@ -63,19 +61,7 @@ struct Atanh : frame::OneInput<double, 4, frame::Tail::masked> {
         const __m128d rest = (v * z) * ((K.c0 + z * K.c1) + (z * z) * (K.c2 + z * K.c3));
         return simd::bit_or(high + (t + (low + rest)), sign);
     }
-    static int32_t scalar(const double* at, double* y) {
-        const double x = *at;
-        if (vecmath::is_nan(x)) {
-            *y = vecmath::quiet(x);
-            return frame::status_ok;
-        }
-        if (std::fabs(x) > 1) {
-            *y = vecmath::invalid<double>();
-            return frame::status_domain;
-        }
-        *y = x / vecmath::at_run_time(0.0);
-        return frame::status_singularity;
-    }
+    static int32_t scalar(const double* x, double* y) { return vecmath::atanh_at_ends(*x, y); }
 };
 
 }  // namespace

@@ -10,6 +10,7 @@
 // The exponent and the three leading fraction bits of 2x / (1 - x), which is e^(2 atanh x) - 1, select the row; a rough reciprocal
 // is good enough for that. Below 1/33 c is 0 and t is x.
 #include "vecmath/hyperbolic/hyperbolic_s.h"
+#include "vecmath/hyperbolic/atanh_ends.h"
 #include "vecmath/power/pow_ep_d.h"
 
 namespace {
@@ -98,19 +99,7 @@ struct Atanh : frame::OneInput<float, 8, frame::Tail::masked> {
                                       atanh_lanes(row(2), row(3), simd::widen_high(size)));
         return simd::bit_or(y, simd::sign_of(x));
     }
-    static int32_t scalar(const float* at, float* y) {
-        const float x = *at;
-        if (vecmath::is_nan(x)) {
-            *y = vecmath::quiet(x);
-            return frame::status_ok;
-        }
-        if (std::fabs(x) > 1) {
-            *y = vecmath::invalid<float>();
-            return frame::status_domain;
-        }
-        *y = x / vecmath::at_run_time(0.0f);
-        return frame::status_singularity;
-    }
+    static int32_t scalar(const float* x, float* y) { return vecmath::atanh_at_ends(*x, y); }
 };
 
 }  // namespace
