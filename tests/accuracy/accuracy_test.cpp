@@ -68,10 +68,12 @@ TEST(Search, KnowsWhatItOnceMissed) {
         for (const Kernel& kernel : kernels()) {
             if (kernel.type != c.type || std::string_view(kernel.name) != c.name || !kernel.serves(c.accuracy))
                 continue;
+            const Judge judge(kernel, Measure::by_part);
+            if (!judge.can(c.x)) continue;
             double y;
             evaluate(kernel, c.x, &y, 1);
             Error error;
-            Judge(kernel, Measure::by_part).exact(c.x, &y, &error);
+            judge.exact(c.x, &y, &error);
             EXPECT_LE(error.ulp, bound_of(kernel)->ulp) << c.name;
         }
 }
