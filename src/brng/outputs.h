@@ -63,7 +63,7 @@ struct LinearOutput {
 };
 
 // The outputs on [a, b) of words that count in `unit`s, and of the words as they are.
-template <double unit>
+template <const double& unit>
 struct LinearOutputs {
     template <class Real>
     static LinearOutput<Real> numbers(Real a, Real b) {
