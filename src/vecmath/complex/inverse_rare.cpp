@@ -96,7 +96,7 @@ Arc rare_arc(double x, double y, Side side, bool minus) {
         if (x < 1) {
             const __m128d at = simd::splat(minus ? -x : x);
             const double angle =
-                of_lane(sine ? asin_lanes<radians, AsinForm::exact>(at) : acos_lanes<radians, AsinForm::exact>(at));
+                of_lane(sine ? asin_by_rows<sine_rows_radians>(at) : acos_by_rows<sine_rows_radians>(at));
             return {angle, over(y, root(unit_less_square(x)))};
         }
         const double end = sine ? turns(4) : turns(8);

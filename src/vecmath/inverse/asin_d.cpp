@@ -3,8 +3,7 @@
 
 #include "frame/kernel_loops.h"
 #include "vecmath/inverse/atan_d.h"
-
-#include <math.h>
+#include "vecmath/inverse/sine_ends.h"
 
 namespace {
 
@@ -29,21 +28,6 @@ inline __m128d outside(__m128d x) {
 // The same but for 1, by the sign; the difference is one that the vector path forms.
 inline __m128d beyond_1(__m128d x) { return K.one + simd::bit_or(x, K.minus); }
 
-// What the two functions do beyond their vector paths.
-template <class At>
-int32_t at_ends(double x, double* y, At at) {
-    if (vecmath::is_nan(x)) {
-        *y = vecmath::quiet(x);
-        return frame::status_ok;
-    }
-    if (std::fabs(x) > 1) {
-        *y = vecmath::invalid<double>();
-        return frame::status_domain;
-    }
-    *y = at(x);
-    return frame::status_ok;
-}
-
 // What a vector path leaves to the scalar one.
 enum class Doubt { above_1, from_1, from_1_or_tiny };
 template <Doubt Which>
@@ -61,7 +45,7 @@ struct Asin : frame::OneInput<double, 4, frame::Tail::masked> {
     static __m128d doubt(__m128d x) { return doubted<Which>(x); }
     static __m128d lanes(__m128d x) { return lanes_of(x); }
     static int32_t scalar(const double* at, double* y) {
-        return at_ends(*at, y, [](double x) {
+        return vecmath::sine_at_ends(*at, y, [](double x) {
             if (std::fabs(x) == 1)
                 return std::copysign(double{U.quarter_high} + vecmath::at_run_time(double{U.quarter_low}), x);
             return std::copysign(vecmath::tiny_over_pi(std::fabs(x)), x);
@@ -74,25 +58,24 @@ struct Acos : frame::OneInput<double, 4, frame::Tail::masked> {
     static __m128d doubt(__m128d x) { return doubted<Which>(x); }
     static __m128d lanes(__m128d x) { return lanes_of(x); }
     static int32_t scalar(const double* at, double* y) {
-        return at_ends(*at, y, [](double x) {
+        return vecmath::sine_at_ends(*at, y, [](double x) {
             return x > 0 ? 0.0 : 2 * double{U.quarter_high} + vecmath::at_run_time(2 * double{U.quarter_low});
         });
     }
 };
 
 using enum Doubt;
-using enum vecmath::AsinForm;
 using AsinLa = Asin<radians, above_1, vecmath::asin_light_lanes<vecmath::asin_light>>;
-using AsinHa = Asin<radians, from_1, vecmath::asin_lanes<radians, exact>>;
+using AsinHa = Asin<radians, from_1, vecmath::asin_by_rows<vecmath::sine_rows_radians>>;
 using AsinEp = Asin<radians, above_1, vecmath::asin_short_lanes<radians, vecmath::asin_short>>;
 using AcosLa = Acos<radians, above_1, vecmath::acos_light_lanes<vecmath::asin_light>>;
-using AcosHa = Acos<radians, from_1, vecmath::acos_lanes<radians, exact>>;
+using AcosHa = Acos<radians, from_1, vecmath::acos_by_rows<vecmath::sine_rows_radians>>;
 using AcosEp = Acos<radians, above_1, vecmath::acos_short_lanes<radians, vecmath::asin_short>>;
 using AsinpiLa = Asin<half_turns, from_1_or_tiny, vecmath::asin_light_lanes<vecmath::asinpi_light>>;
-using AsinpiHa = Asin<half_turns, from_1_or_tiny, vecmath::asin_lanes<half_turns, exact>>;
+using AsinpiHa = Asin<half_turns, from_1_or_tiny, vecmath::asin_by_rows<vecmath::sine_rows_half_turns>>;
 using AsinpiEp = Asin<half_turns, from_1_or_tiny, vecmath::asin_short_lanes<half_turns, vecmath::asinpi_short>>;
 using AcospiLa = Acos<half_turns, above_1, vecmath::acos_light_lanes<vecmath::asinpi_light>>;
-using AcospiHa = Acos<half_turns, from_1, vecmath::acos_lanes<half_turns, exact>>;
+using AcospiHa = Acos<half_turns, from_1, vecmath::acos_by_rows<vecmath::sine_rows_half_turns>>;
 using AcospiEp = Acos<half_turns, above_1, vecmath::acos_short_lanes<half_turns, vecmath::asinpi_short>>;
 
 }  // namespace

@@ -1,4 +1,4 @@
-// asin and acos of doubles in one part, for floats and "EP"; "HA" is that of asin_rows_d.h.
+// asin and acos of doubles in one part, "EP".
 //
 // The reduction is that of asin_light_d.h, with nothing but a polynomial and a sum behind it:
 //
@@ -19,28 +19,21 @@ struct AngleUnit {
 inline constexpr AngleUnit radians{false, 0x1.921fb54442d18p+0, 0x1.1a62633145c07p-54}, half_turns{true, 0.5, 0.0};
 
 struct AsinShortBlock {
-    simd::Splat<double> c[7];
+    simd::Splat<double> c[6];
     simd::Splat<double> half{0.5}, minus_half{-0.5}, one{1.0}, minus{-0.0};
 };
-// fpminimax(asin(x), [|3,5,...,13|], [|D...|], [2^-20;1/2], floating, relative, x): 2^-31.7; of asin(x)/pi from the first term on 2^-31.8
-inline constexpr AsinShortBlock asin_float{{1.0, 0x1.55554c5fb0497p-3, 0x1.33387c9d34c26p-4, 0x1.6caed2156b6d9p-5,
-                                            0x1.0491a13d03eb4p-5, 0x1.d91fa3376b476p-7, 0x1.3355c1d82492dp-5}};
-inline constexpr AsinShortBlock asinpi_float{{0x1.45f306de00f77p-2, 0x1.b2994dde4bc3ap-5, 0x1.872bb290c9ccfp-6,
-                                              0x1.d02f1bc20220cp-7, 0x1.4cbcd0cdc5ba9p-7, 0x1.26f5b32e45f2ap-8,
-                                              0x1.8b29542eb155dp-7}};
-// The same to the power 11: 2^-27.6 and 2^-27.7
-inline constexpr AsinShortBlock asin_short{{1.0, 0x1.5555c88341afep-3, 0x1.3301e4685d3b1p-4, 0x1.747e4a34796c9p-5,
-                                            0x1.8c283c204103p-6, 0x1.596d289af2d02p-5, 0.0}};
+// fpminimax(asin(x), [|3,5,...,11|], [|D...|], [2^-20;1/2], floating, relative, x): 2^-27.6; of asin(x)/pi from the first term on
+// 2^-27.7
+inline constexpr AsinShortBlock asin_short{
+    {1.0, 0x1.5555c88341afep-3, 0x1.3301e4685d3b1p-4, 0x1.747e4a34796c9p-5, 0x1.8c283c204103p-6, 0x1.596d289af2d02p-5}};
 inline constexpr AsinShortBlock asinpi_short{{0x1.45f306c476f1ep-2, 0x1.b29a316f8dddfp-5, 0x1.86d954ce1af55p-6,
-                                              0x1.db1b0d0bd9c26p-7, 0x1.f1b30fe41bb49p-8, 0x1.bcb4b4bb131bp-7, 0.0}};
+                                              0x1.db1b0d0bd9c26p-7, 0x1.f1b30fe41bb49p-8, 0x1.bcb4b4bb131bp-7}};
 
 // A turn and the angle of w.
 template <const AsinShortBlock& K>
 inline __m128d short_angle(__m128d turn, __m128d w, __m128d z) {
     const __m128d z2 = z * z;
-    __m128d top = K.c[4] + z * K.c[5];
-    if constexpr (K.c[6] != 0.0) top = top + z2 * K.c[6];
-    return turn + w * ((K.c[0] + z * K.c[1]) + z2 * ((K.c[2] + z * K.c[3]) + z2 * top));
+    return turn + w * ((K.c[0] + z * K.c[1]) + z2 * ((K.c[2] + z * K.c[3]) + z2 * (K.c[4] + z * K.c[5])));
 }
 
 // The negative of the magnitude, as in asin_light_d.h.
@@ -60,19 +53,6 @@ inline __m128d acos_short_lanes(__m128d x) {
     const __m128d half_turn = simd::bit_and(behind, simd::splat(2 * double{U.quarter_high}));
     const __m128d w = simd::select_by_sign(s.folded, simd::bit_or(s.root, simd::sign_of(x)), simd::bit_xor(x, K.minus));
     return short_angle<K>(simd::select_by_sign(s.folded, half_turn, U.quarter_high), w, s.z);
-}
-
-enum class AsinForm { exact, rough };  // "HA", for floats
-
-template <const AngleUnit& U, AsinForm Form>
-inline __m128d asin_lanes(__m128d x) {
-    if constexpr (Form == AsinForm::exact) return asin_by_rows < U.pi ? sine_rows_half_turns : sine_rows_radians > (x);
-    return asin_short_lanes < U, U.pi ? asinpi_float : asin_float > (x);
-}
-template <const AngleUnit& U, AsinForm Form>
-inline __m128d acos_lanes(__m128d x) {
-    if constexpr (Form == AsinForm::exact) return acos_by_rows < U.pi ? sine_rows_half_turns : sine_rows_radians > (x);
-    return acos_short_lanes < U, U.pi ? asinpi_float : asin_float > (x);
 }
 
 }  // namespace orv::vecmath

@@ -12,6 +12,7 @@
 #include "vecmath/exp_log/special.h"
 #include "vecmath/inverse/atan2_d.h"
 #include "vecmath/inverse/by_double.h"
+#include "vecmath/inverse/sine_ends.h"
 
 #include <math.h>
 
@@ -20,21 +21,6 @@ namespace orv::vecmath::float_by_double {
 using simd::Splat;
 
 inline constexpr uint32_t below_one = 0x3F7FFFFF;
-
-// What asin and acos do beyond their vector paths: end(x) for |x| = 1.
-template <class End>
-int32_t at_ends(float x, float* y, End end) {
-    if (is_nan(x)) {
-        *y = quiet(x);
-        return frame::status_ok;
-    }
-    if (std::fabs(x) > 1) {
-        *y = invalid<float>();
-        return frame::status_domain;
-    }
-    *y = static_cast<float>(at_run_time(end(x)));
-    return frame::status_ok;
-}
 
 // A sign turned over and an exponent raised, by addition.
 inline __m128 with_bits(__m128 y, __m128 bits) {
@@ -103,7 +89,7 @@ struct Asin : frame::OneInput<float, 8, frame::Tail::masked> {
         return with_bits(arc_less_turn<K>(s, s.folded, K.eighth_turn), simd::bit_xor(bits, simd::sign_of(x)));
     }
     static int32_t scalar(const float* at, float* y) {
-        return at_ends(*at, y, [](float x) { return std::copysign(double{K.quarter_turn}, x); });
+        return sine_at_ends(*at, y, [](float x) { return std::copysign(double{K.quarter_turn}, x); });
     }
 };
 
@@ -120,7 +106,7 @@ struct Acos : frame::OneInput<float, 8, frame::Tail::masked> {
         return with_bits(arc_less_turn<K>(s, mask, K.quarter_turn), bits);
     }
     static int32_t scalar(const float* at, float* y) {
-        return at_ends(*at, y, [](float x) { return x > 0 ? 0.0 : 2 * double{K.quarter_turn}; });
+        return sine_at_ends(*at, y, [](float x) { return x > 0 ? 0.0 : 2 * double{K.quarter_turn}; });
     }
 };
 
